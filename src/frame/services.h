@@ -1,0 +1,46 @@
+// What every dialog of the library uses: resource strings, window placement, path tests, whole-file loading, the
+// preview cancel flag and the pump of the wait loops. Nothing here reports an error in words.
+#pragma once
+
+#include <windows.h>
+
+#include <atomic>
+#include <cstddef>
+
+// A resource string through the process-wide cache; null when the module has none of that id, or an empty one.
+// The text, at most 126 characters, stays valid until the cache is flushed: copy it or use it at once.
+// A null module tears the cache down. User-interface thread only; workers use CopyResString.
+const char* WINAPI LoadResString(HINSTANCE module, UINT id);
+
+// A resource string of this library, straight from the resources: safe on any thread. At most size - 1 bytes, always
+// ended; an empty text when there is none.
+void CopyResString(UINT id, char* out, std::size_t size);
+
+// Centres a window over its parent, or over the desktop when it has none or the parent is minimised, and keeps it on
+// the screen; left and top win. A rectangle replaces the window's own size. 0 for a null window, else 1.
+int WINAPI CenterWindow(HWND window, const RECT* rect);
+
+// The window's top left corner in screen coordinates and its outer size; either may be null. 0 for a null window or
+// when both are null, else 1.
+int WINAPI GetWindowPosSize(HWND window, POINT* position, SIZE* size);
+
+// 1 when the path names an existing directory, or an existing file that is none; else 0. A drive without a medium
+// gives 0 without the system's error box.
+int WINAPI IsDirectoryPath(const char* path);
+int WINAPI IsFilePath(const char* path);
+
+// The whole file in movable, zero-initialised global memory, locked once: the caller ends with GlobalUnlock and
+// GlobalFree. Null when it is no file, is empty, cannot be read whole, or does not fit the memory.
+HGLOBAL WINAPI LoadFileToGlobal(const char* path);
+
+// The one value that the dialogs share with their workers: 1 lets the running reader go on, all else stops it.
+// Value 0 or 1 stores it and returns the value before; any other value only reads.
+int WINAPI PreviewCancel(int value);
+
+// Stops the running reader and keeps the dialog's messages flowing, until all of `bits` are clear in `word`; before
+// each pass `requestBits` are set in it. A WM_QUIT that passes by is posted again at the end.
+void StopWorkerAndPump(HWND dialog, std::atomic<LONG>& word, LONG bits, LONG requestBits);
+
+// Starts a thread that holds this module in memory until it has left it, so a host may unload the library as soon as
+// the worker has said that it has finished. False when no thread could be made; `work` then never runs.
+bool StartModuleThread(void (*work)(void*), void* argument);
