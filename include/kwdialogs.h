@@ -11,9 +11,7 @@
 #ifndef KWDIALOGS_H
 #define KWDIALOGS_H
 
-#ifndef _WINDOWS_
 #include <windows.h>
-#endif
 
 #ifdef __cplusplus
 extern "C" {

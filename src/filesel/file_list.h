@@ -1,0 +1,13 @@
+// The file list of the classic dialog.
+#pragma once
+
+#include <windows.h>
+
+// The option words while a classic dialog is open: KW_SORT_... and KW_SHOW_...
+extern DWORD SortOptionBits;
+extern DWORD DisplayOptionBits;
+
+// Lets the library's list-box procedure in front of the list's own, and takes it out again. WM_SETREDRAW with TRUE asks
+// the list to sort and redraw its entries.
+void SubclassFileList(HWND list);
+void UnsubclassFileList(HWND list);

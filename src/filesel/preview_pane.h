@@ -1,0 +1,7 @@
+// The preview pane of the Explorer-style file dialog: template 118, its hook and its worker thread.
+#pragma once
+
+#include <windows.h>
+
+// Hook procedure for OPENFILENAMEA::lpfnHook with the pane's template.
+UINT_PTR CALLBACK PreviewHook(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
