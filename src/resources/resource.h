@@ -31,6 +31,10 @@
 #define IDC_DRIVE_COMBO 1137
 #define IDC_FILE_NAME 1152
 
+#ifndef IDC_STATIC
+#define IDC_STATIC (-1) /* labels and frames that nobody addresses */
+#endif
+
 /* Controls of template 108 */
 #define IDC_SORT_NAME 1003
 #define IDC_SORT_EXTENSION 1004
