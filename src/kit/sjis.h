@@ -7,7 +7,9 @@
 #include "kit/bytes.h"
 
 // The first byte of a two-byte character: 129 to 159 and 224 to 252.
-constexpr bool IsLeadByte(std::uint8_t byte) { return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC); }
+constexpr bool IsLeadByte(std::uint8_t byte) {
+    return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
+}
 
 // A text that is being walked line by line: what has not been taken yet.
 struct LineWalk {
