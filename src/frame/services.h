@@ -4,7 +4,6 @@
 
 #include <windows.h>
 
-#include <atomic>
 #include <cstddef>
 
 // A resource string through the process-wide cache; null when the module has none of that id, or an empty one.
@@ -39,7 +38,7 @@ int WINAPI PreviewCancel(int value);
 
 // Stops the running reader and keeps the dialog's messages flowing, until all of `bits` are clear in `word`; before
 // each pass `requestBits` are set in it. A WM_QUIT that passes by is posted again at the end.
-void StopWorkerAndPump(HWND dialog, std::atomic<LONG>& word, LONG bits, LONG requestBits);
+void StopWorkerAndPump(HWND dialog, volatile LONG* word, LONG bits, LONG requestBits);
 
 // Starts a thread that holds this module in memory until it has left it, so a host may unload the library as soon as
 // the worker has said that it has finished. False when no thread could be made; `work` then never runs.

@@ -1,0 +1,46 @@
+// The exports: thin dispatchers that choose a dialog variant and keep the process's current directory.
+#include "filesel/file_dialog.h"
+#include "frame/os_kind.h"
+#include "kwdialogs.h"
+
+// 0: Explorer style where the shell has it; positive: classic. Never changed by the library itself.
+static int GuiMode = 0;
+
+static bool UsesExplorerStyle() { return GuiMode == 0 && HasNewShell(GetOsKind()); }
+
+// Remembers the current directory for the length of a scope: the common dialogs move it as the user browses.
+struct KeptDirectory {
+    char path[KW_MAX_PATH] = {};
+    KeptDirectory() {
+        const DWORD length = GetCurrentDirectoryA(sizeof(path), path);
+        if (length >= sizeof(path)) path[0] = '\0';
+    }
+    ~KeptDirectory() {
+        if (path[0]) SetCurrentDirectoryA(path);
+    }
+    KeptDirectory(const KeptDirectory&) = delete;
+    KeptDirectory& operator=(const KeptDirectory&) = delete;
+};
+
+static BOOL SelectFile(HWND owner, int modeBits, SelectRequest* request) {
+    const KeptDirectory kept;
+    return UsesExplorerStyle() ? SelectFileExplorer(owner, modeBits, request)
+                               : SelectFileClassic(owner, modeBits, request);
+}
+
+unsigned int WINAPI kwSelectFileName(HWND owner, int modeBits, int keepLongName, SelectRequest* request) {
+    if (!request) return 0;
+    const BOOL chosen = SelectFile(owner, modeBits, request);
+    if (chosen && !keepLongName) GetShortPathNameA(request->fileBuffer, request->fileBuffer, request->fileBufferSize);
+    return static_cast<unsigned int>(chosen);
+}
+
+int WINAPI kwSelectFileGUI(int mode) {
+    const int previous = GuiMode;
+    if (mode >= 0) GuiMode = mode;
+    return previous;
+}
+
+unsigned int WINAPI kwSelectDirectryName(HWND, const char*, char*) { return 0; }
+
+int WINAPI kwDlgBoxCtrl(HINSTANCE, const char*, HWND, DialogItem*, int, DialogCallback) { return -1; }
