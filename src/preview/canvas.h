@@ -13,6 +13,9 @@ constexpr DWORD kRenderColor = 2;       // a bitmap like the screen's, else one 
 constexpr int kPenCount = 16;
 constexpr int kTextPen = 6;
 
+// An empty bitmap of the target's size in the form that renderMode asks for; null when it cannot be made.
+HBITMAP CreatePreviewBitmap(HDC screen, DWORD renderMode, const RECT& target);
+
 // Everything of one run. Members leave in reverse order: the device context goes before what is selected into it.
 struct Canvas {
     RECT target = {};

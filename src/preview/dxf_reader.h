@@ -1,5 +1,5 @@
-// The ASCII form of DXF: extents and the entities POINT, LINE, ARC, CIRCLE and TEXT. See PreviewReader for the contract;
-// the comment is the head of the file's text.
+// The ASCII form of DXF: extents and the entities POINT, LINE, ARC, CIRCLE and TEXT. See PreviewReader for the
+// contract; the comment is the head of the file's text.
 #pragma once
 
 #include "preview/reader.h"

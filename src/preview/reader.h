@@ -12,7 +12,8 @@
 // Reads `fileName` and draws it into a bitmap of the target's size, which the caller then owns.
 //   renderMode               kRenderColor, kRenderTextFrames
 //   target                   size of the bitmap in pixels; without one there is no bitmap
-//   commentOut, commentSize  receives the title block or the head of the text, never more than commentSize - 1 bytes and
+//   commentOut, commentSize  receives the title block or the head of the text, never more than commentSize - 1 bytes
+//   and
 //                            always ended by a zero; lines are separated by "\r\r\n"; may be null and 0
 // Null when the file gives no picture, cannot be read, or the run was cancelled (PreviewCancel).
 using PreviewReader = HBITMAP (*)(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
@@ -33,7 +34,8 @@ bool AppendCommentLine(Comment* comment, ByteView line);
 // Appends as much of a text as fits.
 void AppendComment(Comment* comment, const char* text);
 
-// A file's contents in global memory, locked for as long as the record lives. `data` is null when it could not be loaded.
+// A file's contents in global memory, locked for as long as the record lives. `data` is null when it could not be
+// loaded.
 struct LoadedFile {
     HGLOBAL block;
     std::uint8_t* data = nullptr;
@@ -67,5 +69,5 @@ inline bool MayContinue() { return PreviewCancel(-1) == 1; }
 // What all drawing readers share: clear the comment, set the cancel flag to 1, load the file, let `decode` open the
 // canvas and draw, set the flag to 0. The canvas's bitmap is returned when `decode` returns true, else everything is
 // freed.
-HBITMAP RunDrawingReader(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut, DWORD commentSize,
-                         bool (*decode)(DrawingRun&));
+HBITMAP RunDrawingReader(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
+                         DWORD commentSize, bool (*decode)(DrawingRun&));

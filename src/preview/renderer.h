@@ -49,7 +49,13 @@ struct PreviewPrimitive {
     Slot e, f;
     char g[256] = {};  // the text, ended by a zero; or, in the first 8 bytes, a double
     double FrameAngle() const;
-    void SetFrameAngle(double degrees);
+
+    void SetPoint(double x, double y);
+    void SetLine(double x1, double y1, double x2, double y2);                                // leaves the end marks
+    void SetArc(double x, double y, double radius, double startDegrees, double endDegrees);  // leaves the end marks
+    void SetFrame(double x1, double y1, double x2, double y2, double centreX, double centreY, double angleDegrees);
+    void SetText(double x, double y, double height, double width, double spacing, double angleDegrees,
+                 const char* text);  // at most 255 bytes of it
 };
 
 // An end-mark word: the mark at the first point in the low half, at the second in the high half.
@@ -75,16 +81,21 @@ bool ClipSegmentToWindow(const ViewTransform& transform, double* x1, double* y1,
 void DrawEndMark(HDC dc, const ViewTransform& transform, std::uint32_t code, double x, double y, double angleDegrees,
                  double size);
 
-// The font of a run's last text, kept so that a like text need not make it again. It may be selected into the run's
+// A larger text is not drawn: only a part of one stroke could be seen, and its font would cost more memory than the
+// drawing.
+constexpr int kMaxTextPixels = 4096;
+
+// The font of a run's last text, kept so that a like text need not make it again. It stays selected into the run's
 // device context, so it must outlive that context.
 struct TextFont {
-    LOGFONTA description = {};
+    std::int32_t height = 0, width = 0, escapement = 0;  // pixels, pixels, tenths of a degree
     UniqueFont font;
 };
 
 // Draws one element with the pen that is selected into `dc`; clipped line ends are written back. Always 1.
 // With `reuse` the font stays selected after the call; without, the call leaves nothing behind.
-int DrawPreviewPrimitive(HDC dc, const ViewTransform& transform, PreviewPrimitive& primitive, TextFont* reuse = nullptr);
+int DrawPreviewPrimitive(HDC dc, const ViewTransform& transform, PreviewPrimitive& primitive,
+                         TextFont* reuse = nullptr);
 
 // A white bitmap of the target's size with one line of text in its middle, for "Loading..." and "Not Preview"; colour
 // with kRenderColor in `flags`, else monochrome. The caller owns it; null when it could not be made.

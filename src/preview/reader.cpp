@@ -1,0 +1,57 @@
+#include "preview/reader.h"
+
+#include <cstring>
+
+Comment BeginComment(char* commentOut, DWORD commentSize) {
+    if (!commentOut || commentSize == 0) return {};
+    std::memset(commentOut, 0, commentSize);
+    return {commentOut, static_cast<long>(commentSize & 0x7FFFFFFF)};
+}
+
+// Copies and moves on; the buffer is zero behind the end already.
+static void Append(Comment* comment, const void* bytes, std::size_t size) {
+    std::memcpy(comment->end, bytes, size);
+    comment->end += size;
+    comment->room -= static_cast<long>(size);
+}
+
+bool AppendCommentLine(Comment* comment, ByteView line) {
+    static constexpr char kSoftBreak[] = "\r\r\n";
+    constexpr std::size_t kBreakSize = sizeof(kSoftBreak) - 1;
+    const long available = comment->room - 1 - static_cast<long>(kBreakSize);
+    if (!comment->end || available <= 0 || line.size >= static_cast<std::size_t>(available)) return false;
+    Append(comment, line.data, line.size);
+    Append(comment, kSoftBreak, kBreakSize);
+    return true;
+}
+
+void AppendComment(Comment* comment, const char* text) {
+    if (!comment->end || comment->room <= 1) return;
+    Append(comment, text, strnlen(text, static_cast<std::size_t>(comment->room) - 1));
+}
+
+LoadedFile::LoadedFile(const char* fileName) : block(LoadFileToGlobal(fileName)) {
+    if (!block) return;
+    size = GlobalSize(block);
+    data = static_cast<std::uint8_t*>(GlobalLock(block));
+    if (size == 0) data = nullptr;
+}
+
+LoadedFile::~LoadedFile() {
+    if (!block) return;
+    while (GlobalUnlock(block)) {}  // the loader's lock and ours
+    GlobalFree(block);
+}
+
+HBITMAP RunDrawingReader(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
+                         DWORD commentSize, bool (*decode)(DrawingRun&)) {
+    const Comment comment = BeginComment(commentOut, commentSize);
+    PreviewCancel(1);
+    HBITMAP bitmap = nullptr;
+    {
+        DrawingRun run = {renderMode, target, comment, LoadedFile(fileName), {}};
+        if (run.file.data && decode(run)) bitmap = ReleaseCanvasBitmap(&run.canvas);
+    }
+    PreviewCancel(0);
+    return bitmap;
+}
