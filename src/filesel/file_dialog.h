@@ -1,5 +1,5 @@
-// The system's open/save dialog in two dresses. Both write filterIndex back in every case and return the common dialog's
-// result; the caller saves and restores the current directory.
+// The system's open/save dialog in two dresses. Both write filterIndex back in every case and return the common
+// dialog's result; the caller saves and restores the current directory.
 #pragma once
 
 #include <windows.h>

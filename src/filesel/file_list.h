@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <cstddef>
+
 // The option words while a classic dialog is open: KW_SORT_... and KW_SHOW_...
 extern DWORD SortOptionBits;
 extern DWORD DisplayOptionBits;
@@ -11,3 +13,7 @@ extern DWORD DisplayOptionBits;
 // the list to sort and redraw its entries.
 void SubclassFileList(HWND list);
 void UnsubclassFileList(HWND list);
+
+// The length of the file name that a line of the list begins with: up to the first tab or, without one, the first
+// blank.
+std::size_t FileNameLength(const char* line);
