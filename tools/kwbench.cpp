@@ -1,0 +1,214 @@
+// kwbench: measures the library's speed and memory against floors that it measures in the same run.
+#include "kwbench.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+static constexpr struct {
+    const char* name;
+    const char* what;
+    bool (*run)(Bench*);
+} kBenchmarks[] = {
+    {"dxf", "ReadDxfPreview of generated drawings, against a bare scan of the file and the bare GDI calls", BenchDxf},
+    {"identify", "IdentifyFileType of small files, against open, read of 1 KB and close", BenchIdentify},
+    {"cancel", "how soon a reader returns after PreviewCancel(0)", BenchCancel},
+    {"memory", "the peak of memory during ReadDxfPreview, against the file's size", BenchMemory},
+};
+
+// For the program itself: kwbench --preview-memory SMALL DRAWING (see PreviewMemoryKilobytes).
+static constexpr char kPreviewMemoryOption[] = "--preview-memory";
+
+static void PrintHelp() {
+    std::printf(
+        "kwbench [--quick] [NAME...]\n"
+        "\n"
+        "Runs the named benchmarks, or all, and prints one table. --quick takes smaller inputs and fewer rounds.\n"
+        "\n");
+    for (const auto& benchmark : kBenchmarks) std::printf("  %-10s %s\n", benchmark.name, benchmark.what);
+    std::printf(
+        "\n"
+        "Inputs are generated from fixed seeds in a temporary folder, which is removed at the end. Measured and floor\n"
+        "take turns in every round; both columns are medians over the rounds, the ratio is the median of the rounds'\n"
+        "ratios. The exit code is 0 whatever the table says, and 1 when something could not be measured.\n");
+}
+
+// ---- Time and statistics
+
+double Now() {
+    static const double secondsPerTick = [] {
+        LARGE_INTEGER frequency;
+        QueryPerformanceFrequency(&frequency);
+        return 1.0 / static_cast<double>(frequency.QuadPart);
+    }();
+    LARGE_INTEGER ticks;
+    QueryPerformanceCounter(&ticks);
+    return static_cast<double>(ticks.QuadPart) * secondsPerTick;
+}
+
+double Median(std::vector<double> values) {
+    if (values.empty()) return 0;
+    std::sort(values.begin(), values.end());
+    const std::size_t middle = values.size() / 2;
+    return values.size() % 2 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+}
+
+double MedianRatio(const Comparison& rounds) {
+    std::vector<double> ratios;
+    for (std::size_t i = 0; i < rounds.measured.size(); ++i) ratios.push_back(rounds.measured[i] / rounds.floor[i]);
+    return Median(ratios);
+}
+
+// ---- The table
+
+std::string Number(double value, int decimals) {
+    char text[64];
+    std::snprintf(text, sizeof(text), "%.*f", decimals, value);
+    return text;
+}
+
+std::string Milliseconds(double seconds) { return Number(seconds * 1000, seconds < 0.1 ? 2 : 0) + " ms"; }
+
+std::string Rate(double bytes, double seconds) {
+    return Number(bytes / seconds / static_cast<double>(kMegabyte), 0) + " MB/s";
+}
+
+Row TimeRow(const std::string& what, const Comparison& rounds, double limit) {
+    const double ratio = MedianRatio(rounds);
+    return {what,
+            Milliseconds(Median(rounds.measured)),
+            Milliseconds(Median(rounds.floor)),
+            Number(ratio, 2),
+            "<= " + Number(limit, 2),
+            ratio <= limit ? Row::kMet : Row::kMissed};
+}
+
+Row RateRow(const std::string& what, const Comparison& rounds, double bytes, double limit) {
+    const double ratio = 1 / MedianRatio(rounds);  // rates are to each other as the times are the other way round
+    return {what,
+            Rate(bytes, Median(rounds.measured)),
+            Rate(bytes, Median(rounds.floor)),
+            Number(ratio, 2),
+            ">= " + Number(limit, 2),
+            ratio >= limit ? Row::kMet : Row::kMissed};
+}
+
+static void PrintTable(const std::vector<Row>& rows) {
+    static const Row titles = {"what", "measured", "floor", "ratio", "target"};
+    static constexpr std::string Row::*kColumns[] = {&Row::what, &Row::measured, &Row::floor, &Row::ratio,
+                                                     &Row::target};
+    static constexpr const char* kVerdicts[] = {"", "yes", "NO"};
+    int widths[std::size(kColumns)];
+    for (std::size_t i = 0; i < std::size(kColumns); ++i) {
+        std::size_t width = (titles.*kColumns[i]).size();
+        for (const Row& row : rows) width = std::max(width, (row.*kColumns[i]).size());
+        widths[i] = static_cast<int>(width);
+    }
+    const auto print = [&](const Row& row, const char* verdict) {
+        std::printf("%-*s", widths[0], row.what.c_str());
+        for (std::size_t i = 1; i < std::size(kColumns); ++i) {
+            std::printf("  %*s", widths[i], (row.*kColumns[i]).c_str());
+        }
+        std::printf("  %s\n", verdict);
+    };
+    print(titles, "ok");
+    for (const Row& row : rows) print(row, kVerdicts[row.verdict]);
+}
+
+// ---- The run
+
+void Progress(const std::string& text) { std::fprintf(stderr, "kwbench: %s\n", text.c_str()); }
+
+bool Fail(const std::string& text) {
+    Progress(text);
+    return false;
+}
+
+const Drawing* DrawingOf(Bench* bench, int megabytes) {
+    const auto found = bench->drawings.find(megabytes);
+    if (found != bench->drawings.end()) return &found->second;
+    const std::string path = bench->folder + std::to_string(megabytes) + "mb.dxf";
+    Progress("writing a drawing of " + std::to_string(megabytes) + " MB");
+    Drawing drawing;
+    if (!WriteDrawing(path, static_cast<std::size_t>(megabytes) * kMegabyte, &drawing)) {
+        Fail("cannot write " + path);
+        return nullptr;
+    }
+    return &bench->drawings.emplace(megabytes, drawing).first->second;
+}
+
+// An empty folder of our own below the user's temporary folder, with its backslash; empty when it cannot be made.
+static std::string MakeTemporaryFolder() {
+    char parent[MAX_PATH];
+    const DWORD length = GetTempPathA(sizeof(parent), parent);
+    if (length == 0 || length >= sizeof(parent)) return {};
+    const std::string stem = std::string(parent) + "kwbench" + std::to_string(GetCurrentProcessId());
+    for (int attempt = 0; attempt < 100; ++attempt) {  // an earlier process may have had our id and been killed
+        const std::string path = stem + "_" + std::to_string(attempt);
+        if (CreateDirectoryA(path.c_str(), nullptr)) return path + "\\";
+        if (GetLastError() != ERROR_ALREADY_EXISTS) break;
+    }
+    return {};
+}
+
+static void RemoveFolder(const std::string& folder) {
+    WIN32_FIND_DATAA found;
+    {
+        const UniqueFind search(FindFirstFileA((folder + "*").c_str(), &found));
+        if (search.get() == INVALID_HANDLE_VALUE) return;
+        do {
+            if (std::strcmp(found.cFileName, ".") == 0 || std::strcmp(found.cFileName, "..") == 0) continue;
+            const std::string path = folder + found.cFileName;
+            if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) RemoveFolder(path + "\\");
+            else DeleteFileA(path.c_str());
+        } while (FindNextFileA(search.get(), &found));
+    }
+    RemoveDirectoryA(folder.c_str());
+}
+
+static bool Run(Bench* bench, const std::vector<std::string>& names) {
+    bool complete = true;
+    for (const auto& benchmark : kBenchmarks) {
+        if (!names.empty() && std::find(names.begin(), names.end(), benchmark.name) == names.end()) continue;
+        Progress(std::string(benchmark.name) + ": " + benchmark.what);
+        if (!benchmark.run(bench)) complete = false;
+    }
+    PrintTable(bench->rows);
+    return complete;
+}
+
+static bool IsBenchmark(const char* name) {
+    return std::any_of(std::begin(kBenchmarks), std::end(kBenchmarks),
+                       [&](const auto& benchmark) { return std::strcmp(benchmark.name, name) == 0; });
+}
+
+int main(int argc, char** argv) {
+    if (argc == 4 && std::strcmp(argv[1], kPreviewMemoryOption) == 0) return PreviewMemoryKilobytes(argv[2], argv[3]);
+
+    Bench bench;
+    std::vector<std::string> names;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--help") == 0) {
+            PrintHelp();
+            return 0;
+        }
+        if (std::strcmp(argv[i], "--quick") == 0) {
+            bench.quick = true;
+        } else if (IsBenchmark(argv[i])) {
+            names.push_back(argv[i]);
+        } else {
+            Fail(std::string("unknown argument ") + argv[i] + " (see kwbench --help)");
+            return 1;
+        }
+    }
+
+    bench.folder = MakeTemporaryFolder();
+    if (bench.folder.empty()) {
+        Fail("cannot make a temporary folder");
+        return 1;
+    }
+    const bool complete = Run(&bench, names);
+    RemoveFolder(bench.folder);
+    return complete ? 0 : 1;
+}

@@ -1,0 +1,342 @@
+#include "kwbench_inputs.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "kit/handles.h"
+
+static constexpr std::uint64_t kDrawingSeed = 0x6B776472617721;
+static constexpr std::uint64_t kFilesSeed = 0x6B7766696C6573;
+
+static constexpr std::int64_t kUnit = 1000000000000;  // one drawing unit
+static constexpr std::int64_t kPowers[kDecimalPlaces + 1] = {
+    1,        10,        100,        1000,        10000,        100000,       1000000,
+    10000000, 100000000, 1000000000, 10000000000, 100000000000, 1000000000000};
+
+// ---- Numbers
+
+std::uint32_t Random::Next() {  // splitmix64, its upper half
+    state += 0x9E3779B97F4A7C15;
+    std::uint64_t z = state;
+    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9;
+    z = (z ^ (z >> 27)) * 0x94D049BB133111EB;
+    return static_cast<std::uint32_t>((z ^ (z >> 31)) >> 32);
+}
+
+std::uint32_t Random::Below(std::uint32_t bound) {
+    return static_cast<std::uint32_t>((static_cast<std::uint64_t>(Next()) * bound) >> 32);
+}
+
+std::int64_t Random::Between(std::int64_t low, std::int64_t high) {
+    const std::uint64_t wide = (static_cast<std::uint64_t>(Next()) << 32) | Next();
+    return low + static_cast<std::int64_t>(wide % static_cast<std::uint64_t>(high - low + 1));
+}
+
+// Both are whole numbers that a double holds exactly, so the division rounds once, as a conversion of the text does.
+double Decimal::Value() const { return static_cast<double>(units) / static_cast<double>(kPowers[places]); }
+
+// A length in 1e-12 drawing units, cut to so many places.
+static Decimal Cut(std::int64_t length, int places) { return {length / kPowers[kDecimalPlaces - places], places}; }
+
+// ---- The entities of a drawing
+
+// An A0 sheet in millimetres.
+static constexpr std::int64_t kSheetWidth = 1189 * kUnit;
+static constexpr std::int64_t kSheetHeight = 841 * kUnit;
+
+static constexpr const char* kLayers[] = {"0", "WALLS", "DIMENSIONS", "AXES", "HATCH-2", "TITLE"};
+static constexpr const char* kTexts[] = {"M8x1.25", "R12.5", "%%c25 H7", "SECTION A-A", "SCALE 1:50", "2000", "45%%d"};
+static constexpr int kTextHeights[] = {5, 7, 10, 14, 20};
+static constexpr int kTextAngles[] = {0, 0, 0, 90, 90, 45, 330};
+// Most entities take their line type from the layer and name none.
+static constexpr const char* kLineTypes[] = {"CONTINUOUS", "BYLAYER", "DASHED", "CENTER", "HIDDEN", "PHANTOM", "DOT"};
+
+template <typename T, std::size_t N>
+static T Pick(Random* random, const T (&choices)[N]) {
+    return choices[random->Below(N)];
+}
+
+EntityStream::EntityStream() : random{kDrawingSeed} {}
+
+// Programs write what was typed with few places and what was computed with many.
+static int PickPlaces(Random* random) {
+    static constexpr int kPlaces[] = {1, 6, kDecimalPlaces, kDecimalPlaces};
+    return Pick(random, kPlaces);
+}
+
+// A step of a contour: mostly short against the sheet, a few long ones.
+static std::int64_t PickStep(Random* random) {
+    const std::int64_t reach = (kUnit / 2) << random->Below(8);  // 0.5 to 64 drawing units
+    return random->Between(-reach, reach);
+}
+
+// A contour may leave the sheet by a little.
+static std::int64_t Bounded(std::int64_t value, std::int64_t limit) {
+    return std::clamp(value, -10 * kUnit, limit + 10 * kUnit);
+}
+
+static Entity NextLine(EntityStream* stream) {
+    Random* random = &stream->random;
+    if (stream->contourLeft == 0) {
+        stream->contourLeft = 1 + random->Below(12);
+        stream->penX = random->Between(0, kSheetWidth);
+        stream->penY = random->Between(0, kSheetHeight);
+    }
+    --stream->contourLeft;
+    const std::int64_t fromX = stream->penX, fromY = stream->penY;
+    const std::uint32_t direction = random->Below(4);  // along an axis, or aslant
+    if (direction != 0) stream->penX = Bounded(fromX + PickStep(random), kSheetWidth);
+    if (direction != 1) stream->penY = Bounded(fromY + PickStep(random), kSheetHeight);
+    const int places = PickPlaces(random);
+    Entity line;
+    line.x1 = Cut(fromX, places);
+    line.y1 = Cut(fromY, places);
+    line.x2 = Cut(stream->penX, places);
+    line.y2 = Cut(stream->penY, places);
+    return line;
+}
+
+static Entity NextText(EntityStream* stream) {
+    Random* random = &stream->random;
+    Entity* text = &stream->lastText;
+    if (stream->textsLeft == 0) {  // texts of one size stand together: a table, a chain of dimensions
+        stream->textsLeft = 1 + random->Below(8);
+        text->kind = EntityKind::kText;
+        text->size = Cut(Pick(random, kTextHeights) * kUnit, 1);
+        text->hasWidthFactor = random->Below(4) == 0;
+        text->widthFactor = {random->Below(2) ? 8 : 7, 1};
+        text->startDegrees = Cut(Pick(random, kTextAngles) * kUnit, 1);
+        text->hasAngle = text->startDegrees.units != 0;
+        text->horizontal = random->Below(3) == 0 ? 1 + static_cast<int>(random->Below(2)) : 0;
+        text->vertical = text->horizontal ? static_cast<int>(random->Below(4)) : 0;
+    }
+    --stream->textsLeft;
+    text->x1 = Cut(random->Between(0, kSheetWidth), 6);
+    text->y1 = Cut(random->Between(0, kSheetHeight), 6);
+    text->text = Pick(random, kTexts);
+    return *text;
+}
+
+static Entity NextRound(Random* random, EntityKind kind) {
+    const int places = PickPlaces(random);
+    Entity round;
+    round.kind = kind;
+    round.x1 = Cut(random->Between(0, kSheetWidth), places);
+    round.y1 = Cut(random->Between(0, kSheetHeight), places);
+    round.size = Cut(random->Between(kUnit / 2, kUnit << random->Below(6)), places);
+    round.startDegrees = Cut(random->Between(0, 359 * kUnit), places);
+    round.endDegrees = Cut(random->Between(0, 359 * kUnit), places);
+    return round;
+}
+
+Entity EntityStream::Next() {
+    Entity entity;
+    const std::uint32_t share = random.Below(100);
+    if (share < 82) entity = NextLine(this);
+    else if (share < 90) entity = NextRound(&random, EntityKind::kArc);
+    else if (share < 94) entity = NextRound(&random, EntityKind::kCircle);
+    else if (share < 97) entity = NextText(this);
+    else entity = NextRound(&random, EntityKind::kPoint);
+    entity.lineType = random.Below(8) == 0 ? Pick(&random, kLineTypes) : nullptr;
+    return entity;
+}
+
+// ---- Writing
+
+// Collects lines and hands them to the file in large pieces.
+struct Writer {
+    UniqueHandle file;
+    std::string pending;
+    std::size_t written = 0;
+    bool good = true;
+
+    explicit Writer(const std::string& path)
+        : file(CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr)) {
+        good = IsOpen(file);
+    }
+    std::size_t Size() const { return written + pending.size(); }
+    void Flush() {
+        DWORD count = 0;
+        const DWORD wanted = static_cast<DWORD>(pending.size());
+        good = good && WriteFile(file.get(), pending.data(), wanted, &count, nullptr) && count == wanted;
+        written += wanted;
+        pending.clear();
+    }
+    void Text(const char* text) { pending += text; }
+    void Line(const char* text) {
+        pending += text;
+        pending += "\r\n";
+        if (pending.size() >= 1 << 20) Flush();
+    }
+    void Pair(int code, const char* value) {
+        char text[16];
+        std::snprintf(text, sizeof(text), "%3d", code);
+        Line(text);
+        Line(value);
+    }
+    void Pair(int code, int value) {
+        char text[16];
+        std::snprintf(text, sizeof(text), "%6d", value);
+        Pair(code, text);
+    }
+    // As drawing programs do: no zeros at the end, but always a digit behind the point.
+    void Pair(int code, Decimal value) {
+        char text[48];
+        const std::int64_t size = value.units < 0 ? -value.units : value.units;
+        std::snprintf(text, sizeof(text), "%s%lld.%0*lld", value.units < 0 ? "-" : "",
+                      static_cast<long long>(size / kPowers[value.places]), value.places,
+                      static_cast<long long>(size % kPowers[value.places]));
+        std::size_t length = std::strlen(text);
+        while (text[length - 1] == '0' && text[length - 2] != '.') text[--length] = 0;
+        Pair(code, text);
+    }
+    void Point(int code, Decimal x, Decimal y) {
+        Pair(code, x);
+        Pair(code + 10, y);
+        Pair(code + 20, Decimal{});
+    }
+};
+
+static void WriteEntity(Writer* out, const Entity& entity, std::size_t number) {
+    static constexpr const char* kNames[] = {"POINT", "LINE", "ARC", "CIRCLE", "TEXT"};
+    char handle[16];
+    std::snprintf(handle, sizeof(handle), "%X", static_cast<unsigned>(number + 0x100));
+    out->Pair(0, kNames[static_cast<int>(entity.kind)]);
+    out->Pair(5, handle);
+    out->Pair(8, kLayers[number / 7 % std::size(kLayers)]);
+    if (entity.lineType) out->Pair(6, entity.lineType);
+    if (number % 3 == 0) out->Pair(62, static_cast<int>(number / 3 % 7) + 1);
+    out->Point(10, entity.x1, entity.y1);
+    switch (entity.kind) {
+        case EntityKind::kPoint: break;
+        case EntityKind::kLine: out->Point(11, entity.x2, entity.y2); break;
+        case EntityKind::kCircle: out->Pair(40, entity.size); break;
+        case EntityKind::kArc:
+            out->Pair(40, entity.size);
+            out->Pair(50, entity.startDegrees);
+            out->Pair(51, entity.endDegrees);
+            break;
+        case EntityKind::kText:
+            out->Pair(40, entity.size);
+            out->Pair(1, entity.text);
+            if (entity.hasAngle) out->Pair(50, entity.startDegrees);
+            if (entity.hasWidthFactor) out->Pair(41, entity.widthFactor);
+            if (entity.horizontal) {
+                out->Pair(72, entity.horizontal);
+                out->Point(11, entity.x1, entity.y1);
+                out->Pair(73, entity.vertical);
+            }
+            break;
+    }
+}
+
+static void WriteHead(Writer* out) {
+    out->Pair(0, "SECTION");
+    out->Pair(2, "HEADER");
+    out->Pair(9, "$ACADVER");
+    out->Pair(1, "AC1009");
+    out->Pair(9, "$EXTMIN");
+    out->Point(10, Cut(0, 1), Cut(0, 1));
+    out->Pair(9, "$EXTMAX");
+    out->Point(10, Cut(kSheetWidth, 1), Cut(kSheetHeight, 1));
+    out->Pair(0, "ENDSEC");
+    out->Pair(0, "SECTION");
+    out->Pair(2, "TABLES");
+    out->Pair(0, "TABLE");
+    out->Pair(2, "LAYER");
+    out->Pair(70, static_cast<int>(std::size(kLayers)));
+    for (const char* layer : kLayers) {
+        out->Pair(0, "LAYER");
+        out->Pair(2, layer);
+        out->Pair(70, 0);
+        out->Pair(62, 7);
+        out->Pair(6, kLineTypes[0]);
+    }
+    out->Pair(0, "ENDTAB");
+    out->Pair(0, "ENDSEC");
+    out->Pair(0, "SECTION");
+    out->Pair(2, "ENTITIES");
+}
+
+bool WriteDrawing(const std::string& path, std::size_t size, Drawing* out) {
+    Writer writer(path);
+    WriteHead(&writer);
+    EntityStream entities;
+    std::size_t count = 0;
+    for (; writer.good && writer.Size() < size; ++count) WriteEntity(&writer, entities.Next(), count);
+    writer.Pair(0, "ENDSEC");
+    writer.Pair(0, "EOF");
+    writer.Flush();
+    out->path = path;
+    out->size = writer.written;
+    out->entityCount = count;
+    out->extents = {0, 0, Cut(kSheetWidth, 1).Value(), Cut(kSheetHeight, 1).Value()};
+    return writer.good;
+}
+
+// ---- Small files
+
+enum class Filling { kProse, kProgram, kJapanese, kBytes, kDxf };
+
+static constexpr struct {
+    const char* extension;
+    std::size_t offset;  // where the signature stands
+    const char* signature;
+    Filling filling;
+} kSmallFiles[] = {
+    {".TXT", 0, "", Filling::kProse},
+    {".LST", 0, "", Filling::kProse},
+    {".DOC", 0, "", Filling::kJapanese},
+    {".NC", 0, "%\r\nO0100\r\n", Filling::kProgram},
+    {".PTP", 0, "", Filling::kProgram},
+    {".DXF", 0, "", Filling::kDxf},
+    {".EXE", 0, "MZ", Filling::kBytes},
+    {".DLL", 0, "MZ", Filling::kBytes},
+    {".BMP", 0, "BM", Filling::kBytes},
+    {".DAT", 0, "", Filling::kBytes},
+    {".DRW", 4, "CAD ORVIL QA V4.0    \x14", Filling::kBytes},
+    {".DRW", 4, "LumosBase            \x1A", Filling::kBytes},
+    {".BAK", 0, "VEXTRON lumos Backup V2", Filling::kBytes},
+};
+
+static void AppendFilling(Random* random, Filling filling, std::string* out) {
+    static constexpr const char* kWords[] = {"the ", "drawing ", "of ", "a ", "bracket, ", "two ", "holes.\r\n"};
+    static constexpr const char* kBlocks[] = {"G01 X", "G00 X", "X", "G02 X"};
+    switch (filling) {
+        case Filling::kProse: *out += Pick(random, kWords); break;
+        case Filling::kJapanese: *out += random->Below(12) ? "\x90\x7D\x96\xCA" : "\r\n"; break;
+        case Filling::kBytes: *out += static_cast<char>(random->Below(256)); break;
+        case Filling::kProgram:
+            *out += Pick(random, kBlocks) + std::to_string(random->Below(500)) + ".5 Y" +
+                    std::to_string(random->Below(500)) + ".25\r\n";
+            break;
+        case Filling::kDxf: *out += " 10\r\n" + std::to_string(random->Below(1000)) + ".125\r\n"; break;
+    }
+}
+
+std::vector<std::string> WriteSmallFiles(const std::string& folder, std::size_t count) {
+    static constexpr std::size_t kFilesAFolder = 500;
+    std::vector<std::string> paths;
+    Random random{kFilesSeed};
+    std::string subfolder;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (i % kFilesAFolder == 0) {
+            subfolder = folder + "files" + std::to_string(i / kFilesAFolder) + "\\";
+            if (!CreateDirectoryA(subfolder.c_str(), nullptr)) return paths;
+        }
+        const auto& kind = kSmallFiles[random.Below(std::size(kSmallFiles))];
+        const std::size_t size = 1024 + random.Below(3 * 1024);
+        std::string contents = std::string(kind.offset, '\0') + kind.signature;
+        while (contents.size() < size) AppendFilling(&random, kind.filling, &contents);
+        const std::string path = subfolder + "part" + std::to_string(i) + kind.extension;
+        Writer writer(path);
+        writer.pending = contents;
+        writer.Flush();
+        if (!writer.good) return paths;
+        paths.push_back(path);
+    }
+    return paths;
+}

@@ -1,0 +1,67 @@
+// Generated inputs: drawings in the ASCII form of DXF, and folders of small files of many kinds. Fixed seeds, so every
+// run and every machine measures the same bytes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "preview/renderer.h"
+
+// Pseudo-random numbers, the same everywhere (the standard library's distributions are not).
+struct Random {
+    std::uint64_t state;
+    std::uint32_t Next();
+    std::uint32_t Below(std::uint32_t bound);  // 0 up to bound - 1
+    std::int64_t Between(std::int64_t low, std::int64_t high);
+};
+
+// A decimal number as the file holds it. Its value is exactly what a correct conversion of its text gives.
+struct Decimal {
+    std::int64_t units = 0;  // of the last place
+    int places = 1;          // behind the decimal point, at most kDecimalPlaces
+    double Value() const;
+};
+constexpr int kDecimalPlaces = 12;
+
+enum class EntityKind { kPoint, kLine, kArc, kCircle, kText };
+
+// One generated entity; what its kind does not have is unused.
+struct Entity {
+    EntityKind kind = EntityKind::kLine;
+    const char* lineType = nullptr;  // null: the file does not say
+    Decimal x1, y1, x2, y2;          // the point, the ends, the centre (first pair), or a text's insertion point
+    Decimal size;                    // radius or text height
+    Decimal startDegrees, endDegrees;
+    Decimal widthFactor;
+    bool hasAngle = false, hasWidthFactor = false;
+    int horizontal = 0, vertical = 0;  // justification of a text
+    const char* text = "";
+};
+
+// Yields a drawing's entities one after the other, the same sequence at every start.
+struct EntityStream {
+    Random random;
+    std::int64_t penX = 0, penY = 0;  // where the contour that is being drawn has come to, in 1e-12 drawing units
+    std::uint32_t contourLeft = 0;
+    std::uint32_t textsLeft = 0;  // of the same size and angle
+    Entity lastText;
+    EntityStream();
+    Entity Next();
+};
+
+// A drawing that has been written.
+struct Drawing {
+    std::string path;
+    std::size_t size = 0;         // bytes
+    std::size_t entityCount = 0;  // taken from the start of an EntityStream
+    WorldRect extents = {};
+};
+
+// Writes a drawing of about that many bytes; false when the file cannot be written.
+bool WriteDrawing(const std::string& path, std::size_t size, Drawing* out);
+
+// Writes small files of all kinds, 1 to 4 KB each, into `folder` (which ends with a backslash) and returns their paths
+// in a mixed order; fewer than `count` when one cannot be written.
+std::vector<std::string> WriteSmallFiles(const std::string& folder, std::size_t count);

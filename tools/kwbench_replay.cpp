@@ -1,0 +1,215 @@
+#include "kwbench_replay.h"
+
+#include <cctype>
+#include <cmath>
+#include <cstring>
+#include <initializer_list>
+
+#include "frame/services.h"
+#include "kit/numbers.h"
+#include "preview/canvas.h"
+#include "resources/resource.h"
+
+enum Call : std::int32_t {
+    kSelectPen,   // index
+    kSegment,     // x1, y1, x2, y2
+    kPixel,       // x, y
+    kEllipseArc,  // left, top, right, bottom, start x and y, end x and y
+    kSelectFont,  // index
+    kTextRun,     // x, y, offset in the texts, length
+};
+
+// ---- Recording
+
+struct Recorder {
+    Recording out;
+    ViewTransform view = {};
+    int pen = -1, font = -1;
+
+    void Add(Call call, std::initializer_list<std::int32_t> arguments) {
+        out.calls.push_back(call);
+        out.calls.insert(out.calls.end(), arguments);
+        ++out.callCount;
+    }
+    void NeedPen(int index) {
+        if (index == pen) return;
+        Add(kSelectPen, {index});
+        pen = index;
+    }
+    void Pixel(POINT at) { Add(kPixel, {at.x, at.y}); }
+    void Segment(int penIndex, POINT from, POINT to) {
+        if (from.x == to.x && from.y == to.y) return;
+        NeedPen(penIndex);
+        Add(kSegment, {from.x, from.y, to.x, to.y});
+    }
+    int Pixels(double length) const { return TruncToInt32(length * view.scaleX + 0.5); }
+};
+
+static double Radians(double degrees) { return degrees * (3.14159265358979323846 / 180); }
+
+// The canvas pen of a line type.
+static int PenOf(const char* lineType) {
+    static constexpr struct {
+        const char* name;
+        int pen;
+    } kPens[] = {{"CONTINUOUS", 1}, {"DASHED", 2}, {"CENTER", 3}, {"PHANTOM", 4}, {"DOT", 5}, {"HIDDEN", 6}};
+    if (!lineType) return 0;
+    for (const auto& row : kPens) {
+        if (std::strcmp(row.name, lineType) == 0) return row.pen;
+    }
+    return 0;
+}
+
+static void RecordPoint(Recorder* recorder, const Entity& point) {
+    const double x = point.x1.Value(), y = point.y1.Value();
+    if (PointInWindow(recorder->view, x, y)) recorder->Pixel(MapPoint(recorder->view, x, y));
+}
+
+static void RecordLine(Recorder* recorder, const Entity& line) {
+    double x1 = line.x1.Value(), y1 = line.y1.Value(), x2 = line.x2.Value(), y2 = line.y2.Value();
+    if (!ClipSegmentToWindow(recorder->view, &x1, &y1, &x2, &y2)) return;
+    recorder->Segment(PenOf(line.lineType), MapPoint(recorder->view, x1, y1), MapPoint(recorder->view, x2, y2));
+}
+
+static void RecordArc(Recorder* recorder, const Entity& arc, double start, double end) {
+    const ViewTransform& view = recorder->view;
+    if (start >= end) end += 360;
+    const double x = arc.x1.Value(), y = arc.y1.Value(), radius = arc.size.Value(), sweep = end - start;
+    const POINT centre = MapPoint(view, x, y);
+    const POINT from = MapPoint(view, x + radius * std::cos(Radians(start)), y + radius * std::sin(Radians(start)));
+    const POINT to = MapPoint(view, x + radius * std::cos(Radians(end)), y + radius * std::sin(Radians(end)));
+    const int pixels = recorder->Pixels(radius);
+    if (pixels == 0 || (from.x == to.x && from.y == to.y && sweep < 360)) {
+        recorder->Pixel(from);
+    } else if (pixels * Radians(sweep) <= 12 && sweep < 360) {
+        recorder->Segment(PenOf(arc.lineType), from, to);
+    } else {
+        recorder->NeedPen(PenOf(arc.lineType));
+        recorder->Add(kEllipseArc, {centre.x - pixels, centre.y - pixels, centre.x + pixels, centre.y + pixels, from.x,
+                                    from.y, to.x, to.y});
+    }
+}
+
+// Characters as they are counted for a text's length: %%c and its like are one, %%123 too.
+static int CountCells(const char* text) {
+    int cells = 0;
+    while (*text) {
+        const bool control = text[0] == '%' && text[1] == '%' && text[2];
+        text += !control ? 1 : std::isdigit(static_cast<unsigned char>(text[2])) ? 5 : 3;
+        ++cells;
+    }
+    return cells;
+}
+
+static int FontIndex(std::vector<RecordedFont>* fonts, const RecordedFont& wanted) {
+    int index = 0;
+    for (const RecordedFont& font : *fonts) {
+        if (std::memcmp(&font, &wanted, sizeof(font)) == 0) return index;
+        ++index;
+    }
+    fonts->push_back(wanted);
+    return index;
+}
+
+static void RecordText(Recorder* recorder, const Entity& text) {
+    const double height = text.size.Value();
+    const double width = height * (text.hasWidthFactor ? text.widthFactor.Value() : 1.0);
+    const double degrees = text.hasAngle ? text.startDegrees.Value() : 0;
+    const RecordedFont wanted = {recorder->Pixels(height), recorder->Pixels(width), TruncToInt32(degrees * 10)};
+    if (wanted.height < 2 || wanted.width < 2) return;
+
+    // The upper left corner, from the insertion point by the justification, turned about the insertion point.
+    const double x = text.x1.Value(), y = text.y1.Value();
+    const double total = CountCells(text.text) * width;
+    const double toLeft[] = {0, total / 2, total}, toTop[] = {height, height, height / 2, 0};
+    const double dx = x - toLeft[text.horizontal] - x, dy = y + toTop[text.vertical] - y;
+    const double cosine = std::cos(Radians(degrees)), sine = std::sin(Radians(degrees));
+    const POINT at = MapPoint(recorder->view, x + dx * cosine - dy * sine, y + dx * sine + dy * cosine);
+
+    const int font = FontIndex(&recorder->out.fonts, wanted);
+    if (font != recorder->font) recorder->Add(kSelectFont, {font});
+    recorder->font = font;
+    const auto offset = static_cast<std::int32_t>(recorder->out.texts.size());
+    recorder->out.texts += text.text;
+    recorder->Add(kTextRun, {at.x, at.y, offset, static_cast<std::int32_t>(std::strlen(text.text))});
+}
+
+Recording RecordPreview(const Drawing& drawing, DWORD renderMode, const RECT& target) {
+    Recorder recorder;
+    recorder.out.renderMode = renderMode;
+    recorder.out.target = target;
+    FitViewTransform(drawing.extents, target, &recorder.view);
+    EntityStream entities;
+    for (std::size_t i = 0; i < drawing.entityCount; ++i) {
+        const Entity entity = entities.Next();
+        switch (entity.kind) {
+            case EntityKind::kPoint: RecordPoint(&recorder, entity); break;
+            case EntityKind::kLine: RecordLine(&recorder, entity); break;
+            case EntityKind::kCircle: RecordArc(&recorder, entity, 0, 0); break;
+            case EntityKind::kArc:
+                RecordArc(&recorder, entity, entity.startDegrees.Value(), entity.endDegrees.Value());
+                break;
+            case EntityKind::kText: RecordText(&recorder, entity); break;
+        }
+    }
+    return std::move(recorder.out);
+}
+
+// ---- Replaying
+
+static std::vector<UniqueFont> MakeFonts(const std::vector<RecordedFont>& recorded) {
+    std::vector<UniqueFont> fonts;
+    for (const RecordedFont& font : recorded) {
+        LOGFONTA description = {};
+        description.lfHeight = -font.height;
+        description.lfWidth = font.width;
+        description.lfEscapement = font.escapement;
+        description.lfWeight = FW_NORMAL;
+        description.lfCharSet = DEFAULT_CHARSET;
+        description.lfPitchAndFamily = FIXED_PITCH | FF_MODERN;
+        CopyResString(IDS_TEXT_FACE, description.lfFaceName, sizeof(description.lfFaceName));
+        fonts.emplace_back(CreateFontIndirectA(&description));
+    }
+    return fonts;
+}
+
+HBITMAP Replay(const Recording& recording) {
+    const std::vector<UniqueFont> fonts = MakeFonts(recording.fonts);
+    Canvas canvas;
+    if (!OpenCanvas(&canvas, recording.renderMode, recording.target)) return nullptr;
+    const HDC dc = canvas.dc.get();
+    const std::int32_t* call = recording.calls.data();
+    const std::int32_t* const end = call + recording.calls.size();
+    while (call < end) {
+        const std::int32_t* const argument = call + 1;
+        switch (static_cast<Call>(*call)) {
+            case kSelectPen:
+                SelectObject(dc, canvas.pens[argument[0]].get());
+                call += 2;
+                break;
+            case kSegment:
+                MoveToEx(dc, argument[0], argument[1], nullptr);
+                LineTo(dc, argument[2], argument[3]);
+                call += 5;
+                break;
+            case kPixel:
+                SetPixelV(dc, argument[0], argument[1], RGB(0, 0, 0));
+                call += 3;
+                break;
+            case kEllipseArc:
+                Arc(dc, argument[0], argument[1], argument[2], argument[3], argument[4], argument[5], argument[6],
+                    argument[7]);
+                call += 9;
+                break;
+            case kSelectFont:
+                SelectObject(dc, fonts[static_cast<std::size_t>(argument[0])].get());
+                call += 2;
+                break;
+            case kTextRun:
+                TextOutA(dc, argument[0], argument[1], recording.texts.data() + argument[2], argument[3]);
+                call += 5;
+                break;
+        }
+    }
+    return ReleaseCanvasBitmap(&canvas);
+}
