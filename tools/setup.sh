@@ -9,7 +9,7 @@
 #
 #   KWDIALOGS_CACHE=DIR    where the Windows root is kept (default: kwdialogs in the user's cache folder)
 #   KWDIALOGS_MIRROR=URL   the Debian mirror for the Windows root (default: the one that apt uses here)
-# shellcheck disable=SC2016,SC2054  (apt and mmdebstrap expand those themselves)
+# shellcheck disable=SC2016,SC2054
 set -euo pipefail
 tools=$(dirname "$(realpath "${BASH_SOURCE[0]}")")
 # shellcheck source=tools/places.sh
@@ -126,9 +126,21 @@ make_prefix_on_machine() {  # LANG PREFIX
   mv "$2.new" "$2"
 }
 
-# A crash prints its backtrace and ends the program; without this it would wait in a message box.
+# A crash prints its backtrace and ends the program; without this it would wait in a message box. Windows' Japanese
+# fonts (the last two lines are their Japanese names) are replaced by those that Debian has.
 settle_prefix() {  # PREFIX
-  printf '\n[Software\\\\Wine\\\\WineDbg]\n"ShowCrashDialog"=dword:00000000\n' >>"$1/user.reg"
+  cat >>"$1/user.reg" <<'REG'
+
+[Software\\Wine\\WineDbg]
+"ShowCrashDialog"=dword:00000000
+
+[Software\\Wine\\Fonts\\Replacements]
+"MS Gothic"="IPAGothic"
+"MS PGothic"="IPAPGothic"
+"MS UI Gothic"="IPAPGothic"
+"\xff2d\xff33 \x30b4\x30b7\x30c3\x30af"="IPAGothic"
+"\xff2d\xff33 \xff30\x30b4\x30b7\x30c3\x30af"="IPAPGothic"
+REG
 }
 
 try_machine_wine() {
@@ -183,7 +195,7 @@ build_root() {  # DIRECTORY
     options+=(--aptopt="$setting")
   done < <(apt-config dump 2>/dev/null | grep -E '^Acquire::(https?|Retries|ForceIPv[46])[: ]' | grep -v '""' || true)
   options+=(--architectures=i386 --variant=apt --components=main --aptopt='APT::Install-Recommends "false"'
-    --include=wine32,wine,xvfb,xauth,xdotool,imagemagick,locales,fonts-ipafont-gothic
+    --include=wine32,wine,xvfb,xauth,xdotool,imagemagick,locales,fonts-wine,fonts-liberation,fonts-ipafont-gothic
     --customize-hook='printf "en_US.UTF-8 UTF-8\nja_JP.UTF-8 UTF-8\n" >"$1/etc/locale.gen" && chroot "$1" locale-gen'
     --customize-hook='rm -rf "$1"/usr/share/doc "$1"/usr/share/man "$1"/var/lib/apt/lists/*'
     --customize-hook='mkdir "$1/prefix"')
