@@ -1,0 +1,519 @@
+#!/usr/bin/env python3
+"""Writes the sample files beside itself, always the same bytes. Needs nothing but Python 3.
+
+A drawing is made once, as a list of points, lines, arcs and texts; each format has one function that turns a Drawing
+into that format's bytes. The table SAMPLES at the end says which drawing goes into which file. All lengths are
+drawing units (millimetres), angles degrees counter-clockwise, y upwards.
+"""
+
+import math
+import pathlib
+import struct
+from dataclasses import dataclass, field
+
+# Pens, as every format knows them.
+SOLID, HIDDEN, CENTER, DASHED = "CONTINUOUS", "HIDDEN", "CENTER", "DASHED"
+LEFT, MIDDLE, RIGHT = 0, 1, 2
+BASELINE, HALF, TOP = 0, 2, 3
+
+ANSI_CODEPAGE, JAPANESE = "cp1252", "cp932"
+
+
+# ---- The model of a drawing ----
+
+
+@dataclass(frozen=True)
+class Point:
+    x: float
+    y: float
+    layer: str
+
+
+@dataclass(frozen=True)
+class Line:
+    x1: float
+    y1: float
+    x2: float
+    y2: float
+    pen: str
+    layer: str
+
+
+@dataclass(frozen=True)
+class Arc:
+    """Counter-clockwise from start to end; 0 to 360 is a full circle."""
+
+    x: float
+    y: float
+    radius: float
+    start: float
+    end: float
+    pen: str
+    layer: str
+
+
+@dataclass(frozen=True)
+class Text:
+    """(x, y) is the corner or middle of the text that `across` and `up` name."""
+
+    x: float
+    y: float
+    height: float
+    text: str
+    angle: float
+    across: int
+    up: int
+    layer: str
+
+
+@dataclass
+class Drawing:
+    name: str
+    number: str
+    designer: str
+    width: float  # the sheet reaches from (0, 0) to (width, height)
+    height: float
+    encoding: str = ANSI_CODEPAGE
+    items: list = field(default_factory=list)
+    layer: str = "0"
+
+    def point(self, x, y):
+        self.items.append(Point(x, y, self.layer))
+
+    def line(self, x1, y1, x2, y2, pen=SOLID):
+        self.items.append(Line(x1, y1, x2, y2, pen, self.layer))
+
+    def path(self, *corners, pen=SOLID):
+        for (x1, y1), (x2, y2) in zip(corners, corners[1:]):
+            self.line(x1, y1, x2, y2, pen)
+
+    def box(self, x1, y1, x2, y2, pen=SOLID):
+        self.path((x1, y1), (x2, y1), (x2, y2), (x1, y2), (x1, y1), pen=pen)
+
+    def arc(self, x, y, radius, start, end, pen=SOLID):
+        self.items.append(Arc(x, y, radius, start, end, pen, self.layer))
+
+    def circle(self, x, y, radius, pen=SOLID):
+        self.arc(x, y, radius, 0, 360, pen)
+
+    def text(self, x, y, height, text, angle=0, across=LEFT, up=BASELINE):
+        self.items.append(Text(x, y, height, text, angle, across, up, self.layer))
+
+    def axes(self, x, y, reach):
+        """Centre lines of a round shape."""
+        self.line(x - reach, y, x + reach, y, CENTER)
+        self.line(x, y - reach, x, y + reach, CENTER)
+
+    def bore(self, x, y, diameter):
+        self.circle(x, y, diameter / 2)
+        self.axes(x, y, diameter / 2 + 4)
+
+    def arrow(self, x, y, angle, size):
+        for side in (-12, 12):
+            a = math.radians(angle + side)
+            self.line(x, y, x + size * math.cos(a), y + size * math.sin(a))
+
+    def dimension(self, x1, y1, x2, y2, offset, text, height):
+        """A measure from (x1, y1) to (x2, y2), drawn `offset` to the left of that direction."""
+        angle = math.atan2(y2 - y1, x2 - x1)
+        nx, ny = -math.sin(angle), math.cos(angle)
+        degrees = math.degrees(angle)
+        gap = math.copysign(height * 0.5, offset)
+        for x, y in ((x1, y1), (x2, y2)):
+            self.line(x + nx * gap, y + ny * gap, x + nx * (offset + gap), y + ny * (offset + gap))
+        ax, ay, bx, by = x1 + nx * offset, y1 + ny * offset, x2 + nx * offset, y2 + ny * offset
+        self.line(ax, ay, bx, by)
+        self.arrow(ax, ay, degrees, height)
+        self.arrow(bx, by, degrees + 180, height)
+        lift = height * 0.4
+        self.text((ax + bx) / 2 + nx * lift, (ay + by) / 2 + ny * lift, height, text, degrees, MIDDLE)
+
+    def extents(self):
+        return 0.0, 0.0, self.width, self.height
+
+
+# ---- Drawings ----
+
+
+def mounting_plate():
+    """A plate with a bearing seat, two slots and a side view, on an A3 sheet."""
+    d = Drawing("Mounting plate", "MP-2040-01", "K. Tanaka", 420, 297)
+    d.layer = "FRAME"
+    d.box(5, 5, 415, 292)
+    d.box(275, 5, 415, 45)
+    d.path((275, 32), (415, 32))
+    d.path((275, 19), (415, 19))
+    d.path((340, 5), (340, 19))
+    d.text(279, 35, 7, d.name)
+    d.text(279, 22, 6, "S45C  t20   " + d.designer)
+    d.text(279, 8.5, 6, d.number)
+    d.text(344, 8.5, 6, "1:1")
+
+    left, bottom, right, top, corner = 50, 95, 290, 255, 18
+    cx, cy = (left + right) / 2, (bottom + top) / 2
+    d.layer = "PART"
+    d.line(left + corner, bottom, right - corner, bottom)
+    d.line(right, bottom + corner, right, top - corner)
+    d.line(right - corner, top, left + corner, top)
+    d.line(left, top - corner, left, bottom + corner)
+    for x, y, start in ((right - corner, top - corner, 0), (left + corner, top - corner, 90),
+                        (left + corner, bottom + corner, 180), (right - corner, bottom + corner, 270)):
+        d.arc(x, y, corner, start, start + 90)
+        d.bore(x, y, 14)
+    d.circle(cx, cy, 52)
+    d.circle(cx, cy, 30)
+    d.circle(cx, cy, 42, CENTER)
+    d.circle(cx, cy, 33, HIDDEN)
+    d.axes(cx, cy, 60)
+    for i in range(8):
+        a = math.radians(22.5 + 45 * i)
+        d.circle(cx + 42 * math.cos(a), cy + 42 * math.sin(a), 3.4)
+    for x in (left + 40, right - 40):
+        d.arc(x, cy + 22, 8, 0, 180)
+        d.arc(x, cy - 22, 8, 180, 360)
+        d.line(x - 8, cy - 22, x - 8, cy + 22)
+        d.line(x + 8, cy - 22, x + 8, cy + 22)
+        d.line(x, cy - 36, x, cy + 36, CENTER)
+    d.line(left - 8, cy, right + 8, cy, CENTER)
+
+    d.layer = "SIDE"  # seen from the right: 20 thick, with the raised seat and what lies inside
+    s1, s2, s3 = 340, 360, 372
+    d.box(s1, bottom, s2, top)
+    d.path((s2, cy - 52), (s3, cy - 52), (s3, cy + 52), (s2, cy + 52))
+    for y in (cy - 30, cy + 30):
+        d.line(s1, y, s3, y, HIDDEN)
+    for y in (cy - 33, cy + 33):
+        d.line(s1, y, s1 + 8, y, HIDDEN)
+    for y in (bottom + corner, top - corner):
+        for half in (-7, 7):
+            d.line(s1, y + half, s2, y + half, HIDDEN)
+        d.line(s1 - 6, y, s2 + 6, y, CENTER)
+    d.line(s1 - 8, cy, s3 + 8, cy, CENTER)
+
+    d.layer = "DIMENSION"
+    d.dimension(left, bottom, right, bottom, -32, "240", 8)
+    d.dimension(left + corner, bottom, right - corner, bottom, -16, "204", 8)
+    d.dimension(left, bottom, left, top, 18, "160", 8)
+    d.dimension(s1, top, s2, top, 14, "20", 8)
+    a = math.radians(60)
+    d.path((cx + 52 * math.cos(a), cy + 52 * math.sin(a)), (cx + 84, 268), (cx + 112, 268))
+    d.text(cx + 84, 270, 8, "%%c104")
+    d.text(20, 24, 8, "8 - M8 P.C.D.84   4 - %%c14")
+    d.text(20, 11, 8, "(R18)  C0.5")
+    return d
+
+
+ROOMS = {"living": "Living room", "kitchen": "Kitchen", "bed": "Bedroom", "study": "Study", "bath": "Bath",
+         "hall": "Hall", "title": "Ground floor  1:100", "name": "House plan", "designer": "M. Sato"}
+ROOMS_JAPANESE = {"living": "居間", "kitchen": "台所", "bed": "寝室", "study": "書斎", "bath": "浴室",
+                  "hall": "玄関ﾎｰﾙ", "title": "１階平面図　縮尺 1:100", "name": "住宅平面図", "designer": "佐藤"}
+
+
+def floor_plan(words, encoding):
+    """A small house; the outer walls run from (1500, 2600) to (12500, 9600)."""
+    d = Drawing(words["name"], "HP-0117", words["designer"], 14850, 10500, encoding)
+    left, bottom, right, top = 1500, 2600, 12500, 9600
+    t, thin = 240, 120
+
+    def wall(x1, y1, x2, y2, thickness, gaps):
+        """Both faces of a straight wall along x or y; `gaps` are (from, to) along it and get jambs."""
+        upright = x1 == x2
+        at, end = (y1, y2) if upright else (x1, x2)
+        for start, stop in [*sorted(gaps), (end, None)]:
+            for side in (-thickness / 2, thickness / 2):
+                ends = (x1 + side, at, x1 + side, start) if upright else (at, y1 + side, start, y1 + side)
+                d.line(*ends)
+            if stop is None:
+                break
+            for jamb in (start, stop):
+                half = thickness / 2
+                d.line(*((x1 - half, jamb, x1 + half, jamb) if upright else (jamb, y1 - half, jamb, y1 + half)))
+            at = stop
+
+    def window(x1, y1, x2, y2):
+        d.line(x1, y1, x2, y2)
+        nx, ny = (t / 2, 0) if x1 == x2 else (0, t / 2)
+        for side in (-1, 1):
+            d.line(x1 + nx * side, y1 + ny * side, x2 + nx * side, y2 + ny * side)
+
+    def door(x, y, width, leaf, sweep):
+        """Hinge at (x, y); the open leaf points to `leaf` degrees, the arc shows the way it swings."""
+        a = math.radians(leaf)
+        d.line(x, y, x + width * math.cos(a), y + width * math.sin(a))
+        d.arc(x, y, width, min(leaf, leaf + sweep) % 360, max(leaf, leaf + sweep) % 360 or 360)
+
+    d.layer = "WALL"
+    wall(left, bottom, right, bottom, t, [(2600, 4600), (7050, 8050), (9600, 11400)])
+    wall(left, top, right, top, t, [(2400, 4200), (6600, 7800), (9700, 11500)])
+    wall(left, bottom, left, top, t, [(4000, 5600), (7800, 8800)])
+    wall(right, bottom, right, top, t, [(3700, 5100), (7600, 8600)])
+    wall(6100, bottom, 6100, top, thin, [(3300, 4200), (7400, 8300)])
+    wall(8800, bottom, 8800, top, thin, [(4700, 5600), (7000, 7900)])
+    wall(left, 6600, 6100, 6600, thin, [(4600, 5500)])
+    wall(6100, 6400, 8800, 6400, thin, [(6900, 7700)])
+    wall(8800, 6200, right, 6200, thin, [])
+    d.layer = "OPENING"
+    for x1, y1, x2, y2 in ((2600, bottom, 4600, bottom), (9600, bottom, 11400, bottom), (2400, top, 4200, top),
+                           (6600, top, 7800, top), (9700, top, 11500, top), (left, 4000, left, 5600),
+                           (left, 7800, left, 8800), (right, 3700, right, 5100), (right, 7600, right, 8600)):
+        window(x1, y1, x2, y2)
+    door(7050, bottom, 1000, 90, -90)
+    door(6100, 3300, 900, 180, -90)
+    door(6100, 7400, 900, 180, -90)
+    door(8800, 5600, 900, 0, -90)
+    door(8800, 7900, 900, 0, -90)
+    door(5500, 6600, 900, 270, -90)
+    door(7700, 6400, 800, 90, 90)
+
+    d.layer = "FURNITURE"
+    d.box(1900, 3000, 2800, 5000)  # sofa, table
+    d.box(3300, 3500, 4300, 4600)
+    d.path((1620, 9000), (5200, 9000), (5200, 9480))  # worktop with sink and hob
+    d.box(2300, 9080, 3100, 9400)
+    for x in (4150, 4550):
+        d.circle(x, 9240, 150)
+    d.box(10700, 2900, 12300, 5000)  # bed
+    d.line(10700, 4400, 12300, 4400)
+    d.box(9000, 9050, 11200, 9450)  # desk
+    d.circle(10100, 8750, 260)
+    d.box(6250, 8600, 7900, 9400)  # tub
+    d.arc(7550, 9000, 260, 270, 90)
+    d.path((7550, 9260), (6500, 9260), (6500, 8740), (7550, 8740))
+    d.circle(8400, 6800, 220)
+    for i in range(5):  # stairs
+        d.line(6160, 4500 + 270 * i, 7400, 4500 + 270 * i)
+    d.line(7400, 4400, 7400, 5700)
+
+    d.layer = "AXIS"
+    for x in (left, 6100, 8800, right):
+        d.line(x, bottom - 500, x, top + 300, CENTER)
+    for y in (bottom, top):
+        d.line(left - 300, y, right + 300, y, CENTER)
+
+    d.layer = "NAME"
+    for room, x, y in (("living", 4350, 5500), ("kitchen", 3700, 7700), ("bed", 10000, 5500), ("study", 10650, 7300),
+                       ("bath", 7450, 7700), ("hall", 7600, 3900)):
+        d.text(x, y, 420, words[room], 0, MIDDLE, HALF)
+    d.text(7425, 500, 520, words["title"], 0, MIDDLE)
+    d.layer = "DIMENSION"
+    for x1, x2, text in ((left, 6100, "4600"), (6100, 8800, "2700"), (8800, right, "3700")):
+        d.dimension(x1, bottom, x2, bottom, -600, text, 330)
+    d.dimension(left, bottom, right, bottom, -1300, "11000", 330)
+    d.dimension(right, bottom, right, top, -900, "7000", 330)
+    return d
+
+
+# ---- Formats of drawings ----
+
+
+def dxf(drawing):
+    """ASCII DXF, release 12: group codes right-aligned in three columns, CRLF."""
+    lines = []
+
+    def group(code, value):
+        text = f"{value:.6f}".rstrip("0") if isinstance(value, float) else str(value)
+        lines.append(f"{code:3d}")
+        lines.append(text + "0" if text.endswith(".") else text)
+
+    def groups(*pairs):
+        for code, value in pairs:
+            group(code, value)
+
+    def coordinates(first_code, x, y):
+        groups((first_code, float(x)), (first_code + 10, float(y)), (first_code + 20, 0.0))
+
+    def entity(kind, item, pen):
+        groups((0, kind), (8, item.layer), (6, pen))
+
+    min_x, min_y, max_x, max_y = drawing.extents()
+    groups((999, f"{drawing.name}  {drawing.number}"), (0, "SECTION"), (2, "HEADER"), (9, "$ACADVER"), (1, "AC1009"))
+    if drawing.encoding == JAPANESE:
+        groups((9, "$DWGCODEPAGE"), (3, "ANSI_932"))
+    group(9, "$EXTMIN")
+    coordinates(10, min_x, min_y)
+    group(9, "$EXTMAX")
+    coordinates(10, max_x, max_y)
+    group(0, "ENDSEC")
+
+    patterns = {SOLID: (), HIDDEN: (6.0, -3.0), CENTER: (30.0, -6.0, 6.0, -6.0), DASHED: (12.0, -6.0)}
+    layers = sorted({item.layer for item in drawing.items} | {"0"})
+    groups((0, "SECTION"), (2, "TABLES"), (0, "TABLE"), (2, "LTYPE"), (70, len(patterns)))
+    for pen, pattern in patterns.items():
+        groups((0, "LTYPE"), (2, pen), (70, 64), (3, pen.capitalize()), (72, 65), (73, len(pattern)),
+               (40, float(sum(map(abs, pattern)))))
+        groups(*((49, dash) for dash in pattern))
+    groups((0, "ENDTAB"), (0, "TABLE"), (2, "LAYER"), (70, len(layers)))
+    for layer in layers:
+        groups((0, "LAYER"), (2, layer), (70, 64), (62, 7), (6, SOLID))
+    groups((0, "ENDTAB"), (0, "ENDSEC"), (0, "SECTION"), (2, "ENTITIES"))
+
+    for item in drawing.items:
+        if isinstance(item, Point):
+            entity("POINT", item, SOLID)
+            coordinates(10, item.x, item.y)
+        elif isinstance(item, Line):
+            entity("LINE", item, item.pen)
+            coordinates(10, item.x1, item.y1)
+            coordinates(11, item.x2, item.y2)
+        elif isinstance(item, Arc):
+            full = item.end - item.start == 360
+            entity("CIRCLE" if full else "ARC", item, item.pen)
+            coordinates(10, item.x, item.y)
+            group(40, float(item.radius))
+            if not full:
+                groups((50, float(item.start)), (51, float(item.end)))
+        else:
+            entity("TEXT", item, SOLID)
+            coordinates(10, item.x, item.y)
+            groups((40, float(item.height)), (1, item.text), (50, float(item.angle)), (41, 0.6))
+            if item.across or item.up:
+                group(72, item.across)
+                coordinates(11, item.x, item.y)
+                group(73, item.up)
+    groups((0, "ENDSEC"), (0, "EOF"))
+    return "".join(line + "\r\n" for line in lines).encode(drawing.encoding)
+
+
+# ---- Files of other kinds ----
+
+
+def nc_program(drawing):
+    """Spot-drills and drills every full circle of up to 14 mm diameter of the drawing's PART layer."""
+    holes = [item for item in drawing.items
+             if isinstance(item, Arc) and item.layer == "PART" and item.end - item.start == 360 and item.radius <= 7]
+    lines = ["%", "O2040", f"({drawing.name.upper()} {drawing.number})", "(MATERIAL S45C  T20)", "G21 G90 G17 G40 G80"]
+    tools = [(1, "SPOT DRILL D10", 1800, 180, holes, -3.0)]
+    for number, radius in enumerate(sorted({hole.radius for hole in holes}), 2):
+        tools.append((number, f"DRILL D{2 * radius:g}", int(9000 / radius), int(900 / radius),
+                      [hole for hole in holes if hole.radius == radius], -24.0))
+    sequence = 10
+    for tool, name, speed, feed, targets, depth in tools:
+        block = [f"T{tool:02d} M06 ({name})", f"G54 G00 X{targets[0].x:.3f} Y{targets[0].y:.3f}", f"S{speed} M03",
+                 f"G43 H{tool:02d} Z50.000 M08", f"G98 G81 Z{depth:.3f} R3.000 F{feed}"]
+        block += [f"X{hole.x:.3f} Y{hole.y:.3f}" for hole in targets[1:]]
+        block += ["G80 M09", "G91 G28 Z0. M05", "G90"]
+        for line in block:
+            lines.append(f"N{sequence:04d} {line}")
+            sequence += 10
+    lines += [f"N{sequence:04d} M30", "%"]
+    return "".join(line + "\r\n" for line in lines).encode("ascii")
+
+
+def note_in_english():
+    return ("Machining notes - mounting plate MP-2040-01\r\n"
+            "\r\n"
+            "1. Material S45C, flame-cut blank 250 x 170 x 22.\r\n"
+            "2. Mill both faces to 20 mm, parallel within 0.02.\r\n"
+            "3. Bore the bearing seat to 60 H7 in one clamping with the 66 mm recess.\r\n"
+            "4. Drill and tap 8 x M8 on the 84 mm pitch circle.\r\n"
+            "5. Break all edges 0.5 x 45 degrees, degrease, phosphate.\r\n"
+            "\r\n"
+            "Check the seat with the plug gauge before the part leaves the machine.\r\n").encode("ascii")
+
+
+def note_in_japanese():
+    # 表, ソ and 能 hold a byte that reads as a backslash when a double-byte character is split.
+    return ("加工指示書　取付ﾌﾟﾚｰﾄ MP-2040-01\r\n"
+            "\r\n"
+            "1. 材質 S45C、素材寸法 250 x 170 x 22。\r\n"
+            "2. 表裏両面を 20mm に仕上げ、平行度 0.02 以内。\r\n"
+            "3. ﾍﾞｱﾘﾝｸﾞ座は φ60 H7、φ66 の逃げと同一段取りで加工。\r\n"
+            "4. P.C.D.84 に M8 ﾀｯﾌﾟを 8ヶ所。\r\n"
+            "5. 指示なき角部は C0.5、脱脂後ﾘﾝ酸塩処理。\r\n"
+            "\r\n"
+            "機能上重要：ソケット側の座は限界ｹﾞｰｼﾞで検査すること。\r\n").encode(JAPANESE)
+
+
+def bitmap(width, height, bits, palette, pixels):
+    """A Windows bitmap file, bottom row first; pixels(x, y) gives a palette index or (r, g, b), y downwards."""
+    stride = (width * bits // 8 + 3) // 4 * 4
+    rows = bytearray()
+    for y in reversed(range(height)):
+        row = bytearray()
+        for x in range(width):
+            value = pixels(x, y)
+            row += bytes([value]) if bits == 8 else bytes(value[::-1])
+        rows += row.ljust(stride, b"\0")
+    colours = b"".join(struct.pack("<4B", b, g, r, 0) for r, g, b in palette)
+    offset = 14 + 40 + len(colours)
+    header = struct.pack("<2sIHHI", b"BM", offset + len(rows), 0, 0, offset)
+    info = struct.pack("<IiiHHIIiiII", 40, width, height, 1, bits, 0, len(rows), 2835, 2835, len(palette), 0)
+    return header + info + colours + rows
+
+
+def turned_disc():
+    """A photograph-like picture, 24 bits a pixel: a turned flange with six bolt holes, lit from two sides."""
+    width, height, cx, cy = 176, 124, 88, 62
+
+    def sample(x, y):
+        r, a = math.hypot(x - cx, y - cy), math.atan2(cy - y, x - cx)
+        holes = min(math.hypot(x - cx - 40 * math.cos(k * math.pi / 3), y - cy - 40 * math.sin(k * math.pi / 3))
+                    for k in range(6))
+        if r > 54 or r < 14 or holes < 5:
+            depth = 0 if r > 54 else 26
+            return (70 + y * 0.45 - depth, 84 + y * 0.5 - depth, 104 + y * 0.55 - depth)
+        shine = math.cos(2 * a - 1.1) ** 2 if r > 28 else math.cos(2 * a + 0.5) ** 2
+        groove = 8 * math.sin(r * 2.4)
+        edge = -55 if abs(r - 28) < 1 or r > 52.5 or r < 15.5 or holes < 6.2 else 0
+        light = 120 + 105 * shine + groove + edge
+        return (light, light, light * 1.04)
+
+    def pixels(x, y):
+        quarters = [sample(x + dx, y + dy) for dx in (0.25, 0.75) for dy in (0.25, 0.75)]
+        return tuple(max(0, min(255, int(sum(channel) / 4))) for channel in zip(*quarters))
+
+    return bitmap(width, height, 24, [], pixels)
+
+
+def stress_plot():
+    """A contour plot with a palette, 8 bits a pixel: stress around the bore of a plate that is pulled sideways."""
+    width, height, cx, cy, radius = 178, 124, 82, 62, 20
+    steps = 12
+    colours = []
+    for i in range(steps):
+        hue = 4.0 * (1 - i / (steps - 1))  # blue over green to red
+        colours.append(tuple(int(255 * max(0.0, min(1.0, c))) for c in
+                             (2 - hue, min(hue, 4 - hue), hue - 2)))
+    white, black = steps, steps + 1
+    palette = colours + [(255, 255, 255), (0, 0, 0)]
+
+    def pixels(x, y):
+        if 160 <= x < 170 and 8 <= y < 116:  # the scale
+            return (115 - y) * steps // 108
+        if not (4 <= x < 152 and 8 <= y < 116):
+            return white
+        if x in (4, 151) or y in (8, 115):
+            return black
+        dx, dy = x + 0.5 - cx, y + 0.5 - cy
+        r = math.hypot(dx, dy)
+        if r < radius:
+            return white if r < radius - 1.2 else black
+        q, cos2, cos4 = (radius / r) ** 2, math.cos(2 * math.atan2(dy, dx)), math.cos(4 * math.atan2(dy, dx))
+        stress = 1 - q * (1.5 * cos2 + cos4) + 1.5 * q * q * cos4  # Kirsch's plate, along the pull: -1 to 3
+        return max(0, min(steps - 1, int((stress + 0.2) / 3.2 * steps)))
+
+    return bitmap(width, height, 8, palette, pixels)
+
+
+# ---- The files ----
+
+PLATE = mounting_plate()
+HOUSE = floor_plan(ROOMS, ANSI_CODEPAGE)
+HOUSE_JAPANESE = floor_plan(ROOMS_JAPANESE, JAPANESE)
+
+SAMPLES = {
+    "mounting_plate.dxf": lambda: dxf(PLATE),
+    "house_plan.dxf": lambda: dxf(HOUSE),
+    "house_plan_ja.dxf": lambda: dxf(HOUSE_JAPANESE),
+    "mounting_plate.nc": lambda: nc_program(PLATE),
+    "machining_notes.txt": note_in_english,
+    "machining_notes_ja.txt": note_in_japanese,
+    "flange.bmp": turned_disc,
+    "stress.bmp": stress_plot,
+}
+
+if __name__ == "__main__":
+    folder = pathlib.Path(__file__).parent
+    for name, make in SAMPLES.items():
+        (folder / name).write_bytes(make())
+        print(name)
