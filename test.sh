@@ -1,0 +1,11 @@
+#!/bin/bash
+# Builds everything and runs every test, in English and in Japanese. Installs what is missing first (tools/setup.sh).
+#
+#   ./test.sh [CTEST ARGUMENTS...]     for instance: ./test.sh -R preview
+#
+#   KWDIALOGS_PRESET=mingw-debug       another preset of CMakePresets.json than mingw
+set -euo pipefail
+cd "$(dirname "$(realpath "${BASH_SOURCE[0]}")")"
+tools/setup.sh
+tools/build.sh "${KWDIALOGS_PRESET:-mingw}"
+exec ctest --test-dir "build/${KWDIALOGS_PRESET:-mingw}" --output-on-failure --no-tests=error -j "$(nproc)" "$@"
