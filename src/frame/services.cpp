@@ -1,6 +1,5 @@
 #include "frame/services.h"
 
-#include <atomic>
 #include <cstring>
 #include <memory>
 
@@ -182,7 +181,7 @@ HGLOBAL WINAPI LoadFileToGlobal(const char* path) {
 
 // ---- Workers
 
-static std::atomic<LONG> PreviewCancelFlag = 0;
+std::atomic<LONG> PreviewCancelFlag = 0;
 
 int WINAPI PreviewCancel(int value) {
     if (value == 0 || value == 1) return PreviewCancelFlag.exchange(value);

@@ -1,6 +1,9 @@
 // 8-bit text in the Japanese multi-byte code page (Shift_JIS): scanning that never splits a two-byte character.
 #pragma once
 
+#include <emmintrin.h>
+#include <intrin.h>
+
 #include <cstddef>
 #include <cstdint>
 
@@ -9,6 +12,25 @@
 // The first byte of a two-byte character: 129 to 159 and 224 to 252.
 constexpr bool IsLeadByte(std::uint8_t byte) {
     return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
+}
+
+// Skips bytes that neither end a line nor begin a two-byte character; looks at sixteen at a time, since drawings have
+// millions of lines. As signed numbers both control bytes and all bytes from 128 up lie below a blank.
+inline const std::uint8_t* SkipOrdinary(const std::uint8_t* at, const std::uint8_t* end) {
+    while (end - at >= 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+        const int found = _mm_movemask_epi8(_mm_cmplt_epi8(bytes, _mm_set1_epi8(' ')));
+        unsigned long first = 0;
+        if (!_BitScanForward(&first, static_cast<unsigned long>(found))) {
+            at += 16;
+            continue;
+        }
+        at += first;
+        if (*at < ' ' || IsLeadByte(*at)) return at;
+        ++at;  // a half-width character
+    }
+    while (at < end && *at >= ' ' && !IsLeadByte(*at)) ++at;
+    return at;
 }
 
 // A text that is being walked line by line: what has not been taken yet.
@@ -21,7 +43,20 @@ struct LineWalk {
 //
 // A line ends at the first byte below 32, and the bytes 1 to 31 that follow vanish with it, so only the first line can
 // be empty. A zero byte ends the text. The second byte of a two-byte character never ends a line, whatever it is.
-bool TakeLine(LineWalk* walk, ByteView* line);
+inline bool TakeLine(LineWalk* walk, ByteView* line) {
+    const std::uint8_t* const begin = walk->next;
+    const std::uint8_t* const end = walk->end;
+    if (begin >= end || *begin == 0) return false;
+    const std::uint8_t* at = SkipOrdinary(begin, end);
+    while (at < end && *at >= ' ') {
+        at += end - at < 2 ? 1 : 2;  // a lead byte at the very end stands alone
+        at = SkipOrdinary(at, end);
+    }
+    *line = {begin, static_cast<std::size_t>(at - begin)};
+    while (at < end && *at != 0 && *at < ' ') ++at;
+    walk->next = at;
+    return true;
+}
 
 // The last backslash of a path that is not the second byte of a character; null when there is none.
 const char* FindLastBackslash(const char* path);

@@ -59,23 +59,29 @@ constexpr Keyword kKeywords[] = {
 };
 constexpr int kKeywordCount = static_cast<int>(std::size(kKeywords));
 
-// Most lines are numbers or group codes that nobody asks for, so the rows are found by a hash of a line's first three
-// characters. The rows of one hash are chained.
-constexpr unsigned HashOf(std::uint8_t a, std::uint8_t b, std::uint8_t c) { return (a * 7u + b * 31u + c) & 0xFF; }
+// Half of the lines are group codes and most are none of these, so a row is found by its first three characters, taken
+// as one number. Rows whose numbers share a hash are chained.
+constexpr std::uint32_t HeadOf(std::uint8_t a, std::uint8_t b, std::uint8_t c) {
+    return a | static_cast<std::uint32_t>(b) << 8 | static_cast<std::uint32_t>(c) << 16;
+}
+constexpr std::uint32_t HashOf(std::uint32_t head) { return (head * 0x9E3779B1u) >> 24; }
 
 struct KeywordIndex {
     std::int8_t first[256];
-    std::int8_t next[kKeywordCount];
+    struct {
+        std::uint32_t head;
+        std::int8_t next;
+    } rows[kKeywordCount];
 };
 constexpr KeywordIndex MakeKeywordIndex() {
     KeywordIndex index = {};
     for (std::int8_t& row : index.first) row = -1;
-    for (int row = kKeywordCount - 1; row >= 0; --row) {
+    for (int row = 0; row < kKeywordCount; ++row) {
         const char* text = kKeywords[row].text;
-        const unsigned hash = HashOf(static_cast<std::uint8_t>(text[0]), static_cast<std::uint8_t>(text[1]),
-                                     static_cast<std::uint8_t>(text[2]));
-        index.next[row] = index.first[hash];
-        index.first[hash] = static_cast<std::int8_t>(row);
+        const std::uint32_t head = HeadOf(static_cast<std::uint8_t>(text[0]), static_cast<std::uint8_t>(text[1]),
+                                          static_cast<std::uint8_t>(text[2]));
+        index.rows[row] = {head, index.first[HashOf(head)]};
+        index.first[HashOf(head)] = static_cast<std::int8_t>(row);
     }
     return index;
 }
@@ -83,9 +89,11 @@ constexpr KeywordIndex kKeywordIndex = MakeKeywordIndex();
 
 const Keyword* FindKeyword(ByteView line) {
     if (line.size < 3) return nullptr;
-    int row = kKeywordIndex.first[HashOf(line.data[0], line.data[1], line.data[2])];
-    for (; row >= 0; row = kKeywordIndex.next[row]) {
-        if (MatchAt(line, 0, kKeywords[row].text, kKeywords[row].length)) return &kKeywords[row];
+    const std::uint32_t head = HeadOf(line.data[0], line.data[1], line.data[2]);
+    for (int row = kKeywordIndex.first[HashOf(head)]; row >= 0; row = kKeywordIndex.rows[row].next) {
+        if (kKeywordIndex.rows[row].head != head) continue;
+        const Keyword& keyword = kKeywords[row];
+        if (keyword.length == 3 || MatchAt(line, 0, keyword.text, keyword.length)) return &keyword;
     }
     return nullptr;
 }

@@ -1,6 +1,7 @@
 #include "preview/file_type.h"
 
 #include <algorithm>
+#include <bitset>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
@@ -118,13 +119,34 @@ constexpr KeywordRow NcKeywordTable[] = {
       "Y"}},
 };
 
+// The bytes that a keyword of the table begins with: few bytes of a text need a closer look.
+struct FirstBytes {
+    bool is[256];
+};
+constexpr FirstBytes MakeFirstBytes() {
+    FirstBytes first = {};
+    for (const KeywordRow& row : NcKeywordTable) {
+        for (const char* keyword : row.keywords) first.is[static_cast<std::uint8_t>(*keyword)] = true;
+    }
+    return first;
+}
+constexpr FirstBytes kFirstBytes = MakeFirstBytes();
+
+bool BeginsWith(const char* text, const char* prefix) {
+    while (*prefix && *text == *prefix) ++text, ++prefix;
+    return *prefix == '\0';
+}
+
 // How many of a row's keywords occur in a line. Each counts once wherever it stands, inside a longer one too.
 int CountKeywords(const char* line, const KeywordRow& row) {
-    int count = 0;
-    for (const char* keyword : row.keywords) {
-        if (std::strstr(line, keyword)) ++count;
+    std::bitset<std::size(KeywordRow().keywords)> found;
+    for (; *line; ++line) {
+        if (!kFirstBytes.is[static_cast<std::uint8_t>(*line)]) continue;
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            if (!found[i] && BeginsWith(line, row.keywords[i])) found.set(i);
+        }
     }
-    return count;
+    return static_cast<int>(found.count());
 }
 
 // The kind of a text; splits it into lines in place.

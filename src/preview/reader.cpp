@@ -15,14 +15,9 @@ static void Append(Comment* comment, const void* bytes, std::size_t size) {
     comment->room -= static_cast<long>(size);
 }
 
-bool AppendCommentLine(Comment* comment, ByteView line) {
-    static constexpr char kSoftBreak[] = "\r\r\n";
-    constexpr std::size_t kBreakSize = sizeof(kSoftBreak) - 1;
-    const long available = comment->room - 1 - static_cast<long>(kBreakSize);
-    if (!comment->end || available <= 0 || line.size >= static_cast<std::size_t>(available)) return false;
+void AppendFittingLine(Comment* comment, ByteView line) {
     Append(comment, line.data, line.size);
-    Append(comment, kSoftBreak, kBreakSize);
-    return true;
+    Append(comment, "\r\r\n", 3);
 }
 
 void AppendComment(Comment* comment, const char* text) {

@@ -28,8 +28,11 @@ struct Comment {
 // Zeroes the caller's buffer and begins a comment in it.
 Comment BeginComment(char* commentOut, DWORD commentSize);
 
-// Appends a line and its soft break when both fit; a later, shorter line may still fit. False when it did not.
-bool AppendCommentLine(Comment* comment, ByteView line);
+// Appends a line and its soft break when both fit. A line that does not fit is left out; a later, shorter one may fit.
+void AppendFittingLine(Comment* comment, ByteView line);
+inline void AppendCommentLine(Comment* comment, ByteView line) {
+    if (comment->room > 4 && line.size < static_cast<std::size_t>(comment->room) - 4) AppendFittingLine(comment, line);
+}
 
 // Appends as much of a text as fits.
 void AppendComment(Comment* comment, const char* text);
@@ -64,7 +67,7 @@ struct DrawingRun {
 };
 
 // True while nobody has cancelled the run.
-inline bool MayContinue() { return PreviewCancel(-1) == 1; }
+inline bool MayContinue() { return PreviewCancelFlag.load(std::memory_order_relaxed) == 1; }
 
 // What all drawing readers share: clear the comment, set the cancel flag to 1, load the file, let `decode` open the
 // canvas and draw, set the flag to 0. The canvas's bitmap is returned when `decode` returns true, else everything is
