@@ -3,18 +3,20 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
-#include <cstring>
+#include <iterator>
+#include <string_view>
 
 #include "kit/handles.h"
 
 static constexpr std::uint64_t kDrawingSeed = 0x6B776472617721;
 static constexpr std::uint64_t kFilesSeed = 0x6B7766696C6573;
 
-static constexpr std::int64_t kUnit = 1000000000000;  // one drawing unit
+static constexpr std::int64_t kUnit = 1000000000000000;  // one drawing unit: lengths are counted in 1e-15 of it
 static constexpr std::int64_t kPowers[kDecimalPlaces + 1] = {
-    1,        10,        100,        1000,        10000,        100000,       1000000,
-    10000000, 100000000, 1000000000, 10000000000, 100000000000, 1000000000000};
+    1,         10,         100,         1000,         10000,         100000,         1000000,         10000000,
+    100000000, 1000000000, 10000000000, 100000000000, 1000000000000, 10000000000000, 100000000000000, 1000000000000000};
 
 // ---- Numbers
 
@@ -35,11 +37,52 @@ std::int64_t Random::Between(std::int64_t low, std::int64_t high) {
     return low + static_cast<std::int64_t>(wide % static_cast<std::uint64_t>(high - low + 1));
 }
 
-// Both are whole numbers that a double holds exactly, so the division rounds once, as a conversion of the text does.
-double Decimal::Value() const { return static_cast<double>(units) / static_cast<double>(kPowers[places]); }
+// The text as drawing programs write it: no zeros at the end, but always a digit behind the point.
+static std::string_view TextOf(Decimal number, char (&out)[32]) {
+    const auto size = static_cast<std::uint64_t>(number.units < 0 ? -number.units : number.units);
+    const std::uint32_t halves[] = {static_cast<std::uint32_t>(size / 1000000000),
+                                    static_cast<std::uint32_t>(size % 1000000000)};  // ten digits and nine
+    char digits[19];
+    for (int half = 0, at = 0; half < 2; ++half) {
+        const int count = half == 0 ? 10 : 9;
+        std::uint32_t rest = halves[half];
+        for (int i = count - 1; i >= 0; --i, rest /= 10) digits[at + i] = static_cast<char>('0' + rest % 10);
+        at += count;
+    }
+    const int point = static_cast<int>(std::size(digits)) - number.places;
+    int first = 0, last = static_cast<int>(std::size(digits));
+    while (first < point - 1 && digits[first] == '0') ++first;
+    while (last > point + 1 && digits[last - 1] == '0') --last;
 
-// A length in 1e-12 drawing units, cut to so many places.
-static Decimal Cut(std::int64_t length, int places) { return {length / kPowers[kDecimalPlaces - places], places}; }
+    char* end = out;
+    if (number.units < 0) *end++ = '-';
+    end = std::copy(digits + first, digits + point, end);
+    *end++ = '.';
+    end = std::copy(digits + point, digits + last, end);
+    return {out, static_cast<std::size_t>(end - out)};
+}
+
+double Decimal::Value() const {
+    char buffer[32];
+    const std::string_view text = TextOf(*this, buffer);
+    double value = 0;
+    std::from_chars(text.data(), text.data() + text.size(), value);
+    return value;
+}
+
+// How a program writes a length: with so many digits behind the point, but no more than so many from the first that
+// counts.
+struct Precision {
+    int places, digits;
+};
+constexpr Precision kShort = {1, 20};
+
+static Decimal Cut(std::int64_t length, Precision precision) {
+    int places = precision.digits;
+    for (std::int64_t whole = length / kUnit; whole != 0; whole /= 10) --places;
+    places = std::min({places, precision.places, kDecimalPlaces});
+    return {length / kPowers[kDecimalPlaces - places], places};
+}
 
 // ---- The entities of a drawing
 
@@ -61,10 +104,11 @@ static T Pick(Random* random, const T (&choices)[N]) {
 
 EntityStream::EntityStream() : random{kDrawingSeed} {}
 
-// Programs write what was typed with few places and what was computed with many.
-static int PickPlaces(Random* random) {
-    static constexpr int kPlaces[] = {1, 6, kDecimalPlaces, kDecimalPlaces};
-    return Pick(random, kPlaces);
+// What was typed has few digits, what was computed all that a double holds.
+static Precision PickPrecision(Random* random) {
+    static constexpr Precision kPrecisions[] = {kShort,   kShort,   {4, 20},  {6, 20},
+                                                {15, 16}, {15, 16}, {15, 16}, {15, 17}};
+    return Pick(random, kPrecisions);
 }
 
 // A step of a contour: mostly short against the sheet, a few long ones.
@@ -90,12 +134,12 @@ static Entity NextLine(EntityStream* stream) {
     const std::uint32_t direction = random->Below(4);  // along an axis, or aslant
     if (direction != 0) stream->penX = Bounded(fromX + PickStep(random), kSheetWidth);
     if (direction != 1) stream->penY = Bounded(fromY + PickStep(random), kSheetHeight);
-    const int places = PickPlaces(random);
+    const Precision precision = PickPrecision(random);
     Entity line;
-    line.x1 = Cut(fromX, places);
-    line.y1 = Cut(fromY, places);
-    line.x2 = Cut(stream->penX, places);
-    line.y2 = Cut(stream->penY, places);
+    line.x1 = Cut(fromX, precision);
+    line.y1 = Cut(fromY, precision);
+    line.x2 = Cut(stream->penX, precision);
+    line.y2 = Cut(stream->penY, precision);
     return line;
 }
 
@@ -105,30 +149,30 @@ static Entity NextText(EntityStream* stream) {
     if (stream->textsLeft == 0) {  // texts of one size stand together: a table, a chain of dimensions
         stream->textsLeft = 1 + random->Below(8);
         text->kind = EntityKind::kText;
-        text->size = Cut(Pick(random, kTextHeights) * kUnit, 1);
+        text->size = Cut(Pick(random, kTextHeights) * kUnit, kShort);
         text->hasWidthFactor = random->Below(4) == 0;
         text->widthFactor = {random->Below(2) ? 8 : 7, 1};
-        text->startDegrees = Cut(Pick(random, kTextAngles) * kUnit, 1);
+        text->startDegrees = Cut(Pick(random, kTextAngles) * kUnit, kShort);
         text->hasAngle = text->startDegrees.units != 0;
         text->horizontal = random->Below(3) == 0 ? 1 + static_cast<int>(random->Below(2)) : 0;
         text->vertical = text->horizontal ? static_cast<int>(random->Below(4)) : 0;
     }
     --stream->textsLeft;
-    text->x1 = Cut(random->Between(0, kSheetWidth), 6);
-    text->y1 = Cut(random->Between(0, kSheetHeight), 6);
+    text->x1 = Cut(random->Between(0, kSheetWidth), {6, 20});
+    text->y1 = Cut(random->Between(0, kSheetHeight), {6, 20});
     text->text = Pick(random, kTexts);
     return *text;
 }
 
 static Entity NextRound(Random* random, EntityKind kind) {
-    const int places = PickPlaces(random);
+    const Precision precision = PickPrecision(random);
     Entity round;
     round.kind = kind;
-    round.x1 = Cut(random->Between(0, kSheetWidth), places);
-    round.y1 = Cut(random->Between(0, kSheetHeight), places);
-    round.size = Cut(random->Between(kUnit / 2, kUnit << random->Below(6)), places);
-    round.startDegrees = Cut(random->Between(0, 359 * kUnit), places);
-    round.endDegrees = Cut(random->Between(0, 359 * kUnit), places);
+    round.x1 = Cut(random->Between(0, kSheetWidth), precision);
+    round.y1 = Cut(random->Between(0, kSheetHeight), precision);
+    round.size = Cut(random->Between(kUnit / 2, kUnit << random->Below(6)), precision);
+    round.startDegrees = Cut(random->Between(0, 359 * kUnit), precision);
+    round.endDegrees = Cut(random->Between(0, 359 * kUnit), precision);
     return round;
 }
 
@@ -165,13 +209,12 @@ struct Writer {
         written += wanted;
         pending.clear();
     }
-    void Text(const char* text) { pending += text; }
-    void Line(const char* text) {
+    void Line(std::string_view text) {
         pending += text;
         pending += "\r\n";
         if (pending.size() >= 1 << 20) Flush();
     }
-    void Pair(int code, const char* value) {
+    void Pair(int code, std::string_view value) {
         char text[16];
         std::snprintf(text, sizeof(text), "%3d", code);
         Line(text);
@@ -182,16 +225,9 @@ struct Writer {
         std::snprintf(text, sizeof(text), "%6d", value);
         Pair(code, text);
     }
-    // As drawing programs do: no zeros at the end, but always a digit behind the point.
     void Pair(int code, Decimal value) {
-        char text[48];
-        const std::int64_t size = value.units < 0 ? -value.units : value.units;
-        std::snprintf(text, sizeof(text), "%s%lld.%0*lld", value.units < 0 ? "-" : "",
-                      static_cast<long long>(size / kPowers[value.places]), value.places,
-                      static_cast<long long>(size % kPowers[value.places]));
-        std::size_t length = std::strlen(text);
-        while (text[length - 1] == '0' && text[length - 2] != '.') text[--length] = 0;
-        Pair(code, text);
+        char buffer[32];
+        Pair(code, TextOf(value, buffer));
     }
     void Point(int code, Decimal x, Decimal y) {
         Pair(code, x);
@@ -239,9 +275,9 @@ static void WriteHead(Writer* out) {
     out->Pair(9, "$ACADVER");
     out->Pair(1, "AC1009");
     out->Pair(9, "$EXTMIN");
-    out->Point(10, Cut(0, 1), Cut(0, 1));
+    out->Point(10, Cut(0, kShort), Cut(0, kShort));
     out->Pair(9, "$EXTMAX");
-    out->Point(10, Cut(kSheetWidth, 1), Cut(kSheetHeight, 1));
+    out->Point(10, Cut(kSheetWidth, kShort), Cut(kSheetHeight, kShort));
     out->Pair(0, "ENDSEC");
     out->Pair(0, "SECTION");
     out->Pair(2, "TABLES");
@@ -273,7 +309,7 @@ bool WriteDrawing(const std::string& path, std::size_t size, Drawing* out) {
     out->path = path;
     out->size = writer.written;
     out->entityCount = count;
-    out->extents = {0, 0, Cut(kSheetWidth, 1).Value(), Cut(kSheetHeight, 1).Value()};
+    out->extents = {0, 0, Cut(kSheetWidth, kShort).Value(), Cut(kSheetHeight, kShort).Value()};
     return writer.good;
 }
 

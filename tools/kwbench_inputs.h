@@ -17,13 +17,13 @@ struct Random {
     std::int64_t Between(std::int64_t low, std::int64_t high);
 };
 
-// A decimal number as the file holds it. Its value is exactly what a correct conversion of its text gives.
+// A decimal number as the file holds it.
 struct Decimal {
     std::int64_t units = 0;  // of the last place
     int places = 1;          // behind the decimal point, at most kDecimalPlaces
-    double Value() const;
+    double Value() const;    // what a correct conversion of its text gives
 };
-constexpr int kDecimalPlaces = 12;
+constexpr int kDecimalPlaces = 15;
 
 enum class EntityKind { kPoint, kLine, kArc, kCircle, kText };
 
@@ -43,7 +43,7 @@ struct Entity {
 // Yields a drawing's entities one after the other, the same sequence at every start.
 struct EntityStream {
     Random random;
-    std::int64_t penX = 0, penY = 0;  // where the contour that is being drawn has come to, in 1e-12 drawing units
+    std::int64_t penX = 0, penY = 0;  // where the contour that is being drawn has come to, in 1e-15 drawing units
     std::uint32_t contourLeft = 0;
     std::uint32_t textsLeft = 0;  // of the same size and angle
     Entity lastText;
