@@ -22,9 +22,9 @@ extern "C" {
 /* ---- File selection ------------------------------------------------------------------------------------------ */
 
 /* modeBits of kwSelectFileName; other bits are ignored. */
-#define KW_FILE_OPEN 1        /* open an existing file; without it: choose a name to save under */
-#define KW_FILE_OVERWRITE 16  /* save only: do not ask before an existing file is chosen */
-#define KW_FILE_PREVIEW 32    /* Explorer-style dialog only: show the preview pane */
+#define KW_FILE_OPEN 1       /* open an existing file; without it: choose a name to save under */
+#define KW_FILE_OVERWRITE 16 /* save only: do not ask before an existing file is chosen */
+#define KW_FILE_PREVIEW 32   /* Explorer-style dialog only: show the preview pane */
 
 /* SelectRequest::sortOptions. Keys have a fixed priority: name, extension, size, date. */
 #define KW_SORT_NAME 0x01
@@ -43,15 +43,15 @@ extern "C" {
 
 /* What kwSelectFileName asks and answers: nine 32-bit words on 32-bit Windows. The host owns every buffer. */
 typedef struct SelectRequest {
-    const char* title;        /* dialog caption; null: the system's own */
-    const char* filter;       /* pairs of description and pattern, each ended by NUL, the list by one more NUL */
-    const char* initialDir;   /* starting directory, may be relative; null: the system's choice */
-    DWORD filterIndex;        /* in/out: 1-based filter pair; written back after OK and after Cancel */
-    char* fileBuffer;         /* in: initial file name; out: the chosen full path */
-    DWORD fileBufferSize;     /* capacity of fileBuffer in bytes, terminator included */
-    const char* defaultExt;   /* extension without its dot for a name typed without one; may be null */
-    DWORD sortOptions;        /* in/out, classic dialog only: KW_SORT_... */
-    DWORD displayOptions;     /* in/out, classic dialog only: KW_SHOW_... */
+    const char* title;      /* dialog caption; null: the system's own */
+    const char* filter;     /* pairs of description and pattern, each ended by NUL, the list by one more NUL */
+    const char* initialDir; /* starting directory, may be relative; null: the system's choice */
+    DWORD filterIndex;      /* in/out: 1-based filter pair; written back after OK and after Cancel */
+    char* fileBuffer;       /* in: initial file name; out: the chosen full path */
+    DWORD fileBufferSize;   /* capacity of fileBuffer in bytes, terminator included */
+    const char* defaultExt; /* extension without its dot for a name typed without one; may be null */
+    DWORD sortOptions;      /* in/out, classic dialog only: KW_SORT_... */
+    DWORD displayOptions;   /* in/out, classic dialog only: KW_SHOW_... */
 } SelectRequest;
 
 /* Lets the user choose one file.
@@ -76,18 +76,18 @@ unsigned int WINAPI kwSelectDirectryName(HWND owner, const char* title, char* di
 /* ---- Dialogs run from a table -------------------------------------------------------------------------------- */
 
 /* DialogItem::type, bits 0-7: what the control is. */
-#define KW_KIND_EDIT 1     /* text: printf format of the value; null: the value type's own */
-#define KW_KIND_CHECK 2    /* text: label; checked when the value is not 0 */
-#define KW_KIND_RADIO 3    /* text: maximum labels one after another; the value is the index of the checked button */
-#define KW_KIND_COMBO 4    /* text: maximum entries one after another; the value is the index of the selected one */
-#define KW_KIND_LABEL 5    /* text: label; with KW_VALUE_TEXT the printf format of the host's string */
-#define KW_KIND_BUTTON 6   /* text: label */
-#define KW_KIND_PAGES 7    /* minimum: page shown first; maximum: number of pages */
+#define KW_KIND_EDIT 1   /* text: printf format of the value; null: the value type's own */
+#define KW_KIND_CHECK 2  /* text: label; checked when the value is not 0 */
+#define KW_KIND_RADIO 3  /* text: maximum labels one after another; the value is the index of the checked button */
+#define KW_KIND_COMBO 4  /* text: maximum entries one after another; the value is the index of the selected one */
+#define KW_KIND_LABEL 5  /* text: label; with KW_VALUE_TEXT the printf format of the host's string */
+#define KW_KIND_BUTTON 6 /* text: label */
+#define KW_KIND_PAGES 7  /* minimum: page shown first; maximum: number of pages */
 
 /* DialogItem::type, bits 8-15: the type of the host's variable. */
 #define KW_VALUE_NONE 0x000
-#define KW_VALUE_TEXT 0x100    /* char[maximum], terminator included; kinds edit and label */
-#define KW_VALUE_INT8 0x200    /* signed; kinds edit, check, radio and combo, as for all numbers */
+#define KW_VALUE_TEXT 0x100 /* char[maximum], terminator included; kinds edit and label */
+#define KW_VALUE_INT8 0x200 /* signed; kinds edit, check, radio and combo, as for all numbers */
 #define KW_VALUE_INT16 0x300
 #define KW_VALUE_INT32 0x400
 #define KW_VALUE_FLOAT 0x500
