@@ -11,7 +11,7 @@
 
 #include "kit/numbers.h"
 #include "kit/sjis.h"
-#include "preview/text_anchor.h"
+#include "preview/text_placement.h"
 
 namespace {
 
@@ -145,7 +145,7 @@ struct DxfState {
     bool inEntities = false;
     bool extentsFixed = false;
     WorldRect extents = {};
-    TextAnchor anchor;  // of the text before
+    LastText lastText;
 
     bool Has(unsigned bits) const { return (present & bits) == bits; }
     double Value(int slot) const { return ParseDecimal(slots[slot]); }
@@ -227,14 +227,11 @@ void DrawTextEntity(DxfState& dxf) {
 
     Canvas& canvas = dxf.run.canvas;
     if (dxf.run.renderMode & kRenderTextFrames) {
-        canvas.primitive.SetFrame(placement.x, placement.y, placement.x + placement.length,
-                                  placement.y + placement.height, placement.x, placement.y, placement.angleDegrees);
+        SetPlacedFrame(&canvas.primitive, &dxf.lastText, placement);
     } else {
         placement.horizontal = TruncToInt32(dxf.Value(kHorizontal, 0));
         placement.vertical = VerticalJustification(TruncToInt32(dxf.Value(kVertical, 0)));
-        PlaceTextAnchor(placement, &dxf.anchor);
-        canvas.primitive.SetText(dxf.anchor.x, dxf.anchor.y, placement.height, cellWidth, 0, placement.angleDegrees,
-                                 dxf.text);
+        SetPlacedText(&canvas.primitive, &dxf.lastText, placement, cellWidth, 0, dxf.text);
     }
     SelectCanvasPen(&canvas, kTextPen);
     DrawOnCanvas(&canvas);
