@@ -1,10 +1,17 @@
 // kwbench: measures the library's speed and memory against floors that it measures in the same run.
+//
+//   kwbench.exe [--quick] [NAME...]                                        on Windows
+//   tools/winrun.sh en build/mingw/bin/kwbench.exe [--quick] [NAME...]     on Linux
+//
+// All benchmarks take about two and a half minutes, with --quick a quarter of one.
 #include "kwbench.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <iterator>
 
 static constexpr struct {
     const char* name;
@@ -55,8 +62,9 @@ double Median(std::vector<double> values) {
 }
 
 double MedianRatio(const Comparison& rounds) {
-    std::vector<double> ratios;
-    for (std::size_t i = 0; i < rounds.measured.size(); ++i) ratios.push_back(rounds.measured[i] / rounds.floor[i]);
+    std::vector<double> ratios(rounds.measured.size());
+    std::transform(rounds.measured.begin(), rounds.measured.end(), rounds.floor.begin(), ratios.begin(),
+                   std::divides<>());
     return Median(ratios);
 }
 

@@ -158,8 +158,8 @@ static void AddSpeedRows(const std::string& what, const Drawing& drawing, const 
 }
 
 static double MedianOf(const std::vector<Round>& rounds, double Round::*work) {
-    std::vector<double> values;
-    for (const Round& round : rounds) values.push_back(round.*work);
+    std::vector<double> values(rounds.size());
+    std::transform(rounds.begin(), rounds.end(), values.begin(), [&](const Round& round) { return round.*work; });
     return Median(values);
 }
 

@@ -38,33 +38,17 @@ std::int64_t Random::Between(std::int64_t low, std::int64_t high) {
 }
 
 // The text as drawing programs write it: no zeros at the end, but always a digit behind the point.
-static std::string_view TextOf(Decimal number, char (&out)[32]) {
-    const auto size = static_cast<std::uint64_t>(number.units < 0 ? -number.units : number.units);
-    const std::uint32_t halves[] = {static_cast<std::uint32_t>(size / 1000000000),
-                                    static_cast<std::uint32_t>(size % 1000000000)};  // ten digits and nine
-    char digits[19];
-    for (int half = 0, at = 0; half < 2; ++half) {
-        const int count = half == 0 ? 10 : 9;
-        std::uint32_t rest = halves[half];
-        for (int i = count - 1; i >= 0; --i, rest /= 10) digits[at + i] = static_cast<char>('0' + rest % 10);
-        at += count;
-    }
-    const int point = static_cast<int>(std::size(digits)) - number.places;
-    int first = 0, last = static_cast<int>(std::size(digits));
-    while (first < point - 1 && digits[first] == '0') ++first;
-    while (last > point + 1 && digits[last - 1] == '0') --last;
-
-    char* end = out;
-    if (number.units < 0) *end++ = '-';
-    end = std::copy(digits + first, digits + point, end);
-    *end++ = '.';
-    end = std::copy(digits + point, digits + last, end);
-    return {out, static_cast<std::size_t>(end - out)};
+static std::string TextOf(Decimal number) {
+    const auto places = static_cast<std::size_t>(number.places);
+    std::string text = std::to_string(number.units < 0 ? -number.units : number.units);
+    if (text.size() <= places) text.insert(0, places + 1 - text.size(), '0');
+    text.insert(text.size() - places, 1, '.');
+    while (text.back() == '0' && text[text.size() - 2] != '.') text.pop_back();
+    return number.units < 0 ? "-" + text : text;
 }
 
 double Decimal::Value() const {
-    char buffer[32];
-    const std::string_view text = TextOf(*this, buffer);
+    const std::string text = TextOf(*this);
     double value = 0;
     std::from_chars(text.data(), text.data() + text.size(), value);
     return value;
@@ -225,10 +209,7 @@ struct Writer {
         std::snprintf(text, sizeof(text), "%6d", value);
         Pair(code, text);
     }
-    void Pair(int code, Decimal value) {
-        char buffer[32];
-        Pair(code, TextOf(value, buffer));
-    }
+    void Pair(int code, Decimal value) { Pair(code, TextOf(value)); }
     void Point(int code, Decimal x, Decimal y) {
         Pair(code, x);
         Pair(code + 10, y);
