@@ -144,10 +144,10 @@ def mounting_plate():
     d.path((275, 32), (415, 32))
     d.path((275, 19), (415, 19))
     d.path((340, 5), (340, 19))
-    d.text(279, 35, 7, d.name)
-    d.text(279, 22, 6, "S45C  t20   " + d.designer)
-    d.text(279, 8.5, 6, d.number)
-    d.text(344, 8.5, 6, "1:1")
+    d.text(279, 34.5, 11, d.name)
+    d.text(279, 23, 5, "S45C  t20   " + d.designer)
+    d.text(279, 9.5, 5, d.number)
+    d.text(344, 9.5, 5, "1:1")
 
     left, bottom, right, top, corner = 50, 95, 290, 255, 18
     cx, cy = (left + right) / 2, (bottom + top) / 2
@@ -191,15 +191,15 @@ def mounting_plate():
     d.line(s1 - 8, cy, s3 + 8, cy, CENTER)
 
     d.layer = "DIMENSION"
-    d.dimension(left, bottom, right, bottom, -32, "240", 8)
-    d.dimension(left + corner, bottom, right - corner, bottom, -16, "204", 8)
-    d.dimension(left, bottom, left, top, 18, "160", 8)
-    d.dimension(s1, top, s2, top, 14, "20", 8)
+    d.dimension(left, bottom, right, bottom, -36, "240", 11)
+    d.dimension(left + corner, bottom, right - corner, bottom, -17, "204", 11)
+    d.dimension(left, bottom, left, top, 20, "160", 11)
+    d.dimension(s1, top, s2, top, 14, "20", 11)
     a = math.radians(60)
     d.path((cx + 52 * math.cos(a), cy + 52 * math.sin(a)), (cx + 84, 268), (cx + 112, 268))
-    d.text(cx + 84, 270, 8, "%%c104")
-    d.text(20, 24, 8, "8 - M8 P.C.D.84   4 - %%c14")
-    d.text(20, 11, 8, "(R18)  C0.5")
+    d.text(cx + 86, 271, 11, "R52")
+    d.text(14, 22, 5, "8 - M8 P.C.D.84   4 - %%c14   (R18)")
+    d.text(14, 12, 5, "Edges without note C0.5")
     return d
 
 
@@ -267,7 +267,7 @@ def floor_plan(words, encoding):
 
     d.layer = "FURNITURE"
     d.box(1900, 3000, 2800, 5000)  # sofa, table
-    d.box(3300, 3500, 4300, 4600)
+    d.box(3300, 3600, 4200, 4600)
     d.path((1620, 9000), (5200, 9000), (5200, 9480))  # worktop with sink and hob
     d.box(2300, 9080, 3100, 9400)
     for x in (4150, 4550):
@@ -275,7 +275,7 @@ def floor_plan(words, encoding):
     d.box(10700, 2900, 12300, 5000)  # bed
     d.line(10700, 4400, 12300, 4400)
     d.box(9000, 9050, 11200, 9450)  # desk
-    d.circle(10100, 8750, 260)
+    d.circle(10100, 8650, 260)
     d.box(6250, 8600, 7900, 9400)  # tub
     d.arc(7550, 9000, 260, 270, 90)
     d.path((7550, 9260), (6500, 9260), (6500, 8740), (7550, 8740))
@@ -286,20 +286,20 @@ def floor_plan(words, encoding):
 
     d.layer = "AXIS"
     for x in (left, 6100, 8800, right):
-        d.line(x, bottom - 500, x, top + 300, CENTER)
-    for y in (bottom, top):
-        d.line(left - 300, y, right + 300, y, CENTER)
+        d.line(x, top + 200, x, top + 700, CENTER)
+    for y in (bottom, 6600, top):
+        d.line(left - 700, y, left - 200, y, CENTER)
 
     d.layer = "NAME"
-    for room, x, y in (("living", 4350, 5500), ("kitchen", 3700, 7700), ("bed", 10000, 5500), ("study", 10650, 7300),
-                       ("bath", 7450, 7700), ("hall", 7600, 3900)):
+    for room, x, y in (("living", 3900, 5700), ("kitchen", 3600, 8000), ("bed", 10000, 5500), ("study", 10700, 7200),
+                       ("bath", 7300, 7900), ("hall", 7600, 3950)):
         d.text(x, y, 420, words[room], 0, MIDDLE, HALF)
-    d.text(7425, 500, 520, words["title"], 0, MIDDLE)
+    d.text(7000, 300, 520, words["title"], 0, MIDDLE)
     d.layer = "DIMENSION"
     for x1, x2, text in ((left, 6100, "4600"), (6100, 8800, "2700"), (8800, right, "3700")):
-        d.dimension(x1, bottom, x2, bottom, -600, text, 330)
-    d.dimension(left, bottom, right, bottom, -1300, "11000", 330)
-    d.dimension(right, bottom, right, top, -900, "7000", 330)
+        d.dimension(x1, bottom, x2, bottom, -750, text, 420)
+    d.dimension(left, bottom, right, bottom, -1450, "11000", 420)
+    d.dimension(right, bottom, right, top, -900, "7000", 420)
     return d
 
 

@@ -1,0 +1,189 @@
+// kwdemo: a small host with a button for each service of kwdialogs.dll.
+//
+//   kwdemo.exe [--samples FOLDER] [--shots FOLDER [--lang-suffix en|ja]]
+//
+// With --shots it drives itself through the dialogs and leaves a PNG picture of each in FOLDER.
+#include "host.h"
+
+#include <windows.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "kwdialogs.h"
+#include "resource.h"
+#include "screen_shots.h"
+
+namespace {
+
+// What the host remembers from one dialog to the next.
+struct Host {
+    const Options& options;
+    char path[KW_MAX_PATH] = "";
+    char folder[KW_MAX_PATH] = "";
+    DWORD filterIndex = 1;
+    DWORD sortOptions = KW_SORT_NAME;
+    DWORD displayOptions = KW_SHOW_SIZE | KW_SHOW_DATE;
+};
+
+template <size_t kSize>
+const char* LoadText(UINT id, char (&text)[kSize]) {
+    if (!LoadStringA(GetModuleHandleA(nullptr), id, text, static_cast<int>(kSize))) text[0] = '\0';
+    return text;
+}
+
+void ShowResult(HWND window, bool chosen, const char* path) {
+    char format[128], text[KW_MAX_PATH + sizeof(format)];
+    if (chosen) {
+        std::snprintf(text, sizeof(text), LoadText(IDS_CHOSEN, format), path);
+    } else {
+        LoadText(IDS_CANCELLED, text);
+    }
+    SetDlgItemTextA(window, IDC_RESULT, text);
+}
+
+void SelectFile(HWND window, Host& host, int modeBits, UINT titleId) {
+    char title[128], filter[256];
+    LoadText(titleId, title);
+    LoadText(IDS_FILTER, filter);
+    for (char *c = filter, *next; *c; c = next) {
+        next = CharNextA(c);
+        if (*c == '|') *c = '\0';
+    }
+    kwSelectFileGUI(IsDlgButtonChecked(window, IDC_CLASSIC_STYLE) == BST_CHECKED);
+    const int keepLongName = IsDlgButtonChecked(window, IDC_SHORT_NAMES) != BST_CHECKED;
+
+    SelectRequest request = {};
+    request.title = title;
+    request.filter = filter;
+    request.initialDir = host.options.samples;
+    request.filterIndex = host.filterIndex;
+    request.fileBuffer = host.path;
+    request.fileBufferSize = sizeof(host.path);
+    request.defaultExt = "dxf";
+    request.sortOptions = host.sortOptions;
+    request.displayOptions = host.displayOptions;
+    const bool chosen = kwSelectFileName(window, modeBits, keepLongName, &request) != 0;
+    host.filterIndex = request.filterIndex;
+    host.sortOptions = request.sortOptions;
+    host.displayOptions = request.displayOptions;
+    ShowResult(window, chosen, host.path);
+}
+
+void OpenWithPreview(HWND window, Host& host) {
+    host.path[0] = '\0';
+    SelectFile(window, host, KW_FILE_OPEN | KW_FILE_PREVIEW, IDS_OPEN_TITLE);
+}
+
+void Open(HWND window, Host& host) {
+    host.path[0] = '\0';
+    SelectFile(window, host, KW_FILE_OPEN, IDS_OPEN_TITLE);
+}
+
+void Save(HWND window, Host& host) {
+    std::strcpy(host.path, "mounting_plate");
+    SelectFile(window, host, 0, IDS_SAVE_TITLE);
+}
+
+void ChooseFolder(HWND window, Host& host) {
+    char title[128];
+    if (!host.folder[0]) std::strcpy(host.folder, host.options.samples);
+    kwSelectFileGUI(IsDlgButtonChecked(window, IDC_CLASSIC_STYLE) == BST_CHECKED);
+    const bool chosen = kwSelectDirectryName(window, LoadText(IDS_FOLDER_TITLE, title), host.folder) != 0;
+    ShowResult(window, chosen, host.folder);
+}
+
+struct Service {
+    int button;
+    bool enabled;  // the library has it
+    void (*run)(HWND window, Host& host);
+};
+constexpr Service kServices[] = {
+    {IDC_OPEN_WITH_PREVIEW, true, OpenWithPreview}, {IDC_OPEN, true, Open},           {IDC_SAVE, true, Save},
+    {IDC_CHOOSE_FOLDER, false, ChooseFolder},       {IDC_PARAMETERS, false, nullptr},
+};
+
+INT_PTR OnInitDialog(HWND window, const Host& host) {
+    for (const Service& service : kServices) {
+        EnableWindow(GetDlgItem(window, service.button), service.enabled && service.run);
+    }
+    if (host.options.shots[0]) StartTour(window, host.options);
+    return TRUE;
+}
+
+INT_PTR OnCommand(HWND window, Host& host, int id) {
+    if (id == IDCANCEL) EndDialog(window, 0);
+    for (const Service& service : kServices) {
+        if (service.button == id && service.enabled && service.run) service.run(window, host);
+    }
+    return TRUE;
+}
+
+INT_PTR CALLBACK HostProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) SetWindowLongPtrA(window, DWLP_USER, lParam);  // the Host record of WinMain
+    auto* host = reinterpret_cast<Host*>(GetWindowLongPtrA(window, DWLP_USER));
+    if (!host) return FALSE;
+    switch (message) {
+        case WM_INITDIALOG: return OnInitDialog(window, *host);
+        case WM_COMMAND: return OnCommand(window, *host, LOWORD(wParam));
+        default: return FALSE;
+    }
+}
+
+// The nearest folder "samples" beside or above the program's own, wherever the build has put the program.
+void FindSamples(char (&folder)[MAX_PATH]) {
+    char at[MAX_PATH];
+    const DWORD length = GetModuleFileNameA(nullptr, at, sizeof(at));
+    if (length == 0 || length >= sizeof(at)) return;
+    while (char* backslash = std::strrchr(at, '\\')) {  // a trail byte that reads as one only costs a pass
+        *backslash = '\0';
+        char candidate[MAX_PATH];
+        if (std::snprintf(candidate, sizeof(candidate), "%s\\samples", at) >= MAX_PATH) continue;
+        if (GetFileAttributesA(candidate) != INVALID_FILE_ATTRIBUTES) {
+            std::strcpy(folder, candidate);
+            return;
+        }
+    }
+}
+
+bool ParseArguments(int count, char** arguments, Options& options) {
+    const struct {
+        const char* name;
+        char* value;
+        size_t size;
+    } known[] = {
+        {"--samples", options.samples, sizeof(options.samples)},
+        {"--shots", options.shots, sizeof(options.shots)},
+        {"--lang-suffix", options.language, sizeof(options.language)},
+    };
+    for (int i = 1; i < count; i += 2) {
+        bool taken = false;
+        for (const auto& option : known) {
+            if (std::strcmp(arguments[i], option.name) != 0) continue;
+            if (i + 1 >= count || std::strlen(arguments[i + 1]) >= option.size) return false;
+            std::strcpy(option.value, arguments[i + 1]);
+            taken = true;
+        }
+        if (!taken) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
+    Options options = {};
+    if (!ParseArguments(__argc, __argv, options)) {
+        std::fputs("usage: kwdemo.exe [--samples FOLDER] [--shots FOLDER [--lang-suffix en|ja]]\n", stderr);
+        return 2;
+    }
+    if (!options.samples[0]) FindSamples(options.samples);
+    if (!options.language[0]) {
+        const bool japanese = PRIMARYLANGID(GetUserDefaultUILanguage()) == LANG_JAPANESE;
+        std::strcpy(options.language, japanese ? "ja" : "en");
+    }
+    Host host{options};
+    return static_cast<int>(
+        DialogBoxParamA(instance, MAKEINTRESOURCEA(IDD_HOST), nullptr, HostProc, reinterpret_cast<LPARAM>(&host)));
+}
