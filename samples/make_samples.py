@@ -71,8 +71,9 @@ class Drawing:
     name: str
     number: str
     designer: str
-    width: float  # the sheet reaches from (0, 0) to (width, height)
+    width: float  # the sheet reaches from (0, low) to (width, height)
     height: float
+    low: float = 0.0
     encoding: str = ANSI_CODEPAGE
     items: list = field(default_factory=list)
     layer: str = "0"
@@ -125,11 +126,11 @@ class Drawing:
         self.line(ax, ay, bx, by)
         self.arrow(ax, ay, degrees, height)
         self.arrow(bx, by, degrees + 180, height)
-        lift = height * 0.4
+        lift = height * 0.6
         self.text((ax + bx) / 2 + nx * lift, (ay + by) / 2 + ny * lift, height, text, degrees, MIDDLE)
 
     def extents(self):
-        return 0.0, 0.0, self.width, self.height
+        return 0.0, self.low, self.width, self.height
 
 
 # ---- Drawings ----
@@ -145,9 +146,9 @@ def mounting_plate():
     d.path((275, 19), (415, 19))
     d.path((340, 5), (340, 19))
     d.text(279, 34.5, 11, d.name)
-    d.text(279, 23, 5, "S45C  t20   " + d.designer)
-    d.text(279, 9.5, 5, d.number)
-    d.text(344, 9.5, 5, "1:1")
+    d.text(279, 23, 4, "S45C  t20   " + d.designer)
+    d.text(279, 9.5, 4, d.number)
+    d.text(344, 9.5, 4, "1:1")
 
     left, bottom, right, top, corner = 50, 95, 290, 255, 18
     cx, cy = (left + right) / 2, (bottom + top) / 2
@@ -191,15 +192,15 @@ def mounting_plate():
     d.line(s1 - 8, cy, s3 + 8, cy, CENTER)
 
     d.layer = "DIMENSION"
-    d.dimension(left, bottom, right, bottom, -36, "240", 11)
-    d.dimension(left + corner, bottom, right - corner, bottom, -17, "204", 11)
-    d.dimension(left, bottom, left, top, 20, "160", 11)
-    d.dimension(s1, top, s2, top, 14, "20", 11)
+    d.dimension(left, bottom, right, bottom, -40, "240", 12)
+    d.dimension(left + corner, bottom, right - corner, bottom, -19, "204", 12)
+    d.dimension(left, bottom, left, top, 20, "160", 12)
+    d.dimension(s1, top, s2, top, 14, "20", 12)
     a = math.radians(60)
     d.path((cx + 52 * math.cos(a), cy + 52 * math.sin(a)), (cx + 84, 268), (cx + 112, 268))
-    d.text(cx + 86, 271, 11, "R52")
-    d.text(14, 22, 5, "8 - M8 P.C.D.84   4 - %%c14   (R18)")
-    d.text(14, 12, 5, "Edges without note C0.5")
+    d.text(cx + 86, 271, 12, "R52")
+    d.text(14, 22, 4, "8 - M8 P.C.D.84   4 - %%c14   (R18)")
+    d.text(14, 12, 4, "Edges without note C0.5")
     return d
 
 
@@ -211,7 +212,7 @@ ROOMS_JAPANESE = {"living": "居間", "kitchen": "台所", "bed": "寝室", "stu
 
 def floor_plan(words, encoding):
     """A small house; the outer walls run from (1500, 2600) to (12500, 9600)."""
-    d = Drawing(words["name"], "HP-0117", words["designer"], 14850, 10500, encoding)
+    d = Drawing(words["name"], "HP-0117", words["designer"], 14850, 10500, -600, encoding)
     left, bottom, right, top = 1500, 2600, 12500, 9600
     t, thin = 240, 120
 
@@ -291,14 +292,14 @@ def floor_plan(words, encoding):
         d.line(left - 700, y, left - 200, y, CENTER)
 
     d.layer = "NAME"
-    for room, x, y in (("living", 3900, 5700), ("kitchen", 3600, 8000), ("bed", 10000, 5500), ("study", 10700, 7200),
-                       ("bath", 7300, 7900), ("hall", 7600, 3950)):
-        d.text(x, y, 420, words[room], 0, MIDDLE, HALF)
-    d.text(7000, 300, 520, words["title"], 0, MIDDLE)
+    for room, x, y in (("living", 3750, 5700), ("kitchen", 3600, 8000), ("bed", 10650, 5650), ("study", 10700, 7200),
+                       ("bath", 7300, 7900), ("hall", 7800, 4150)):
+        d.text(x, y, 480, words[room], 0, MIDDLE, HALF)
+    d.text(7000, 0, 520, words["title"], 0, MIDDLE)
     d.layer = "DIMENSION"
     for x1, x2, text in ((left, 6100, "4600"), (6100, 8800, "2700"), (8800, right, "3700")):
-        d.dimension(x1, bottom, x2, bottom, -750, text, 420)
-    d.dimension(left, bottom, right, bottom, -1450, "11000", 420)
+        d.dimension(x1, bottom, x2, bottom, -850, text, 420)
+    d.dimension(left, bottom, right, bottom, -1750, "11000", 420)
     d.dimension(right, bottom, right, top, -900, "7000", 420)
     return d
 
@@ -365,7 +366,7 @@ def dxf(drawing):
         else:
             entity("TEXT", item, SOLID)
             coordinates(10, item.x, item.y)
-            groups((40, float(item.height)), (1, item.text), (50, float(item.angle)), (41, 0.6))
+            groups((40, float(item.height)), (1, item.text), (50, float(item.angle)), (41, 0.75))
             if item.across or item.up:
                 group(72, item.across)
                 coordinates(11, item.x, item.y)
