@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "kwdialogs.h"
 #include "resource.h"
@@ -57,7 +58,7 @@ void SelectFile(HWND window, Host& host, int modeBits, UINT titleId) {
     SelectRequest request = {};
     request.title = title;
     request.filter = filter;
-    request.initialDir = host.options.samples;
+    request.initialDir = host.options.samples.c_str();
     request.filterIndex = host.filterIndex;
     request.fileBuffer = host.path;
     request.fileBufferSize = sizeof(host.path);
@@ -82,13 +83,13 @@ void Open(HWND window, Host& host) {
 }
 
 void Save(HWND window, Host& host) {
-    std::strcpy(host.path, "mounting_plate");
+    lstrcpynA(host.path, "mounting_plate", sizeof(host.path));
     SelectFile(window, host, 0, IDS_SAVE_TITLE);
 }
 
 void ChooseFolder(HWND window, Host& host) {
     char title[128];
-    if (!host.folder[0]) std::strcpy(host.folder, host.options.samples);
+    if (!host.folder[0]) lstrcpynA(host.folder, host.options.samples.c_str(), sizeof(host.folder));
     kwSelectFileGUI(IsDlgButtonChecked(window, IDC_CLASSIC_STYLE) == BST_CHECKED);
     const bool chosen = kwSelectDirectryName(window, LoadText(IDS_FOLDER_TITLE, title), host.folder) != 0;
     ShowResult(window, chosen, host.folder);
@@ -108,7 +109,7 @@ INT_PTR OnInitDialog(HWND window, const Host& host) {
     for (const Service& service : kServices) {
         EnableWindow(GetDlgItem(window, service.button), service.enabled && service.run);
     }
-    if (host.options.shots[0]) StartTour(window, host.options);
+    if (!host.options.shots.empty()) StartTour(window, host.options);
     return TRUE;
 }
 
@@ -131,38 +132,35 @@ INT_PTR CALLBACK HostProc(HWND window, UINT message, WPARAM wParam, LPARAM lPara
     }
 }
 
-// The nearest folder "samples" beside or above the program's own, wherever the build has put the program.
-void FindSamples(char (&folder)[MAX_PATH]) {
-    char at[MAX_PATH];
-    const DWORD length = GetModuleFileNameA(nullptr, at, sizeof(at));
-    if (length == 0 || length >= sizeof(at)) return;
-    while (char* backslash = std::strrchr(at, '\\')) {  // a trail byte that reads as one only costs a pass
-        *backslash = '\0';
-        char candidate[MAX_PATH];
-        if (std::snprintf(candidate, sizeof(candidate), "%s\\samples", at) >= MAX_PATH) continue;
-        if (GetFileAttributesA(candidate) != INVALID_FILE_ATTRIBUTES) {
-            std::strcpy(folder, candidate);
-            return;
-        }
+// The nearest folder "samples" beside or above the program's own, wherever the build has put the program; empty when
+// there is none.
+std::string FindSamples() {
+    char program[MAX_PATH] = "";
+    const DWORD length = GetModuleFileNameA(nullptr, program, sizeof(program));
+    std::string folder(program, length < sizeof(program) ? length : 0);
+    for (;;) {
+        const size_t backslash = folder.rfind('\\');  // a trail byte that reads as one only costs a pass
+        if (backslash == std::string::npos) return {};
+        folder.resize(backslash);
+        std::string samples = folder + "\\samples";
+        if (GetFileAttributesA(samples.c_str()) != INVALID_FILE_ATTRIBUTES) return samples;
     }
 }
 
 bool ParseArguments(int count, char** arguments, Options& options) {
     const struct {
         const char* name;
-        char* value;
-        size_t size;
+        std::string* value;
     } known[] = {
-        {"--samples", options.samples, sizeof(options.samples)},
-        {"--shots", options.shots, sizeof(options.shots)},
-        {"--lang-suffix", options.language, sizeof(options.language)},
+        {"--samples", &options.samples},
+        {"--shots", &options.shots},
+        {"--lang-suffix", &options.language},
     };
     for (int i = 1; i < count; i += 2) {
         bool taken = false;
         for (const auto& option : known) {
-            if (std::strcmp(arguments[i], option.name) != 0) continue;
-            if (i + 1 >= count || std::strlen(arguments[i + 1]) >= option.size) return false;
-            std::strcpy(option.value, arguments[i + 1]);
+            if (std::strcmp(arguments[i], option.name) != 0 || i + 1 == count) continue;
+            *option.value = arguments[i + 1];
             taken = true;
         }
         if (!taken) return false;
@@ -173,15 +171,15 @@ bool ParseArguments(int count, char** arguments, Options& options) {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
-    Options options = {};
+    Options options;
     if (!ParseArguments(__argc, __argv, options)) {
         std::fputs("usage: kwdemo.exe [--samples FOLDER] [--shots FOLDER [--lang-suffix en|ja]]\n", stderr);
         return 2;
     }
-    if (!options.samples[0]) FindSamples(options.samples);
-    if (!options.language[0]) {
+    if (options.samples.empty()) options.samples = FindSamples();
+    if (options.language.empty()) {
         const bool japanese = PRIMARYLANGID(GetUserDefaultUILanguage()) == LANG_JAPANESE;
-        std::strcpy(options.language, japanese ? "ja" : "en");
+        options.language = japanese ? "ja" : "en";
     }
     Host host{options};
     return static_cast<int>(

@@ -1,11 +1,11 @@
 // What the demo's host window and its self-driving tour know of each other.
 #pragma once
 
-#include <windows.h>
+#include <string>
 
 // How the program was started.
 struct Options {
-    char samples[MAX_PATH];  // folder that the dialogs start in
-    char shots[MAX_PATH];    // folder for the pictures of the tour; empty: interactive
-    char language[8];        // end of each picture's name: en, ja
+    std::string samples;   // folder that the dialogs start in
+    std::string shots;     // folder for the pictures of the tour; empty: interactive
+    std::string language;  // end of each picture's name: en, ja
 };

@@ -5,8 +5,8 @@
 // The GDI+ headers use the min and max macros that NOMINMAX leaves out.
 #include <algorithm>
 namespace Gdiplus {
-using std::max;
-using std::min;
+using std::max;  // NOLINT(misc-unused-using-decls): some editions of the headers need them
+using std::min;  // NOLINT(misc-unused-using-decls)
 }  // namespace Gdiplus
 #include <gdiplus.h>
 

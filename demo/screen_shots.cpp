@@ -123,7 +123,7 @@ UniqueBitmap CaptureScreen(const RECT& part) {
 bool SaveShot(const std::string& name) {
     RECT part = {};
     GetWindowRect(FrontDialog() ? FrontDialog() : tour.host, &part);
-    const std::string path = std::string(tour.options->shots) + "/" + name + "_" + tour.options->language + ".png";
+    const std::string path = tour.options->shots + "/" + name + "_" + tour.options->language + ".png";
     const UniqueBitmap bitmap = CaptureScreen(part);
     const bool saved = bitmap && SavePng(bitmap.get(), path.c_str());
     std::printf("%s%s\n", path.c_str(), saved ? "" : ": could not be written");
@@ -197,9 +197,10 @@ Step SelectInClassic(const std::string& name) {
     return {"select " + name, [name] {
                 const HWND dialog = FrontDialog();
                 const HWND list = GetDlgItem(dialog, lst1);
+                if (!list) return false;
                 const LRESULT index = SendMessageA(list, LB_SELECTSTRING, static_cast<WPARAM>(-1),
                                                    reinterpret_cast<LPARAM>(name.c_str()));
-                if (!list || index < 0) return false;
+                if (index < 0) return false;
                 SetFocus(list);
                 SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(lst1, LBN_SELCHANGE), reinterpret_cast<LPARAM>(list));
                 return true;
@@ -332,10 +333,10 @@ DWORD WINAPI Watch(void*) {
 }  // namespace
 
 void StartTour(HWND host, const Options& options) {
-    CreateDirectoryA(options.shots, nullptr);  // an existing one is as good
+    CreateDirectoryA(options.shots.c_str(), nullptr);  // an existing one is as good
     tour.host = host;
     tour.options = &options;
-    tour.steps = StepsOfTour(std::strcmp(options.language, "ja") == 0);
+    tour.steps = StepsOfTour(options.language == "ja");
     if (const HANDLE thread = CreateThread(nullptr, 0, Watch, nullptr, 0, nullptr)) CloseHandle(thread);
     SetForegroundWindow(host);
     SetTimer(nullptr, 0, kTickMilliseconds, OnTick);
