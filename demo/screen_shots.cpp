@@ -34,6 +34,7 @@ struct Step {
 struct Tour {
     HWND host;
     const Options* options;
+    std::string folder;  // options->shots as a full path: an open dialog moves the current directory
     std::vector<Step> steps;
     size_t next;
     bool inStep;  // a step lets messages through, the timer's too
@@ -123,10 +124,10 @@ UniqueBitmap CaptureScreen(const RECT& part) {
 bool SaveShot(const std::string& name) {
     RECT part = {};
     GetWindowRect(FrontDialog() ? FrontDialog() : tour.host, &part);
-    const std::string path = tour.options->shots + "/" + name + "_" + tour.options->language + ".png";
+    const std::string file = "/" + name + "_" + tour.options->language + ".png";
     const UniqueBitmap bitmap = CaptureScreen(part);
-    const bool saved = bitmap && SavePng(bitmap.get(), path.c_str());
-    std::printf("%s%s\n", path.c_str(), saved ? "" : ": could not be written");
+    const bool saved = bitmap && SavePng(bitmap.get(), (tour.folder + file).c_str());
+    std::printf("%s%s%s\n", tour.options->shots.c_str(), file.c_str(), saved ? "" : ": could not be written");
     std::fflush(stdout);
     return saved;
 }
@@ -333,9 +334,17 @@ DWORD WINAPI Watch(void*) {
 }  // namespace
 
 void StartTour(HWND host, const Options& options) {
-    CreateDirectoryA(options.shots.c_str(), nullptr);  // an existing one is as good
+    char folder[MAX_PATH] = "";
+    const DWORD length = GetFullPathNameA(options.shots.c_str(), sizeof(folder), folder, nullptr);
+    if (length == 0 || length >= sizeof(folder)) {
+        std::fprintf(stderr, "kwdemo: %s: no usable folder name\n", options.shots.c_str());
+        EndDialog(host, 1);
+        return;
+    }
+    CreateDirectoryA(folder, nullptr);  // an existing one is as good
     tour.host = host;
     tour.options = &options;
+    tour.folder = folder;
     tour.steps = StepsOfTour(options.language == "ja");
     if (const HANDLE thread = CreateThread(nullptr, 0, Watch, nullptr, 0, nullptr)) CloseHandle(thread);
     SetForegroundWindow(host);
