@@ -22,11 +22,19 @@ const char* FindLastBackslash(const char* path) {
     return last;
 }
 
-const char* FindExtension(const char* path) {
-    const char* dot = nullptr;
+const char* FindFileName(const char* path) {
+    const char* name = path;
     ForEachSingleByte(path, [&](const char* at) {
-        if (*at == '.') dot = at;
-        else if (*at == '\\' || *at == '/' || *at == ':') dot = nullptr;
+        if (*at == '\\' || *at == '/' || *at == ':') name = at + 1;
     });
-    return dot ? dot : path + std::strlen(path);
+    return name;
+}
+
+const char* FindExtension(const char* path) {
+    const char* const name = FindFileName(path);
+    const char* dot = nullptr;
+    ForEachSingleByte(name, [&](const char* at) {
+        if (*at == '.') dot = at;
+    });
+    return dot ? dot : name + std::strlen(name);
 }

@@ -3,6 +3,25 @@
 #include <cstdio>
 
 #include "kit/file_version.h"
+#include "preview/title_block.h"
+
+static void ReadTitleComment(const TitleSlots& slots, const char* fileName, char* commentOut, DWORD commentSize) {
+    Comment comment = BeginComment(commentOut, commentSize);
+    const LoadedFile file(fileName);
+    if (file.data && file.size >= slots.begin + 3 * slots.size) AppendTitleBlock(&comment, file.AsText(), slots);
+}
+
+HBITMAP ReadQjComment(DWORD, const char* fileName, const RECT*, char* commentOut, DWORD commentSize) {
+    ReadTitleComment(kQjTitle, fileName, commentOut, commentSize);
+    return nullptr;
+}
+
+HBITMAP ReadQfComment(DWORD, const char* fileName, const RECT*, char* commentOut, DWORD commentSize) {
+    ReadTitleComment(kQfTitle, fileName, commentOut, commentSize);
+    return nullptr;
+}
+
+HBITMAP ReadNcComment(DWORD, const char*, const RECT*, char*, DWORD) { return nullptr; }
 
 HBITMAP ReadTextComment(DWORD, const char* fileName, const RECT*, char* commentOut, DWORD commentSize) {
     Comment comment = BeginComment(commentOut, commentSize);

@@ -1,8 +1,12 @@
 #include "preview/dispatch.h"
 
+#include "preview/backup_reader.h"
 #include "preview/bitmap_reader.h"
+#include "preview/command_reader.h"
 #include "preview/comment_readers.h"
 #include "preview/dxf_reader.h"
+#include "preview/native_reader.h"
+#include "preview/text_reader.h"
 
 namespace {
 
@@ -13,9 +17,19 @@ struct DispatchRow {
 };
 
 constexpr DispatchRow kDispatch[] = {
-    {FT_DXF, ReadDxfPreview, ReadDxfPreview},    {FT_DLL, ReadVersionComment, nullptr},
-    {FT_EXE, ReadVersionComment, nullptr},       {FT_BMP, ReadBitmapFile, nullptr},
+    {FT_LUMOS, ReadNativePreview, ReadNativePreview},
+    {FT_QA, ReadNativePreview, ReadNativePreview},
+    {FT_QJ, ReadQjComment, ReadQjComment},
+    {FT_QF, ReadQfComment, ReadQfComment},
+    {FT_DXF, ReadDxfPreview, ReadDxfPreview},
+    {FT_EXF, ReadTextDrawing, ReadTextDrawing},
+    {FT_DLL, ReadVersionComment, nullptr},
+    {FT_EXE, ReadVersionComment, nullptr},
+    {FT_BMP, ReadBitmapFile, nullptr},
     {FT_TEXT, ReadTextComment, ReadTextComment},
+    {FT_NCPROGRAM, ReadNcComment, ReadNcComment},
+    {FT_BACKUP, ReadBackupDrawing, ReadBackupDrawing},
+    {FT_COMMAND, PreviewCommandFile, PreviewCommandFile},
 };
 
 const DispatchRow* FindRow(FileTypeCode code) {

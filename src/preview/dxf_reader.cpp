@@ -320,9 +320,5 @@ bool DecodeDxf(DrawingRun& run) {
 
 HBITMAP ReadDxfPreview(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
                        DWORD commentSize) {
-    if (!target) {
-        BeginComment(commentOut, commentSize);
-        return nullptr;
-    }
-    return RunDrawingReader(renderMode, fileName, target, commentOut, commentSize, DecodeDxf);
+    return RunTargetedReader(renderMode, fileName, target, commentOut, commentSize, DecodeDxf);
 }

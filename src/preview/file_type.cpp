@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <bitset>
-#include <cstdio>
 #include <cstring>
 #include <iterator>
 
 #include "kit/handles.h"
 #include "kit/sjis.h"
+#include "preview/title_block.h"
 
 namespace {
 
@@ -31,15 +31,11 @@ constexpr DrawingSignature kDrawingSignatures[] = {
 constexpr char kBackupSignature[] = "VEXTRON lumos Backup V2";
 constexpr std::size_t kBackupTextAt = 24, kBackupTextEnd = 283;
 
-// Title-block fields: a zero is forced at each one's last byte.
-struct TitleSlots {
-    std::size_t begin, size;  // three slots, one behind the other
-};
-TitleSlots TitleSlotsOf(FileTypeCode code) {
+const TitleSlots& TitleSlotsOf(FileTypeCode code) {
     switch (code) {
-        case FT_QJ: return {144, 42};
-        case FT_QF: return {576, 48};
-        default: return {106, 42};
+        case FT_QJ: return kQjTitle;
+        case FT_QF: return kQfTitle;
+        default: return kNativeTitle;
     }
 }
 
@@ -173,15 +169,15 @@ void CopyTitle(const char* title, char* out, int size) {
     out[length] = '\0';
 }
 
-void CopyTitleBlock(char* head, FileTypeCode code, char* out, int size) {
-    const TitleSlots slots = TitleSlotsOf(code);
-    char* fields[3];
+void CopyTitleBlock(const char* head, FileTypeCode code, char* out, int size) {
+    const ByteView file = {reinterpret_cast<const std::uint8_t*>(head), kBufferSize};
+    char text[kHeadSize] = {};
+    char* end = text;
     for (std::size_t i = 0; i < 3; ++i) {
-        fields[i] = head + slots.begin + i * slots.size;
-        fields[i][slots.size - 1] = '\0';
+        const ByteView field = TitleField(file, TitleSlotsOf(code), i);
+        if (i > 0) *end++ = ',';
+        end = std::copy_n(reinterpret_cast<const char*>(field.data), field.size, end);
     }
-    char text[kHeadSize];
-    std::snprintf(text, sizeof(text), "%s,%s,%s", fields[0], fields[1], fields[2]);
     CopyTitle(text, out, size);
 }
 

@@ -1,11 +1,16 @@
 #include "preview/reader.h"
 
+#include <algorithm>
 #include <cstring>
 
 Comment BeginComment(char* commentOut, DWORD commentSize) {
+    if (commentOut) std::memset(commentOut, 0, commentSize);
+    return ContinueComment(commentOut, commentSize);
+}
+
+Comment ContinueComment(char* commentOut, DWORD commentSize) {
     if (!commentOut || commentSize == 0) return {};
-    std::memset(commentOut, 0, commentSize);
-    return {commentOut, static_cast<long>(commentSize & 0x7FFFFFFF)};
+    return {commentOut, static_cast<long>(std::min<DWORD>(commentSize, 0x7FFFFFFF))};
 }
 
 // Copies and moves on; the buffer is zero behind the end already.
@@ -20,9 +25,13 @@ void AppendFittingLine(Comment* comment, ByteView line) {
     Append(comment, "\r\r\n", 3);
 }
 
+void AppendComment(Comment* comment, ByteView text) {
+    if (comment->room <= 1) return;
+    Append(comment, text.data, std::min(text.size, static_cast<std::size_t>(comment->room) - 1));
+}
+
 void AppendComment(Comment* comment, const char* text) {
-    if (!comment->end || comment->room <= 1) return;
-    Append(comment, text, strnlen(text, static_cast<std::size_t>(comment->room) - 1));
+    AppendComment(comment, ByteView{reinterpret_cast<const std::uint8_t*>(text), std::strlen(text)});
 }
 
 LoadedFile::LoadedFile(const char* fileName) : block(LoadFileToGlobal(fileName)) {
@@ -49,4 +58,11 @@ HBITMAP RunDrawingReader(DWORD renderMode, const char* fileName, const RECT* tar
     }
     PreviewCancel(0);
     return bitmap;
+}
+
+HBITMAP RunTargetedReader(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
+                          DWORD commentSize, bool (*decode)(DrawingRun&)) {
+    if (target) return RunDrawingReader(renderMode, fileName, target, commentOut, commentSize, decode);
+    BeginComment(commentOut, commentSize);
+    return nullptr;
 }

@@ -28,6 +28,9 @@ struct Comment {
 // Zeroes the caller's buffer and begins a comment in it.
 Comment BeginComment(char* commentOut, DWORD commentSize);
 
+// The same in a buffer that the caller has cleared.
+Comment ContinueComment(char* commentOut, DWORD commentSize);
+
 // Appends a line and its soft break when both fit. A line that does not fit is left out; a later, shorter one may fit.
 void AppendFittingLine(Comment* comment, ByteView line);
 inline void AppendCommentLine(Comment* comment, ByteView line) {
@@ -35,6 +38,7 @@ inline void AppendCommentLine(Comment* comment, ByteView line) {
 }
 
 // Appends as much of a text as fits.
+void AppendComment(Comment* comment, ByteView text);
 void AppendComment(Comment* comment, const char* text);
 
 // A file's contents in global memory, locked for as long as the record lives. `data` is null when it could not be
@@ -74,3 +78,7 @@ inline bool MayContinue() { return PreviewCancelFlag.load(std::memory_order_rela
 // freed.
 HBITMAP RunDrawingReader(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
                          DWORD commentSize, bool (*decode)(DrawingRun&));
+
+// The same for a format whose comment is made while it draws: without a target the comment is cleared and nothing read.
+HBITMAP RunTargetedReader(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
+                          DWORD commentSize, bool (*decode)(DrawingRun&));
