@@ -8,14 +8,14 @@ set(system_dlls advapi32 comctl32 comdlg32 gdi32 kernel32 msimg32 msvcrt ole32 s
 execute_process(COMMAND ${OBJDUMP} -p ${DLL} OUTPUT_VARIABLE headers COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX REPLACE "[][]" "|" headers "${headers}")  # brackets keep CMake's lists together
 
-string(REGEX MATCH "\\|Ordinal/Name Pointer\\| Table[^\n]*\n(\t\\|[^\n]*\n)+" name_table "${headers}")
-string(REGEX MATCHALL "[^ \n]+\n" words "${name_table}")
+# "|Ordinal/Name Pointer| Table", perhaps a heading, then "<tab>| 0| ... name" for each export and an empty line.
+string(REGEX MATCH "\\|Ordinal/Name Pointer\\| Table[^\n]*\n([^\n]+\n)*" name_table "${headers}")
+string(REGEX MATCHALL "\t\\|[^\n]*\n" lines "${name_table}")
 set(exports)
-foreach(word IN LISTS words)
-  string(STRIP "${word}" name)
+foreach(line IN LISTS lines)
+  string(REGEX REPLACE ".* ([^ ]+)\n" "\\1" name "${line}")
   list(APPEND exports ${name})
 endforeach()
-list(POP_FRONT exports)  # the table's heading
 list(SORT exports)
 if(NOT exports STREQUAL wanted_exports)
   message(SEND_ERROR "exports: ${exports}\nwanted: ${wanted_exports}")
