@@ -4,6 +4,7 @@
 /* Dialog templates */
 #define IDD_FILE_SELECTION 108 /* classic file dialog */
 #define IDD_PREVIEW_PANE 118   /* child of the Explorer-style file dialog */
+#define IDD_GALLERY 128
 
 #define IDB_PREVIEW_BUTTON 127
 
@@ -52,3 +53,8 @@
 #define IDC_PREVIEW_PICTURE 1007
 #define IDC_PREVIEW_COMMENT 1061
 #define IDC_PREVIEW_GALLERY 1063
+
+/* Controls of template 128 */
+#define IDC_GALLERY_LIST 1064
+#define IDC_GALLERY_PROGRESS 1065
+#define IDC_GALLERY_STATUS 1066
