@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <limits>
+#include <random>
 
 #include "support/guard_block.h"
 
@@ -31,6 +35,30 @@ TEST(Numbers, ParseDecimal) {
         EXPECT_EQ(used, c.used) << c.text;
         EXPECT_EQ(ParseDecimal(text.View()), c.value) << c.text;
     }
+}
+
+// Printed numbers of every length, with and without exponent, come back as the standard conversion reads them.
+TEST(Numbers, ParseDecimalIsRightToTheLastBit) {
+    std::mt19937_64 random(11);
+    for (int i = 0; i < 4000; ++i) {
+        const double value =
+            static_cast<double>(random() >> random() % 60) / static_cast<double>(1 + random() % 100000);
+        char text[400];
+        std::snprintf(text, sizeof(text), i % 3 ? "%.*f" : "%.*e", i % 18, i % 2 ? value : -value);
+        EXPECT_EQ(ParseDecimal({reinterpret_cast<const std::uint8_t*>(text), std::strlen(text)}),
+                  std::strtod(text, nullptr))
+            << text;
+    }
+    const std::string zeros(400, '0');
+    const struct {
+        std::string text;
+        double value;
+    } cases[] = {{"1" + zeros, kInfinity},           {"0." + zeros + "1", 0},
+                 {"1" + zeros + "e-800", 0},         {"0." + zeros + "1e800", kInfinity},
+                 {"-1" + zeros + "1.5", -kInfinity}, {"1" + zeros + "e-400", 1}};
+    for (const auto& c : cases)
+        EXPECT_EQ(ParseDecimal({reinterpret_cast<const std::uint8_t*>(c.text.data()), c.text.size()}), c.value)
+            << c.text;
 }
 
 TEST(Numbers, OutOfRangeBecomesTheProcessorsIndefinite) {

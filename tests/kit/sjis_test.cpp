@@ -39,6 +39,18 @@ TEST(Sjis, TakeLine) {
     for (const auto& c : cases) EXPECT_EQ(LinesOf(c.text), c.lines) << testing::PrintToString(c.text);
 }
 
+// What ends a line or only looks like it, behind any number of plain characters.
+TEST(Sjis, TakeLineAtEveryDistance) {
+    for (std::size_t count = 0; count < 70; ++count) {
+        const std::string plain(count, 'a'), tail(33, 'b');
+        EXPECT_EQ(LinesOf(plain + "\n" + tail), (Lines{plain, tail})) << count;
+        EXPECT_EQ(LinesOf(plain + "\xe0\n" + tail), Lines{plain + "\xe0\n" + tail}) << count;
+        EXPECT_EQ(LinesOf(plain + "\xb1\x7f" + tail + "\r"), Lines{plain + "\xb1\x7f" + tail}) << count;
+        EXPECT_EQ(LinesOf(plain + std::string(1, 0) + tail), count ? Lines{plain} : Lines{}) << count;
+        EXPECT_EQ(LinesOf(plain + "b\x9f"), Lines{plain + "b\x9f"}) << count;
+    }
+}
+
 TEST(Sjis, LeadByteRanges) {
     std::string ranges;
     for (int i = 0; i < 256; ++i)
