@@ -130,7 +130,10 @@ UINT_PTR OnGalleryButton(HWND dialog, PreviewJob& job) {
     SendMessageA(explorer, CDM_GETFOLDERPATH, sizeof(folder), reinterpret_cast<LPARAM>(folder));
     SendMessageA(explorer, CDM_GETSPEC, sizeof(name), reinterpret_cast<LPARAM>(name));
     if (ShowGallery(explorer, 0, folder, SelectedPattern(*job.request), name, sizeof(name)) && IsWindow(explorer)) {
-        SendMessageA(explorer, CDM_SETCONTROLTEXT, IDC_FILE_NAME, reinterpret_cast<LPARAM>(name));
+        // The file-name field is an edit control or, on later systems, a combo box with an id of its own.
+        for (const int id : {IDC_FILE_NAME, IDC_FILE_NAME_COMBO}) {
+            SendMessageA(explorer, CDM_SETCONTROLTEXT, static_cast<WPARAM>(id), reinterpret_cast<LPARAM>(name));
+        }
         PostMessageA(explorer, WM_COMMAND, IDOK, 0);
     }
     return 1;

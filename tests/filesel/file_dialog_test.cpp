@@ -106,20 +106,48 @@ TEST_F(ExplorerDialog, PaneShowsTheSelectedFile) {
     const PaneContents drawing = DrawingOf(part, target);
     EXPECT_TRUE(HasInk(drawing.picture));
     const std::string nothing = Placeholder(target);
-    const auto pressGallery = [](HWND dialog) {
-        SendMessageA(FindControl(dialog, IDC_PREVIEW_GALLERY), BM_CLICK, 0, 0);
-    };
     const auto deletePart = [=](HWND) { EXPECT_TRUE(DeleteFileA(part.c_str())) << "a shown file is closed"; };
     EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW,
                   {SelectFile("part.dxf"), PaneShows(drawing), SelectFile("locked.dxf"), PaneShows({nothing, ""}),
                    SelectFile("notes.txt"), PaneShows({nothing, "one\r\ntwo\r\n"}), SelectFile("random.dat"),
                    PaneShows({nothing, ""}), SelectFile("picture.bmp"), PaneShows({Picture(".#", "#."), ""}),
-                   Check(pressGallery), SelectFile("empty.dxf"), PaneShows({nothing, ""}), SelectFile("part.dxf"),
-                   PaneShows(drawing), Check(deletePart), SelectFile("notes.txt"), Press(IDOK)}),
+                   SelectFile("empty.dxf"), PaneShows({nothing, ""}), SelectFile("part.dxf"), PaneShows(drawing),
+                   Check(deletePart), SelectFile("notes.txt"), Press(IDOK)}),
               1u);
     EXPECT_STREQ(file, folder.At("notes.txt").c_str());
     EXPECT_EQ(PreviewCancel(-1), 0);
     CloseHandle(owner);
+}
+
+TEST_F(ExplorerDialog, AChoiceInTheGalleryClosesIt) {
+    folder.Write("one.dxf", kDrawing);
+    folder.Write("two.dxf", kDrawing);
+    folder.Write("three.txt", "not of this filter");
+    const auto openGallery = [](HWND dialog) {
+        PostMessageA(FindControl(dialog, IDC_PREVIEW_GALLERY), BM_CLICK, 0, 0);
+        return true;
+    };
+    int listed = 0;
+    const auto choose = [&](int line) {
+        return [&, line](HWND dialog) {
+            const HWND list = FindControl(dialog, IDC_GALLERY_LIST);
+            if (!list) return false;
+            listed = static_cast<int>(SendMessageA(list, LB_GETCOUNT, 0, 0));
+            SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(line), 0);
+            SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDC_GALLERY_LIST, LBN_SELCHANGE),
+                         reinterpret_cast<LPARAM>(list));
+            return true;
+        };
+    };
+    request.filterIndex = 1;
+    EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {SelectFile("one.dxf"), openGallery, choose(1), Press(IDOK)}), 1u);
+    EXPECT_STREQ(file, folder.At("two.dxf").c_str());
+    EXPECT_EQ(listed, 2) << "what the selected filter lets through";
+    file[0] = '\0';
+    EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW,
+                  {SelectFile("one.dxf"), openGallery, choose(1), Press(IDCANCEL), SelectFile("one.dxf"), Press(IDOK)}),
+              1u);
+    EXPECT_STREQ(file, folder.At("one.dxf").c_str()) << "a cancelled gallery changes nothing";
 }
 
 TEST_F(ExplorerDialog, TheLastSelectionWins) {
