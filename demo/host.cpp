@@ -102,7 +102,7 @@ struct Service {
 };
 constexpr Service kServices[] = {
     {IDC_OPEN_WITH_PREVIEW, true, OpenWithPreview}, {IDC_OPEN, true, Open},           {IDC_SAVE, true, Save},
-    {IDC_CHOOSE_FOLDER, false, ChooseFolder},       {IDC_PARAMETERS, false, nullptr},
+    {IDC_CHOOSE_FOLDER, true, ChooseFolder},       {IDC_PARAMETERS, false, nullptr},
 };
 
 INT_PTR OnInitDialog(HWND window, const Host& host) {
