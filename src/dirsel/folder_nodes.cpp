@@ -89,12 +89,20 @@ std::string FolderPath(const ShellItem& item) { return WithBackslash(ItemName(it
 
 static bool IsNetworkPath(const std::string& path) { return path.compare(0, 2, "\\\\") == 0; }
 
-// The path by which an item is recognised on the way to another. Empty when it has no name.
-static std::string PathOnTheWay(const ShellItem& item, bool inNetwork) {
-    std::string path = ItemName(item, SHGDN_FORPARSING);
-    if (path.empty()) path = ItemName(item, SHGDN_INFOLDER);
-    const bool isBare = !path.empty() && path.find('\\') > 1;
-    return WithBackslash(inNetwork && isBare ? "\\\\" + path : path);
+// True when neither of the first two characters is a backslash.
+static bool IsBareName(const std::string& name) {
+    if (name.empty() || name[0] == '\\') return false;
+    return IsLeadByte(static_cast<std::uint8_t>(name[0])) || name[1] != '\\';
+}
+
+std::string StepPath(std::string name, bool inNetwork) {
+    return WithBackslash(inNetwork && IsBareName(name) ? "\\\\" + name : std::move(name));
+}
+
+static std::string StepPath(const ShellItem& item, bool inNetwork) {
+    std::string name = ItemName(item, SHGDN_FORPARSING);
+    if (name.empty()) name = ItemName(item, SHGDN_INFOLDER);
+    return StepPath(std::move(name), inNetwork);
 }
 
 // True when `path` begins with `part`, letters of both cases alike.
@@ -141,7 +149,7 @@ void SelectPath(HWND view, const std::string& path) {
     HTREEITEM node = top;
     while ((node = NextNode(view, TVGN_NEXTVISIBLE, node)) && IsBelow(view, node, top)) {
         const ShellItem* item = ItemOfNode(view, node);
-        const std::string step = item ? PathOnTheWay(*item, inNetwork) : std::string();
+        const std::string step = item ? StepPath(*item, inNetwork) : std::string();
         if (!BeginsWith(path, step)) continue;
         if (step.size() == path.size()) {
             SelectNode(view, node);

@@ -25,6 +25,10 @@ void FreeNode(const TVITEMA& deleted);
 // The item's path, or what the shell uses for one where there are no files, ending in a backslash. Empty on failure.
 std::string FolderPath(const ShellItem& item);
 
+// The path by which SelectPath knows an item of that name, ending in a backslash; the names of the network's computers
+// may lack their two backslashes. Empty for an empty name.
+std::string StepPath(std::string name, bool inNetwork);
+
 // Selects the folder that the path names, below the network neighbourhood or the computer's drives, and expands the
 // nodes above it. What cannot be found leaves the selection at the deepest folder on the way.
 //

@@ -23,7 +23,7 @@ struct FolderTree {
     char* directory;
     HWND dialog = nullptr, view = nullptr;
     std::string caption = {};  // without the selected folder
-    bool isAsked = false;  // the shell is being asked, and may let messages flow: no node may be filled or deleted
+    bool isAsked = false;      // the shell is being asked, and may let messages flow: no node may be filled or deleted
     LayoutRow rows[3] = {{IDC_FOLDER_TREE, kAnchorRight | kAnchorBottom, 0, 0, {}},
                          {IDOK, kMoveHorizontally | kMoveVertically, 0, 0, {}},
                          {IDCANCEL, kMoveHorizontally | kMoveVertically, 0, 0, {}}};
@@ -132,7 +132,8 @@ INT_PTR CALLBACK FolderTreeProc(HWND dialog, UINT message, WPARAM wParam, LPARAM
             return TRUE;
         case WM_COMMAND: return OnCommand(*tree, LOWORD(wParam));
         case WM_NOTIFY: return OnNotify(*tree, lParam);
-        case WM_SIZE: FollowDialogSize(dialog, tree->layout, wParam); return TRUE;
+        case WM_SHOWWINDOW:
+        case WM_SIZE: FollowDialogSize(dialog, &tree->layout, message, wParam); return TRUE;
         case WM_GETMINMAXINFO: return OnMinMaxInfo(*tree, reinterpret_cast<MINMAXINFO*>(lParam));
         default: return FALSE;
     }

@@ -16,23 +16,22 @@ static void RecordLayout(HWND dialog, DialogLayout* layout) {
     }
 }
 
-static void RestoreDialogSize(HWND dialog, RememberedSize* remembered) {
-    RECT rect = {};
-    GetWindowRect(dialog, &rect);
-    const SIZE present = {rect.right - rect.left, rect.bottom - rect.top};
-    if (remembered->maximized || remembered->size.cx == 0) {
-        remembered->size = present;
-        if (remembered->maximized) ShowWindow(dialog, SW_MAXIMIZE);
+static void RestoreDialogSize(HWND dialog, DialogLayout* layout) {
+    const SIZE present = layout->recordedSize, size = layout->remembered->size;
+    layout->maximizeWhenShown = layout->remembered->maximized;
+    if (layout->maximizeWhenShown || size.cx == 0) {
+        layout->remembered->size = present;
         return;
     }
-    const SIZE size = remembered->size;  // a copy: WM_SIZE writes to the remembered one meanwhile
-    SetWindowPos(dialog, nullptr, rect.left - (size.cx - present.cx) / 2, rect.top - (size.cy - present.cy) / 2, size.cx,
-                 size.cy, SWP_NOZORDER | SWP_NOACTIVATE);
+    RECT rect = {};
+    GetWindowRect(dialog, &rect);
+    SetWindowPos(dialog, nullptr, rect.left - (size.cx - present.cx) / 2, rect.top - (size.cy - present.cy) / 2,
+                 size.cx, size.cy, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void StartLayout(HWND dialog, DialogLayout* layout) {
     RecordLayout(dialog, layout);
-    RestoreDialogSize(dialog, layout->remembered);
+    RestoreDialogSize(dialog, layout);
 }
 
 static LONG Share(LONG growth, int percent) { return percent == 0 ? growth : MulDiv(growth, percent, 100); }
@@ -59,10 +58,23 @@ static void ApplyLayout(HWND dialog, const DialogLayout& layout, LONG dx, LONG d
     if (moves) EndDeferWindowPos(moves);
 }
 
-void FollowDialogSize(HWND dialog, const DialogLayout& layout, WPARAM sizeKind) {
-    if (sizeKind == SIZE_MINIMIZED || layout.recordedSize.cx == 0) return;
+// Not at WM_INITDIALOG already: a modal dialog is shown later, and on some systems in its normal size even when it
+// stands there maximised.
+static void OnShow(HWND dialog, DialogLayout* layout) {
+    if (!layout->maximizeWhenShown) return;
+    layout->maximizeWhenShown = false;
+    ShowWindow(dialog, SW_MAXIMIZE);
+}
+
+static void OnSize(HWND dialog, const DialogLayout& layout, WPARAM kind) {
+    if (kind == SIZE_MINIMIZED || layout.recordedSize.cx == 0) return;
     const SIZE size = OuterSize(dialog);
-    layout.remembered->maximized = sizeKind == SIZE_MAXIMIZED;
-    if (sizeKind != SIZE_MAXIMIZED) layout.remembered->size = size;
+    layout.remembered->maximized = kind == SIZE_MAXIMIZED;
+    if (kind != SIZE_MAXIMIZED) layout.remembered->size = size;
     ApplyLayout(dialog, layout, size.cx - layout.recordedSize.cx, size.cy - layout.recordedSize.cy);
+}
+
+void FollowDialogSize(HWND dialog, DialogLayout* layout, UINT message, WPARAM wParam) {
+    if (message == WM_SHOWWINDOW && wParam) OnShow(dialog, layout);
+    if (message == WM_SIZE) OnSize(dialog, *layout, wParam);
 }

@@ -28,12 +28,14 @@ struct DialogLayout {
     int count;
     RememberedSize* remembered;
     SIZE recordedSize = {};  // the dialog's outer size when the layout was recorded; zero before
+    bool maximizeWhenShown = false;
 };
 
 // For WM_INITDIALOG: remembers where the controls stand, then gives the dialog the remembered size around its present
-// centre, or remembers the present one. A control that the dialog lacks is passed over.
+// centre, or remembers the present one; a dialog that was last maximised will be again when it is shown. A control that
+// the dialog lacks is passed over.
 void StartLayout(HWND dialog, DialogLayout* layout);
 
-// For WM_SIZE, with its wParam: moves and stretches the controls by what the dialog has grown since StartLayout, and
-// remembers its size. Does nothing before StartLayout and for a dialog that is minimised.
-void FollowDialogSize(HWND dialog, const DialogLayout& layout, WPARAM sizeKind);
+// For WM_SHOWWINDOW and WM_SIZE, with their wParam: moves and stretches the controls by what the dialog has grown since
+// StartLayout, and remembers its size. Does nothing before StartLayout and for a dialog that is minimised.
+void FollowDialogSize(HWND dialog, DialogLayout* layout, UINT message, WPARAM wParam);
