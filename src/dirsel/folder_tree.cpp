@@ -65,8 +65,8 @@ void OnInitDialog(FolderTree& tree) {
 // True when the node must not expand.
 bool OnExpanding(FolderTree& tree, const NMTREEVIEWA& notification) {
     const HTREEITEM node = notification.itemNew.hItem;
-    if (notification.action != TVE_EXPAND || TreeView_GetChild(tree.view, node)) return false;
-    if (tree.isAsked) return true;
+    if (notification.action != TVE_EXPAND) return false;
+    if (tree.isAsked) return !TreeView_GetChild(tree.view, node);
     const Asking asking(tree);
     FillNode(tree.view, node);
     return false;
