@@ -32,7 +32,7 @@ static bool InsertNode(HWND view, HTREEITEM parent, std::unique_ptr<ShellItem> i
     insert.item.cChildren = item->attributes & SFGAO_HASSUBFOLDER ? 1 : 0;
     insert.item.lParam = reinterpret_cast<LPARAM>(item.get());
     if (!SendMessageA(view, TVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&insert))) return false;
-    item.release();  // the node's own now
+    (void)item.release();  // the node's own now
     return true;
 }
 

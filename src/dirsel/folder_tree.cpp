@@ -19,11 +19,11 @@ RememberedSize rememberedSize;
 
 // A running dialog.
 struct FolderTree {
-    const char* title;  // may be null
-    char* directory;
+    const char* title = nullptr;  // may be null
+    char* directory = nullptr;    // the caller's
     HWND dialog = nullptr, view = nullptr;
-    std::string caption = {};  // without the selected folder
-    bool isAsked = false;      // the shell is being asked, and may let messages flow: no node may be filled or deleted
+    std::string caption;   // without the selected folder
+    bool isAsked = false;  // the shell is being asked, and may let messages flow: no node may be filled or deleted
     LayoutRow rows[3] = {{IDC_FOLDER_TREE, kAnchorRight | kAnchorBottom, 0, 0, {}},
                          {IDOK, kMoveHorizontally | kMoveVertically, 0, 0, {}},
                          {IDCANCEL, kMoveHorizontally | kMoveVertically, 0, 0, {}}};
@@ -145,7 +145,9 @@ BOOL SelectFolderTree(HWND owner, const char* title, char* directory) {
     const INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_TREEVIEW_CLASSES};
     InitCommonControlsEx(&controls);
     const ComApartment com;
-    FolderTree tree = {title, directory};
+    FolderTree tree;
+    tree.title = title;
+    tree.directory = directory;
     return DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(IDD_FOLDER_TREE), owner, FolderTreeProc,
                            reinterpret_cast<LPARAM>(&tree)) == TRUE;
 }

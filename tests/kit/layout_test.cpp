@@ -26,8 +26,8 @@ static INT_PTR CALLBACK LayoutProc(HWND dialog, UINT message, WPARAM wParam, LPA
         SetWindowLongPtrA(dialog, DWLP_USER, lParam);
         SetWindowPos(dialog, nullptr, 200, 150, kWidth, kHeight, SWP_NOZORDER);
         for (int id = 1; id <= 4; ++id) {
-            CreateWindowA("STATIC", "", WS_CHILD | WS_VISIBLE, 10, 20, 100, 50, dialog,
-                          reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), nullptr, nullptr);
+            (void)CreateWindowA("STATIC", "", WS_CHILD | WS_VISIBLE, 10, 20, 100, 50, dialog,
+                                reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), nullptr, nullptr);
         }
         StartLayout(dialog, &record->layout);
     } else if ((message == WM_SIZE || message == WM_SHOWWINDOW) && record) {
