@@ -218,7 +218,7 @@ def mounting_plate():
 ROOMS = {"living": "Living room", "kitchen": "Kitchen", "bed": "Bedroom", "study": "Study", "bath": "Bath",
          "hall": "Hall", "title": "Ground floor  1:100", "name": "House plan", "designer": "M. Sato"}
 ROOMS_JAPANESE = {"living": "居間", "kitchen": "台所", "bed": "寝室", "study": "書斎", "bath": "浴室",
-                  "hall": "玄関ﾎｰﾙ", "title": "１階平面図　縮尺 1:100", "name": "住宅平面図", "designer": "佐藤"}
+                  "hall": "ﾎｰﾙ", "title": "１階平面図　縮尺 1:100", "name": "住宅平面図", "designer": "佐藤"}
 
 
 def floor_plan(words, encoding):
@@ -316,13 +316,13 @@ def floor_plan(words, encoding):
 
 
 SHAFT = {"name": "Drive shaft", "designer": "T. Suzuki", "section": "A-A", "grip": "Grip", "scale": "Scale 1:1",
-         "material": "Material [SCM440]", "heat": "Heat treatment: quench and temper, 28-32 HRC",
-         "notes": "Break all edges without note 0.3 x 45 degrees. Ground faces Ra 0.8, all others Ra 6.3. Run-out of the "
-                  "seats 0.01 between the centres. Keyway to fit the key 10 x 8 x 50. Degrease and oil before packing."}
+         "material": "Material [SCM440]", "heat": ("Heat treatment:", "28-32 HRC, seats ground"),
+         "notes": ("Break all edges without note 0.3 x 45 degrees. Ground faces Ra 0.8, all others Ra 6.3. Oil well.",
+                   "Run-out of the seats 0.01 between the centres. Keyway to fit the key 10 x 8 x 50, no burrs left.")}
 SHAFT_JAPANESE = {"name": "駆動軸", "designer": "鈴木", "section": "断面 A-A", "grip": "ｸﾞﾘｯﾌﾟ", "scale": "尺度 1:1",
-                  "material": "材質 [SCM440]", "heat": "熱処理：焼入焼戻し HRC28～32、表面は研削仕上げ",
-                  "notes": "指示なき角部は C0.3 とする。研削面は Ra0.8、その他は Ra6.3。軸受座の振れはｾﾝﾀ基準で 0.01 以下。"
-                           "ｷｰ溝は平行ｷｰ 10x8x50 に合わせる。加工後は脱脂し、防錆油を塗布して梱包すること。"}
+                  "material": "材質 [SCM440]", "heat": ("熱処理：焼入焼戻し", "HRC28～32　表面は研削仕上げ"),
+                  "notes": ("指示なき角部は C0.3 とする。研削面は Ra0.8、その他は Ra6.3。軸受座の振れは 0.01 以下。",
+                            "ｷｰ溝は平行ｷｰ 10x8x50 に合わせる。加工後は脱脂し、防錆油を塗布して梱包すること。")}
 
 
 def drive_shaft(words, encoding):
@@ -344,7 +344,7 @@ def drive_shaft(words, encoding):
     d.erase_last()
 
     cy = 205
-    steps = [(30, 85, 30), (85, 150, 40), (150, 168, 60), (168, 265, 44), (265, 325, 36), (325, 385, 24)]
+    steps = [(30, 85, 30), (85, 150, 40), (150, 168, 60), (168, 265, 44), (265, 325, 36), (325, 375, 24)]
     d.layer = "CONSTRUCTION"
     for x1, x2, diameter in steps:
         for half in (-diameter / 2, diameter / 2):
@@ -354,70 +354,77 @@ def drive_shaft(words, encoding):
 
     d.layer = "PART"
     for x1, x2, diameter in steps:
-        first, last = max(x1, 32), min(x2, 383)  # the ends are chamfered
+        first, last = max(x1, 32), min(x2, 373)  # the ends are chamfered
         d.line(first, cy + diameter / 2, last, cy + diameter / 2)
         d.line(first, cy - diameter / 2, last, cy - diameter / 2)
     for (x1, _, diameter), (_, _, before) in zip(steps, [(0, 0, 0), *steps]):
         half = max(diameter, before) / 2 - (2 if before == 0 else 0)
         d.line(x1, cy - half, x1, cy + half)
-    d.line(385, cy - 10, 385, cy + 10)
-    for end, inner, half in ((30, 32, 15), (385, 383, 12)):
+    d.line(375, cy - 10, 375, cy + 10)
+    for end, inner, half in ((30, 32, 15), (375, 373, 12)):
         d.line(inner, cy - half, inner, cy + half)
         for side in (-1, 1):
             d.line(inner, cy + side * half, end, cy + side * (half - 2))
             d.line(inner, cy + side * half, end, cy + side * half)  # the corner as it was
             d.erase_last()
     for side in (-1, 1):  # the root of the thread
-        d.line(330, cy + side * 9.5, 385, cy + side * 9.5, HIDDEN)
+        d.line(330, cy + side * 9.5, 375, cy + side * 9.5, HIDDEN)
     d.arc(190, cy, 5, 90, 270)  # the keyway
     d.arc(240, cy, 5, 270, 90)
     d.line(190, cy + 5, 240, cy + 5)
     d.line(190, cy - 5, 240, cy - 5)
-    d.line(20, cy, 395, cy, CENTER)
+    for side in (-1, 1):  # the bearing that belongs on its seat
+        d.box(272, cy + side * 18, 304, cy + side * 36, DASHED)
+    d.line(20, cy, 385, cy, CENTER)
     d.layer = "TEXTURE"  # the grip is knurled
     for column in range(11):
         for row in range(6):
             d.point(36 + column * 4.5, cy - 12 + row * 4.8 + column % 2 * 2.4)
 
-    sx, sy, r = 90, 75, 40  # the section, twice as large, hatched
+    sx, sy, r = 90, 78, 44  # the section, twice as large, hatched
     d.layer = "PART"
     notch = math.degrees(math.asin(10 / r))
     edge = r * math.cos(math.radians(notch))
     d.arc(sx, sy, r, 90 + notch, 90 - notch)
-    d.path((sx - 10, sy + edge), (sx - 10, sy + 28), (sx + 10, sy + 28), (sx + 10, sy + edge))
+    d.path((sx - 10, sy + edge), (sx - 10, sy + 34), (sx + 10, sy + 34), (sx + 10, sy + edge))
     d.axes(sx, sy, r + 6)
     d.layer = "HATCH"
-    for k in range(-5, 6):
+    diagonal = math.sqrt(0.5)
+    for k in range(-6, 7):
         offset = k * 7.0  # from the centre, along the normal of the hatch
         reach = math.sqrt(r * r - offset * offset)
-        nx, ny = -math.sqrt(0.5) * offset, math.sqrt(0.5) * offset
-        cuts = [i / 2 for i in range(int(-2 * reach), int(2 * reach) + 1)]
-        inside = [c for c in cuts if not (abs(nx + c * math.sqrt(0.5)) < 10 and ny + c * math.sqrt(0.5) > 28)]
-        start = inside[0]
-        for here, following in zip(inside, [*inside[1:], None]):
-            if following is None or following - here > 0.5:
-                d.line(*(sx + nx + start * math.sqrt(0.5), sy + ny + start * math.sqrt(0.5)),
-                       *(sx + nx + here * math.sqrt(0.5), sy + ny + here * math.sqrt(0.5)), DASHED)
-                start = following
+        points = [(sx + (c - offset) * diagonal, sy + (c + offset) * diagonal)
+                  for c in (i / 2 for i in range(int(-2 * reach), int(2 * reach) + 1))]
+        start = last = None
+        for point in [*points, None]:  # a stroke ends at the keyway and at the edge
+            if point and not (abs(point[0] - sx) < 10 and point[1] - sy > 34):
+                start, last = start or point, point
+            elif start:
+                d.line(*start, *last)
+                start = None
     d.layer = "NOTE"
     d.line(30, cy + 40, 30 + 36, cy + 40)
     d.line(58, cy + 8, 48, cy + 40, marks=(DOT, NONE))
     d.text(32, cy + 43, 12, words["grip"])
     for side in (-1, 1):  # where the section is taken
-        d.line(216, cy + side * 28, 216, cy + side * 40)
-        d.line(216, cy + side * 40, 200, cy + side * 40, marks=(NONE, ARROW), mark_size=6)
+        d.line(192, cy + side * 28, 192, cy + side * 40)
+        d.line(192, cy + side * 40, 176, cy + side * 40, marks=(NONE, ARROW), mark_size=6)
     d.text(sx, sy - r - 20, 12, words["section"], 0, MIDDLE)
-    d.text(150, 76, 8, words["heat"])
-    d.text(150, 60, 4, words["notes"])
-    d.arc(385, cy - 12, 24, 270, 315, marks=(ARROW, ARROW))
-    d.text(398, cy - 48, 10, "45°")
+    for i, line in enumerate(words["heat"]):
+        d.text(178, 92 - 16 * i, 11, line)
+    for i, line in enumerate(words["notes"]):
+        d.text(178, 66 - 8 * i, 4, line)
+    d.line(375, cy - 10, 395, cy + 10)  # the angle of the chamfer
+    d.arc(373, cy - 12, 26, 0, 45, marks=(ARROW, ARROW))
+    d.line(378, cy - 12, 403, cy - 12)
+    d.text(387, cy + 16, 11, "45°")
 
     d.layer = "DIMENSION"
     d.dimension(168, cy - 22, 265, cy - 22, -25, "97", 12)
-    d.dimension(30, cy - 15, 385, cy - 12, -58, "355", 12)
+    d.dimension(30, cy - 12, 375, cy - 12, -58, "345", 12)
     d.dimension(150, cy + 30, 168, cy + 30, 22, "18", 12)
     d.dimension(265, cy + 18, 325, cy + 18, 24, "60", 12)
-    d.dimension(sx + r, sy - 28, sx + r, sy + 28, -12, "28", 10)
+    d.dimension(sx + 10, sy - r, sx + 10, sy + 34, -60, "39", 12)
     return d
 
 
@@ -512,7 +519,7 @@ SHOWN, ERASED = 0, 0x4000  # status of a record
 FILLER = 0xA5  # stands in bytes that nobody has written: record status A5 25 and tail A5 A5 A5 A5 A5 A5 mean zeros
 LAST_LINK = 65535
 UP = {BASELINE: 0, HALF: 1, TOP: 2}
-CELL, SPACING = 0.36, 0.04  # of a text's height: half a full-width character, the gap between two
+CELL, NARROW_CELL, SPACING = 0.5, 0.36, 0.04  # of a text's height: half a full-width character, the gap between two
 
 
 def plain(text, encoding):
@@ -537,7 +544,7 @@ def lower_left(text, length, across, up):
     return (text.x - back * math.cos(a) + down * math.sin(a), text.y - back * math.sin(a) - down * math.cos(a))
 
 
-def element_record(item, layer, status, dx, dy):
+def element_record(item, layer, status, dx=0.0, dy=0.0, cell=CELL):
     """
      0  u16  status
      4  u16  kind in the low 4 bits
@@ -570,7 +577,7 @@ def element_record(item, layer, status, dx, dy):
         attributes(56)
     else:
         head(TEXT_RECORD)
-        struct.pack_into("<6f", record, 16, item.x + dx, item.y + dy, item.height, 2 * CELL * item.height,
+        struct.pack_into("<6f", record, 16, item.x + dx, item.y + dy, item.height, 2 * cell * item.height,
                          SPACING * item.height, item.angle)
         struct.pack_into("<H", record, 44, UP[item.up] << 5 | item.across << 7)
     return record
@@ -623,6 +630,7 @@ def native(drawing, edition, origin=None):
         shown = name not in drawing.hidden and number != current  # the current layer needs no flag
         struct.pack_into("<H", header, 250 + 2 * number, int(shown))
 
+    cell = CELL if drawing.encoding == JAPANESE else NARROW_CELL  # Latin letters are drawn full-width and get long
     records = []
 
     def add_text(item, record, layer):
@@ -640,11 +648,11 @@ def native(drawing, edition, origin=None):
     for item in drawing.items:
         layer = numbers[item.layer]
         if isinstance(item, Text):
-            if item.across == MIDDLE:  # by its left end: half of a text is reckoned with its characters' half width
-                length = len(plain(item.text, JAPANESE).decode(JAPANESE)) * (2 * CELL + SPACING) * item.height
-                x, y = lower_left(item, length, MIDDLE, item.up)
+            if item.across != LEFT:  # written by its left end: a preview takes a text for half as long as it draws it
+                length = len(plain(item.text, JAPANESE).decode(JAPANESE)) * (2 * cell + SPACING) * item.height
+                x, y = lower_left(item, length, item.across, item.up)
                 item = Text(x, y, item.height, item.text, item.angle, LEFT, BASELINE, item.layer)
-            add_text(item, element_record(item, layer, SHOWN, dx, dy), layer)
+            add_text(item, element_record(item, layer, SHOWN, dx, dy, cell), layer)
             continue
         status = ERASED if item in drawing.erased else SHOWN
         record = element_record(item, layer, status, dx, dy)
@@ -663,8 +671,8 @@ def backup(drawing):
     284  3x42  drawing name, drawing number, designer: texts that end with a zero
     410  4x8   f64 minimum x, y, maximum x, y
     442   4    u32 number of records
-    446        the records, as in native drawings, without end marks and links; a text has its number of characters (u16)
-               at 46, the width at 28 is one character's, and the text itself is not kept
+    446        the records, as in native drawings, without end marks and links; a text has its number of characters
+               (u16) at 46, the width at 28 is one character's, and the text itself is not kept
     There are 16 layers, all shown: what is hidden is kept as erased.
     """
     numbers = {name: i % 16 for i, name in enumerate(drawing.layers())}
@@ -675,7 +683,7 @@ def backup(drawing):
     records = []
     for item in drawing.items:
         hidden = item in drawing.erased or item.layer in drawing.hidden
-        record = element_record(item, numbers[item.layer], ERASED if hidden else SHOWN, 0, 0)
+        record = element_record(item, numbers[item.layer], ERASED if hidden else SHOWN)
         if isinstance(item, Text):
             count = len(item.text)
             length = len(plain(item.text, JAPANESE)) * CELL * item.height

@@ -91,8 +91,9 @@ static void RecordLine(Recorder* recorder, const Entity& line) {
 static void RecordArc(Recorder* recorder, const Entity& arc, double start, double end) {
     const ViewTransform& view = recorder->out.view;
     recorder->fieldE.Set(end);
-    if (start >= end) end += 360;
-    const double x = arc.x1.Value(), y = arc.y1.Value(), radius = arc.size.Value(), sweep = end - start;
+    if (end == 360) end = 0;
+    const double sweep = start >= end ? end + 360 - start : end - start;
+    const double x = arc.x1.Value(), y = arc.y1.Value(), radius = arc.size.Value();
     const POINT centre = MapPoint(view, x, y);
     const POINT from = MapPoint(view, x + radius * std::cos(Radians(start)), y + radius * std::sin(Radians(start)));
     const POINT to = MapPoint(view, x + radius * std::cos(Radians(end)), y + radius * std::sin(Radians(end)));
