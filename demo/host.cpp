@@ -91,7 +91,7 @@ void Save(HWND window, Host& host) {
 
 void ChooseFolder(HWND window, Host& host) {
     char title[128];
-    if (!host.folder[0]) lstrcpynA(host.folder, host.options.samples.c_str(), sizeof(host.folder));
+    if (!host.folder[0]) lstrcpynA(host.folder, (host.options.samples + "\\").c_str(), sizeof(host.folder));
     kwSelectFileGUI(IsDlgButtonChecked(window, IDC_CLASSIC_STYLE) == BST_CHECKED);
     const bool chosen = kwSelectDirectryName(window, LoadText(IDS_FOLDER_TITLE, title), host.folder) != 0;
     ShowResult(window, chosen, host.folder);
@@ -104,7 +104,7 @@ struct Service {
 };
 constexpr Service kServices[] = {
     {IDC_OPEN_WITH_PREVIEW, true, OpenWithPreview}, {IDC_OPEN, true, Open},           {IDC_SAVE, true, Save},
-    {IDC_CHOOSE_FOLDER, false, ChooseFolder},       {IDC_PARAMETERS, false, nullptr},
+    {IDC_CHOOSE_FOLDER, true, ChooseFolder},        {IDC_PARAMETERS, false, nullptr},
 };
 
 INT_PTR OnInitDialog(HWND window, const Host& host) {

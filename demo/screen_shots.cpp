@@ -154,6 +154,13 @@ Step FileDialogShows() {
     return {"wait for the file dialog", [] { return GetDlgItem(FrontDialog(), cmb1) != nullptr; }};
 }
 
+Step FolderTreeShows() {
+    return {"wait for the folder tree", [] {
+                const HWND tree = FindByClass(WC_TREEVIEWA);
+                return tree && SendMessageA(tree, TVM_GETNEXTITEM, TVGN_CARET, 0);
+            }};
+}
+
 Step QuestionShows() {
     return {"wait for the question", [] { return FrontDialog() && !GetDlgItem(FrontDialog(), cmb1); }};
 }
@@ -304,6 +311,12 @@ std::vector<Step> StepsOfTour(bool japanese) {
         PressInDialog(IDCANCEL),
         DialogGone(),
 
+        Press(IDC_CHOOSE_FOLDER),
+        FolderTreeShows(),
+        Shoot("folder_tree"),
+        PressInDialog(IDCANCEL),
+        DialogGone(),
+
         SetClassicStyle(true),
         Press(IDC_OPEN),
         FileDialogShows(),
@@ -311,6 +324,13 @@ std::vector<Step> StepsOfTour(bool japanese) {
         Shoot("classic"),
         PressInDialog(IDCANCEL),
         DialogGone(),
+
+        Press(IDC_CHOOSE_FOLDER),
+        FileDialogShows(),
+        Shoot("classic_folder"),
+        PressInDialog(IDOK),
+        DialogGone(),
+        Shoot("host_folder_chosen"),
     };
     steps.insert(steps.end(), std::begin(rest), std::end(rest));
     return steps;

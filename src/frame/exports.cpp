@@ -1,4 +1,8 @@
 // The exports: thin dispatchers that choose a dialog variant and keep the process's current directory.
+#include <cstring>
+
+#include "dirsel/classic_directory.h"
+#include "dirsel/folder_tree.h"
 #include "filesel/file_dialog.h"
 #include "frame/os_kind.h"
 #include "kwdialogs.h"
@@ -41,6 +45,12 @@ int WINAPI kwSelectFileGUI(int mode) {
     return previous;
 }
 
-unsigned int WINAPI kwSelectDirectryName(HWND, const char*, char*) { return 0; }
+unsigned int WINAPI kwSelectDirectryName(HWND owner, const char* title, char* directory) {
+    if (!directory || !std::memchr(directory, '\0', KW_MAX_PATH)) return 0;
+    const KeptDirectory kept;
+    const BOOL chosen = UsesExplorerStyle() ? SelectFolderTree(owner, title, directory)
+                                            : SelectDirectoryClassic(owner, title, directory);
+    return static_cast<unsigned int>(chosen);
+}
 
 int WINAPI kwDlgBoxCtrl(HINSTANCE, const char*, HWND, DialogItem*, int, DialogCallback) { return -1; }

@@ -41,6 +41,8 @@ struct GalleryRequest {
     DWORD resultSize;
 };
 
+RememberedSize rememberedSize;
+
 // A running gallery. The worker reads names and fills thumbnails; it has ended when kWorkerRuns is clear.
 struct Gallery {
     GalleryRequest request;
@@ -51,11 +53,9 @@ struct Gallery {
     RECT thumbnail = {};  // at the origin
     UniqueBitmap loading, noPreview, scratch;
     volatile LONG state = 0;
-    SIZE templateSize = {};
-    LayoutRow layout[1] = {{IDC_GALLERY_LIST, kAnchorRight | kAnchorBottom, 0, 0, {}}};
+    LayoutRow rows[1] = {{IDC_GALLERY_LIST, kAnchorRight | kAnchorBottom, 0, 0, {}}};
+    DialogLayout layout = {rows, 1, &rememberedSize};
 };
-
-RememberedSize rememberedSize;
 
 int BorderWidth() { return GetSystemMetrics(SM_CXBORDER); }
 
@@ -187,9 +187,7 @@ bool OpenGallery(Gallery& gallery) {
     MakeGrid(gallery);
     MakeBitmaps(gallery);
     if (!ListItems(gallery) || gallery.items.count == 0 || !MakePool(gallery)) return false;
-    RecordLayout(gallery.dialog, gallery.layout, 1);
-    GetWindowPosSize(gallery.dialog, nullptr, &gallery.templateSize);
-    RestoreDialogSize(gallery.dialog, &rememberedSize);
+    StartLayout(gallery.dialog, &gallery.layout);
     FillList(gallery);
     ShowFolderInCaption(gallery);
     InterlockedExchange(&gallery.state, kWorkerRuns);
@@ -247,17 +245,6 @@ INT_PTR OnCommand(Gallery& gallery, int id, int notification) {
             return TRUE;
         default: return FALSE;
     }
-}
-
-INT_PTR OnSize(Gallery& gallery, WPARAM kind) {
-    if (kind == SIZE_MINIMIZED || gallery.templateSize.cx == 0) return FALSE;
-    rememberedSize.maximized = kind == SIZE_MAXIMIZED;
-    SIZE size;
-    GetWindowPosSize(gallery.dialog, nullptr, &size);
-    if (!rememberedSize.maximized) rememberedSize.size = size;
-    ApplyLayout(gallery.dialog, gallery.layout, 1, static_cast<int>(size.cx - gallery.templateSize.cx),
-                static_cast<int>(size.cy - gallery.templateSize.cy));
-    return TRUE;
 }
 
 // ---- Drawing
@@ -322,7 +309,8 @@ INT_PTR CALLBACK GalleryProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lP
         case WM_INITDIALOG: return OnInitDialog(dialog, *gallery);
         case WM_COMMAND: return OnCommand(*gallery, LOWORD(wParam), HIWORD(wParam));
         case WM_DRAWITEM: return OnDrawItem(*gallery, *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
-        case WM_SIZE: return OnSize(*gallery, wParam);
+        case WM_SHOWWINDOW: FollowDialogSize(dialog, &gallery->layout, message, wParam); return FALSE;
+        case WM_SIZE: FollowDialogSize(dialog, &gallery->layout, message, wParam); return TRUE;
         case WM_DESTROY: WaitGalleryWorker(*gallery); return TRUE;
         default: return FALSE;
     }

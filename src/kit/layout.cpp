@@ -1,7 +1,14 @@
 #include "kit/layout.h"
 
-void RecordLayout(HWND dialog, LayoutRow* rows, int count) {
-    for (LayoutRow* row = rows; row != rows + count; ++row) {
+static SIZE OuterSize(HWND window) {
+    RECT rect = {};
+    GetWindowRect(window, &rect);
+    return {rect.right - rect.left, rect.bottom - rect.top};
+}
+
+static void RecordLayout(HWND dialog, DialogLayout* layout) {
+    layout->recordedSize = OuterSize(dialog);
+    for (LayoutRow* row = layout->rows; row != layout->rows + layout->count; ++row) {
         const HWND control = GetDlgItem(dialog, row->controlId);
         if (!control) continue;
         GetWindowRect(control, &row->recorded);
@@ -9,9 +16,27 @@ void RecordLayout(HWND dialog, LayoutRow* rows, int count) {
     }
 }
 
-static LONG Share(int growth, int percent) { return percent == 0 ? growth : MulDiv(growth, percent, 100); }
+static void RestoreDialogSize(HWND dialog, DialogLayout* layout) {
+    const SIZE present = layout->recordedSize, size = layout->remembered->size;
+    layout->maximizeWhenShown = layout->remembered->maximized;
+    if (layout->maximizeWhenShown || size.cx == 0) {
+        layout->remembered->size = present;
+        return;
+    }
+    RECT rect = {};
+    GetWindowRect(dialog, &rect);
+    SetWindowPos(dialog, nullptr, rect.left - (size.cx - present.cx) / 2, rect.top - (size.cy - present.cy) / 2,
+                 size.cx, size.cy, SWP_NOZORDER | SWP_NOACTIVATE);
+}
 
-static RECT RectAfterGrowth(const LayoutRow& row, int dx, int dy) {
+void StartLayout(HWND dialog, DialogLayout* layout) {
+    RecordLayout(dialog, layout);
+    RestoreDialogSize(dialog, layout);
+}
+
+static LONG Share(LONG growth, int percent) { return percent == 0 ? growth : MulDiv(growth, percent, 100); }
+
+static RECT RectAfterGrowth(const LayoutRow& row, LONG dx, LONG dy) {
     const LONG x = Share(dx, row.shareX), y = Share(dy, row.shareY);
     RECT rect = row.recorded;
     if (row.flags & (kAnchorRight | kMoveHorizontally)) rect.right += x;
@@ -21,9 +46,9 @@ static RECT RectAfterGrowth(const LayoutRow& row, int dx, int dy) {
     return rect;
 }
 
-void ApplyLayout(HWND dialog, const LayoutRow* rows, int count, int dx, int dy) {
-    HDWP moves = BeginDeferWindowPos(count);
-    for (const LayoutRow* row = rows; row != rows + count; ++row) {
+static void ApplyLayout(HWND dialog, const DialogLayout& layout, LONG dx, LONG dy) {
+    HDWP moves = BeginDeferWindowPos(layout.count);
+    for (const LayoutRow* row = layout.rows; row != layout.rows + layout.count; ++row) {
         const HWND control = GetDlgItem(dialog, row->controlId);
         if (!control || !moves) continue;
         const RECT rect = RectAfterGrowth(*row, dx, dy);
@@ -33,16 +58,23 @@ void ApplyLayout(HWND dialog, const LayoutRow* rows, int count, int dx, int dy) 
     if (moves) EndDeferWindowPos(moves);
 }
 
-void RestoreDialogSize(HWND dialog, RememberedSize* remembered) {
-    RECT rect;
-    GetWindowRect(dialog, &rect);
-    const SIZE present = {rect.right - rect.left, rect.bottom - rect.top};
-    if (remembered->maximized || remembered->size.cx == 0) {
-        remembered->size = present;
-        if (remembered->maximized) ShowWindow(dialog, SW_MAXIMIZE);
-        return;
-    }
-    const SIZE size = remembered->size;
-    SetWindowPos(dialog, nullptr, rect.left - (size.cx - present.cx) / 2, rect.top - (size.cy - present.cy) / 2,
-                 size.cx, size.cy, SWP_NOZORDER | SWP_NOACTIVATE);
+// Not at WM_INITDIALOG already: a modal dialog is shown later, and on some systems in its normal size even when it
+// stands there maximised.
+static void OnShow(HWND dialog, DialogLayout* layout) {
+    if (!layout->maximizeWhenShown) return;
+    layout->maximizeWhenShown = false;
+    ShowWindow(dialog, SW_MAXIMIZE);
+}
+
+static void OnSize(HWND dialog, const DialogLayout& layout, WPARAM kind) {
+    if (kind == SIZE_MINIMIZED || layout.recordedSize.cx == 0) return;
+    const SIZE size = OuterSize(dialog);
+    layout.remembered->maximized = kind == SIZE_MAXIMIZED;
+    if (kind != SIZE_MAXIMIZED) layout.remembered->size = size;
+    ApplyLayout(dialog, layout, size.cx - layout.recordedSize.cx, size.cy - layout.recordedSize.cy);
+}
+
+void FollowDialogSize(HWND dialog, DialogLayout* layout, UINT message, WPARAM wParam) {
+    if (message == WM_SHOWWINDOW && wParam) OnShow(dialog, layout);
+    if (message == WM_SIZE) OnSize(dialog, *layout, wParam);
 }

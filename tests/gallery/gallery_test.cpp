@@ -136,7 +136,6 @@ TEST_F(GalleryDialog, ManyFilesStopWhileWorking) {
     EXPECT_EQ(Run({Check(look), Press(IDOK)}), 1);
     EXPECT_EQ(count, 1500);
     EXPECT_STREQ(result, "1499.dxf");
-    EXPECT_EQ(Run({IsComplete, Press(IDCANCEL)}), 0);
 }
 
 TEST_F(GalleryDialog, RemembersItsSize) {
