@@ -2,6 +2,7 @@
 
 #include "kit/handles.h"
 #include "kit/paths.h"
+#include "kit/sjis.h"
 
 static HTREEITEM NextNode(HWND view, WPARAM relation, HTREEITEM node) {
     return reinterpret_cast<HTREEITEM>(SendMessageA(view, TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(node)));
