@@ -30,7 +30,11 @@ TEST(Dib, Pictures) {
 TEST(Dib, WhatDoesNotFitGivesNothing) {
     const HandleCounts before = CountHandles();
     for (const auto& file : {kTrueColor, kIndexed})
-        for (std::size_t size = 0; size < file.size(); ++size) EXPECT_EQ(Shown(file.substr(0, size)), "") << size;
+        for (std::size_t size = 0; size < file.size(); ++size) {
+            const ByteView cut = {reinterpret_cast<const std::uint8_t*>(file.data()), size};
+            EXPECT_EQ(TakePicture(BitmapFromDibFile(cut)), "") << size;
+            Shown(file.substr(0, size));  // the same in front of a guard page
+        }
     const struct {
         const char* what;
         std::size_t offset;
