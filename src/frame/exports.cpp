@@ -1,4 +1,5 @@
 // The exports: thin dispatchers that choose a dialog variant and keep the process's current directory.
+#include "dlgctrl/controller.h"
 #include "filesel/file_dialog.h"
 #include "frame/os_kind.h"
 #include "kwdialogs.h"
@@ -43,4 +44,7 @@ int WINAPI kwSelectFileGUI(int mode) {
 
 unsigned int WINAPI kwSelectDirectryName(HWND, const char*, char*) { return 0; }
 
-int WINAPI kwDlgBoxCtrl(HINSTANCE, const char*, HWND, DialogItem*, int, DialogCallback) { return -1; }
+int WINAPI kwDlgBoxCtrl(HINSTANCE instance, const char* templateName, HWND owner, DialogItem* items, int itemCount,
+                        DialogCallback callback) {
+    return RunControlledDialog(instance, templateName, owner, items, itemCount, callback);
+}
