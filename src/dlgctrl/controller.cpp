@@ -137,6 +137,14 @@ static INT_PTR OnNotify(HWND dialog, NMHDR* header) {
     return FALSE;
 }
 
+// A field of many lines closes its dialog at the Escape key: on a page that means the dialog, not the page alone.
+static INT_PTR OnClose(HWND dialog) {
+    const DialogContext* const context = ContextOf(dialog);
+    if (!context || context->setup.modal) return FALSE;
+    PostMessageA(GetParent(dialog), WM_CLOSE, 0, 0);
+    return TRUE;
+}
+
 static INT_PTR CALLBACK ControllerProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     const DialogContext* const context = ContextOf(dialog);
     const DialogCallback callback = context ? context->setup.callback : nullptr;
@@ -147,6 +155,7 @@ static INT_PTR CALLBACK ControllerProc(HWND dialog, UINT message, WPARAM wParam,
         case WM_INITDIALOG: return OnInitDialog(dialog, wParam, lParam);
         case WM_COMMAND: return OnCommand(dialog, LOWORD(wParam), HIWORD(wParam));
         case WM_NOTIFY: return OnNotify(dialog, reinterpret_cast<NMHDR*>(lParam));
+        case WM_CLOSE: return OnClose(dialog);
         case WM_DESTROY: return OnDestroy(dialog);
         default: return FALSE;
     }

@@ -66,13 +66,23 @@ bool IsTabControl(HWND control) {
     return lstrcmpiA(name, WC_TABCONTROLA) == 0;
 }
 
-// A page has no frame, no buttons of its own to end it, and the Tab key goes through its controls.
+// Takes the frame away; what is inside stays where it is.
+void RemoveFrame(HWND page) {
+    RECT place = {};
+    GetClientRect(page, &place);
+    MapWindowPoints(page, GetAncestor(page, GA_PARENT), reinterpret_cast<POINT*>(&place), 2);
+    const auto style = static_cast<DWORD>(GetWindowLongPtrA(page, GWL_STYLE)) & ~DWORD{WS_CAPTION | WS_THICKFRAME};
+    SetWindowLongPtrA(page, GWL_STYLE, static_cast<LONG_PTR>(style));
+    AdjustWindowRectEx(&place, style, FALSE, static_cast<DWORD>(GetWindowLongPtrA(page, GWL_EXSTYLE)));
+    SetWindowPos(page, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
+}
+
+// A page has no frame and no buttons of its own to end it, and the Tab key goes through its controls.
 void MakePage(HWND page) {
-    constexpr LONG_PTR kFrame = WS_CAPTION | WS_THICKFRAME;
     ShowWindow(page, SW_HIDE);
-    SetWindowLongPtrA(page, GWL_STYLE, GetWindowLongPtrA(page, GWL_STYLE) & ~kFrame);
+    RemoveFrame(page);
     SetWindowLongPtrA(page, GWL_EXSTYLE, GetWindowLongPtrA(page, GWL_EXSTYLE) | WS_EX_CONTROLPARENT);
-    SetWindowPos(page, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
     for (const int id : {IDOK, IDCANCEL}) {
         if (const HWND button = GetDlgItem(page, id)) ShowWindow(button, SW_HIDE);
     }
