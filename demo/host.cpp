@@ -2,7 +2,8 @@
 //
 //   kwdemo.exe [--samples FOLDER] [--shots FOLDER [--lang-suffix en|ja]]
 //
-// With --shots it drives itself through the dialogs and leaves a PNG picture of each in FOLDER.
+// With --shots it drives itself through the dialogs, on a copy of the samples in C:\Drawings, and leaves a PNG picture
+// of each in FOLDER.
 #include "host.h"
 
 #include <windows.h>
@@ -14,6 +15,7 @@
 
 #include "kwdialogs.h"
 #include "resource.h"
+#include "sample_copy.h"
 #include "screen_shots.h"
 
 namespace {
@@ -45,7 +47,7 @@ void ShowResult(HWND window, bool chosen, const char* path) {
 }
 
 void SelectFile(HWND window, Host& host, int modeBits, UINT titleId) {
-    char title[128], filter[256];
+    char title[128], filter[512];
     LoadText(titleId, title);
     LoadText(IDS_FILTER, filter);
     for (char *c = filter, *next; *c; c = next) {
@@ -181,7 +183,17 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
         const bool japanese = PRIMARYLANGID(GetUserDefaultUILanguage()) == LANG_JAPANESE;
         options.language = japanese ? "ja" : "en";
     }
+    const bool onCopy = !options.shots.empty();
+    if (onCopy) {
+        options.samples = CopySamples(options.samples);
+        if (options.samples.empty()) {
+            std::fputs("kwdemo: the samples could not be copied for the pictures\n", stderr);
+            return 1;
+        }
+    }
     Host host{options};
-    return static_cast<int>(
-        DialogBoxParamA(instance, MAKEINTRESOURCEA(IDD_HOST), nullptr, HostProc, reinterpret_cast<LPARAM>(&host)));
+    const INT_PTR result =
+        DialogBoxParamA(instance, MAKEINTRESOURCEA(IDD_HOST), nullptr, HostProc, reinterpret_cast<LPARAM>(&host));
+    if (onCopy) RemoveSampleCopy(options.samples);
+    return static_cast<int>(result);
 }

@@ -19,6 +19,9 @@
 #define IDS_CHOSEN 5 /* path */
 #define IDS_CANCELLED 6
 
+/* Extensions of the drawings among the samples, in a filter list. */
+#define DRAWING_FILTER "*.qa;*.lms;*.qj;*.qf;*.lbk;*.exf;*.dxf;*.cmd"
+
 #ifndef IDC_STATIC
 #define IDC_STATIC (-1)
 #endif

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -243,23 +244,36 @@ Step Shoot(const std::string& name) {
             }};
 }
 
-std::vector<Step> StepsOfTour(bool japanese) {
-    const char* plan = japanese ? "house_plan_ja.dxf" : "house_plan.dxf";
-    const char* notes = japanese ? "machining_notes_ja.txt" : "machining_notes.txt";
-    return {
-        Shoot("host"),
+// A sample in the pane of the Explorer-style dialog.
+struct PaneShot {
+    const char* picture;
+    const char* sample;
+    const char* japaneseSample;
+    const char* comment;  // a part of it that the sample before has not
+};
+constexpr PaneShot kPaneShots[] = {
+    {"explorer_part", "mounting_plate.dxf", "mounting_plate.dxf", "MP-2040-01"},
+    {"explorer_plan", "house_plan.dxf", "house_plan_ja.dxf", "HP-0117"},
+    {"explorer_native_a", "mounting_plate.qa", "mounting_plate.qa", "MP-2040-01"},
+    {"explorer_native_a_origin", "house_plan.qa", "house_plan.qa", "HP-0117"},
+    {"explorer_native_b", "drive_shaft.lms", "drive_shaft_ja.lms", "DS-0350-02"},
+    {"explorer_native_b_origin", "house_plan.lms", "house_plan_ja.lms", "HP-0117"},
+    {"explorer_backup", "drive_shaft.lbk", "drive_shaft_ja.lbk", "DS-0350-02"},
+    {"explorer_exf", "house_plan.exf", "house_plan_ja.exf", "HP-0117"},
+    {"explorer_command", "plot_plate.cmd", "plot_shaft_ja.cmd", "DIALOG_PREVIEW"},
+    {"explorer_qf", "house_plan.qf", "house_plan_ja.qf", "HP-0117"},
+    {"explorer_qj", "drive_shaft.qj", "drive_shaft_ja.qj", "DS-0350-02"},
+    {"explorer_text", "machining_notes.txt", "machining_notes_ja.txt", "MP-2040-01"},
+};
 
-        Press(IDC_OPEN_WITH_PREVIEW),
-        FileDialogShows(),
-        SelectInExplorer("mounting_plate.dxf"),
-        CommentShows("MP-2040-01"),
-        Shoot("explorer_part"),
-        SelectInExplorer(plan),
-        CommentShows("HP-0117"),
-        Shoot("explorer_plan"),
-        SelectInExplorer(notes),
-        CommentShows("MP-2040-01"),
-        Shoot("explorer_text"),
+std::vector<Step> StepsOfTour(bool japanese) {
+    std::vector<Step> steps = {Shoot("host"), Press(IDC_OPEN_WITH_PREVIEW), FileDialogShows()};
+    for (const PaneShot& shot : kPaneShots) {
+        steps.push_back(SelectInExplorer(japanese ? shot.japaneseSample : shot.sample));
+        steps.push_back(CommentShows(shot.comment));
+        steps.push_back(Shoot(shot.picture));
+    }
+    const Step rest[] = {
         SelectInExplorer("flange.bmp"),
         PictureShows(176, 124),
         Shoot("explorer_picture"),
@@ -298,6 +312,8 @@ std::vector<Step> StepsOfTour(bool japanese) {
         PressInDialog(IDCANCEL),
         DialogGone(),
     };
+    steps.insert(steps.end(), std::begin(rest), std::end(rest));
+    return steps;
 }
 
 // ---- The tour

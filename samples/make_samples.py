@@ -15,6 +15,7 @@ from dataclasses import dataclass, field
 SOLID, HIDDEN, CENTER, DASHED = "CONTINUOUS", "HIDDEN", "CENTER", "DASHED"
 LEFT, MIDDLE, RIGHT = 0, 1, 2
 BASELINE, HALF, TOP = 0, 2, 3
+NONE, ARROW, DOT = 0, 1, 2  # marks at the ends of a line or an arc
 
 ANSI_CODEPAGE, JAPANESE = "cp1252", "cp932"
 
@@ -37,6 +38,8 @@ class Line:
     y2: float
     pen: str
     layer: str
+    marks: tuple = (NONE, NONE)  # at (x1, y1) and at (x2, y2)
+    mark_size: float = 0.0
 
 
 @dataclass(frozen=True)
@@ -50,6 +53,7 @@ class Arc:
     end: float
     pen: str
     layer: str
+    marks: tuple = (NONE, NONE)  # at the start and at the end
 
 
 @dataclass(frozen=True)
@@ -77,12 +81,15 @@ class Drawing:
     encoding: str = ANSI_CODEPAGE
     items: list = field(default_factory=list)
     layer: str = "0"
+    hidden: tuple = ()  # layers that are not shown
+    current: str = ""  # the layer that new items would go to; shown whatever its flag says
+    erased: list = field(default_factory=list)  # items that the user has deleted; native and backup files keep them
 
     def point(self, x, y):
         self.items.append(Point(x, y, self.layer))
 
-    def line(self, x1, y1, x2, y2, pen=SOLID):
-        self.items.append(Line(x1, y1, x2, y2, pen, self.layer))
+    def line(self, x1, y1, x2, y2, pen=SOLID, marks=(NONE, NONE), mark_size=0.0):
+        self.items.append(Line(x1, y1, x2, y2, pen, self.layer, marks, mark_size))
 
     def path(self, *corners, pen=SOLID):
         for (x1, y1), (x2, y2) in zip(corners, corners[1:]):
@@ -91,8 +98,8 @@ class Drawing:
     def box(self, x1, y1, x2, y2, pen=SOLID):
         self.path((x1, y1), (x2, y1), (x2, y2), (x1, y2), (x1, y1), pen=pen)
 
-    def arc(self, x, y, radius, start, end, pen=SOLID):
-        self.items.append(Arc(x, y, radius, start, end, pen, self.layer))
+    def arc(self, x, y, radius, start, end, pen=SOLID, marks=(NONE, NONE)):
+        self.items.append(Arc(x, y, radius, start, end, pen, self.layer, marks))
 
     def circle(self, x, y, radius, pen=SOLID):
         self.arc(x, y, radius, 0, 360, pen)
@@ -109,11 +116,6 @@ class Drawing:
         self.circle(x, y, diameter / 2)
         self.axes(x, y, diameter / 2 + 4)
 
-    def arrow(self, x, y, angle, size):
-        for side in (-12, 12):
-            a = math.radians(angle + side)
-            self.line(x, y, x + size * math.cos(a), y + size * math.sin(a))
-
     def dimension(self, x1, y1, x2, y2, offset, text, height):
         """A measure from (x1, y1) to (x2, y2), drawn `offset` to the left of that direction."""
         angle = math.atan2(y2 - y1, x2 - x1)
@@ -123,14 +125,23 @@ class Drawing:
         for x, y in ((x1, y1), (x2, y2)):
             self.line(x + nx * gap, y + ny * gap, x + nx * (offset + gap), y + ny * (offset + gap))
         ax, ay, bx, by = x1 + nx * offset, y1 + ny * offset, x2 + nx * offset, y2 + ny * offset
-        self.line(ax, ay, bx, by)
-        self.arrow(ax, ay, degrees, height)
-        self.arrow(bx, by, degrees + 180, height)
+        self.line(ax, ay, bx, by, marks=(ARROW, ARROW), mark_size=height)
         lift = height * 0.6
         self.text((ax + bx) / 2 + nx * lift, (ay + by) / 2 + ny * lift, height, text, degrees, MIDDLE)
 
+    def erase_last(self):
+        self.erased.append(self.items[-1])
+
     def extents(self):
         return 0.0, self.low, self.width, self.height
+
+    def layers(self):
+        """Names in the order of their first use."""
+        return list(dict.fromkeys(item.layer for item in self.items))
+
+    def visible(self):
+        """What a format keeps that knows neither hidden layers nor deleted items."""
+        return [item for item in self.items if item not in self.erased and item.layer not in self.hidden]
 
 
 # ---- Drawings ----
@@ -207,7 +218,7 @@ def mounting_plate():
 ROOMS = {"living": "Living room", "kitchen": "Kitchen", "bed": "Bedroom", "study": "Study", "bath": "Bath",
          "hall": "Hall", "title": "Ground floor  1:100", "name": "House plan", "designer": "M. Sato"}
 ROOMS_JAPANESE = {"living": "居間", "kitchen": "台所", "bed": "寝室", "study": "書斎", "bath": "浴室",
-                  "hall": "玄関ﾎｰﾙ", "title": "１階平面図　縮尺 1:100", "name": "住宅平面図", "designer": "佐藤"}
+                  "hall": "ﾎｰﾙ", "title": "１階平面図　縮尺 1:100", "name": "住宅平面図", "designer": "佐藤"}
 
 
 def floor_plan(words, encoding):
@@ -304,6 +315,119 @@ def floor_plan(words, encoding):
     return d
 
 
+SHAFT = {"name": "Drive shaft", "designer": "T. Suzuki", "section": "A-A", "grip": "Grip", "scale": "Scale 1:1",
+         "material": "Material [SCM440]", "heat": ("Heat treatment:", "28-32 HRC, seats ground"),
+         "notes": ("Break all edges without note 0.3 x 45 degrees. Ground faces Ra 0.8, all others Ra 6.3. Oil well.",
+                   "Run-out of the seats 0.01 between the centres. Keyway to fit the key 10 x 8 x 50, no burrs left.")}
+SHAFT_JAPANESE = {"name": "駆動軸", "designer": "鈴木", "section": "断面 A-A", "grip": "ｸﾞﾘｯﾌﾟ", "scale": "尺度 1:1",
+                  "material": "材質 [SCM440]", "heat": ("熱処理：焼入焼戻し", "HRC28～32　表面は研削仕上げ"),
+                  "notes": ("指示なき角部は C0.3 とする。研削面は Ra0.8、その他は Ra6.3。軸受座の振れは 0.01 以下。",
+                            "ｷｰ溝は平行ｷｰ 10x8x50 に合わせる。加工後は脱脂し、防錆油を塗布して梱包すること。")}
+
+
+def drive_shaft(words, encoding):
+    """A stepped shaft with a keyway, its section, and a layer of construction lines that is not shown."""
+    d = Drawing(words["name"], "DS-0350-02", words["designer"], 420, 297, 0, encoding)
+    d.hidden, d.current = ("CONSTRUCTION",), "DIMENSION"
+    d.layer = "FRAME"
+    d.box(5, 5, 415, 292)
+    d.box(275, 5, 415, 45)
+    d.path((275, 32), (415, 32))
+    d.path((275, 19), (415, 19))
+    d.path((340, 5), (340, 19))
+    d.text(279, 34.5, 11, d.name)
+    d.text(279, 23, 4, words["material"])
+    d.text(411, 25.5, 4, d.designer, 0, RIGHT, HALF)
+    d.text(279, 9.5, 4, d.number)
+    d.text(411, 14.5, 4, words["scale"], 0, RIGHT, TOP)
+    d.line(5, 297, 420, 0)
+    d.erase_last()
+
+    cy = 205
+    steps = [(30, 85, 30), (85, 150, 40), (150, 168, 60), (168, 265, 44), (265, 325, 36), (325, 375, 24)]
+    d.layer = "CONSTRUCTION"
+    for x1, x2, diameter in steps:
+        for half in (-diameter / 2, diameter / 2):
+            d.line(0, cy + half, 420, cy + half)
+        d.line(x1, 0, x1, 297)
+    d.circle(216, cy, 80)
+
+    d.layer = "PART"
+    for x1, x2, diameter in steps:
+        first, last = max(x1, 32), min(x2, 373)  # the ends are chamfered
+        d.line(first, cy + diameter / 2, last, cy + diameter / 2)
+        d.line(first, cy - diameter / 2, last, cy - diameter / 2)
+    for (x1, _, diameter), (_, _, before) in zip(steps, [(0, 0, 0), *steps]):
+        half = max(diameter, before) / 2 - (2 if before == 0 else 0)
+        d.line(x1, cy - half, x1, cy + half)
+    d.line(375, cy - 10, 375, cy + 10)
+    for end, inner, half in ((30, 32, 15), (375, 373, 12)):
+        d.line(inner, cy - half, inner, cy + half)
+        for side in (-1, 1):
+            d.line(inner, cy + side * half, end, cy + side * (half - 2))
+            d.line(inner, cy + side * half, end, cy + side * half)  # the corner as it was
+            d.erase_last()
+    for side in (-1, 1):  # the root of the thread
+        d.line(330, cy + side * 9.5, 375, cy + side * 9.5, HIDDEN)
+    d.arc(190, cy, 5, 90, 270)  # the keyway
+    d.arc(240, cy, 5, 270, 90)
+    d.line(190, cy + 5, 240, cy + 5)
+    d.line(190, cy - 5, 240, cy - 5)
+    for side in (-1, 1):  # the bearing that belongs on its seat
+        d.box(272, cy + side * 18, 304, cy + side * 36, DASHED)
+    d.line(20, cy, 385, cy, CENTER)
+    d.layer = "TEXTURE"  # the grip is knurled
+    for column in range(11):
+        for row in range(6):
+            d.point(36 + column * 4.5, cy - 12 + row * 4.8 + column % 2 * 2.4)
+
+    sx, sy, r = 90, 78, 44  # the section, twice as large, hatched
+    d.layer = "PART"
+    notch = math.degrees(math.asin(10 / r))
+    edge = r * math.cos(math.radians(notch))
+    d.arc(sx, sy, r, 90 + notch, 90 - notch)
+    d.path((sx - 10, sy + edge), (sx - 10, sy + 34), (sx + 10, sy + 34), (sx + 10, sy + edge))
+    d.axes(sx, sy, r + 6)
+    d.layer = "HATCH"
+    diagonal = math.sqrt(0.5)
+    for k in range(-6, 7):
+        offset = k * 7.0  # from the centre, along the normal of the hatch
+        reach = math.sqrt(r * r - offset * offset)
+        points = [(sx + (c - offset) * diagonal, sy + (c + offset) * diagonal)
+                  for c in (i / 2 for i in range(int(-2 * reach), int(2 * reach) + 1))]
+        start = last = None
+        for point in [*points, None]:  # a stroke ends at the keyway and at the edge
+            if point and not (abs(point[0] - sx) < 10 and point[1] - sy > 34):
+                start, last = start or point, point
+            elif start:
+                d.line(*start, *last)
+                start = None
+    d.layer = "NOTE"
+    d.line(30, cy + 40, 30 + 36, cy + 40)
+    d.line(58, cy + 8, 48, cy + 40, marks=(DOT, NONE))
+    d.text(32, cy + 43, 12, words["grip"])
+    for side in (-1, 1):  # where the section is taken
+        d.line(192, cy + side * 28, 192, cy + side * 40)
+        d.line(192, cy + side * 40, 176, cy + side * 40, marks=(NONE, ARROW), mark_size=6)
+    d.text(sx, sy - r - 20, 12, words["section"], 0, MIDDLE)
+    for i, line in enumerate(words["heat"]):
+        d.text(178, 92 - 16 * i, 11, line)
+    for i, line in enumerate(words["notes"]):
+        d.text(178, 66 - 8 * i, 4, line)
+    d.line(375, cy - 10, 395, cy + 10)  # the angle of the chamfer
+    d.arc(373, cy - 12, 26, 0, 45, marks=(ARROW, ARROW))
+    d.line(378, cy - 12, 403, cy - 12)
+    d.text(387, cy + 16, 11, "45°")
+
+    d.layer = "DIMENSION"
+    d.dimension(168, cy - 22, 265, cy - 22, -25, "97", 12)
+    d.dimension(30, cy - 12, 375, cy - 12, -58, "345", 12)
+    d.dimension(150, cy + 30, 168, cy + 30, 22, "18", 12)
+    d.dimension(265, cy + 18, 325, cy + 18, 24, "60", 12)
+    d.dimension(sx + 10, sy - r, sx + 10, sy + 34, -60, "39", 12)
+    return d
+
+
 # ---- Formats of drawings ----
 
 
@@ -348,14 +472,27 @@ def dxf(drawing):
         groups((0, "LAYER"), (2, layer), (70, 64), (62, 7), (6, SOLID))
     groups((0, "ENDTAB"), (0, "ENDSEC"), (0, "SECTION"), (2, "ENTITIES"))
 
-    for item in drawing.items:
+    def line(item, x1, y1, x2, y2, pen):
+        entity("LINE", item, pen)
+        coordinates(10, x1, y1)
+        coordinates(11, x2, y2)
+
+    def arrow(item, x, y, angle):
+        for side in (-12, 12):
+            a = math.radians(angle + side)
+            line(item, x, y, x + item.mark_size * math.cos(a), y + item.mark_size * math.sin(a), SOLID)
+
+    for item in drawing.visible():
         if isinstance(item, Point):
             entity("POINT", item, SOLID)
             coordinates(10, item.x, item.y)
         elif isinstance(item, Line):
-            entity("LINE", item, item.pen)
-            coordinates(10, item.x1, item.y1)
-            coordinates(11, item.x2, item.y2)
+            line(item, item.x1, item.y1, item.x2, item.y2, item.pen)
+            angle = math.degrees(math.atan2(item.y2 - item.y1, item.x2 - item.x1))
+            if item.marks[0] == ARROW:
+                arrow(item, item.x1, item.y1, angle)
+            if item.marks[1] == ARROW:
+                arrow(item, item.x2, item.y2, angle + 180)
         elif isinstance(item, Arc):
             full = item.end - item.start == 360
             entity("CIRCLE" if full else "ARC", item, item.pen)
@@ -375,7 +512,259 @@ def dxf(drawing):
     return "".join(line + "\r\n" for line in lines).encode(drawing.encoding)
 
 
+# Native and backup drawings: a header, then records of 64 bytes; everything little-endian. Pens and kinds by number.
+PENS = {SOLID: 0, DASHED: 2, CENTER: 3, HIDDEN: 5}
+POINT_RECORD, LINE_RECORD, ARC_RECORD, TEXT_RECORD, MORE_TEXT_RECORD = 1, 2, 4, 8, 9
+SHOWN, ERASED = 0, 0x4000  # status of a record
+FILLER = 0xA5  # stands in bytes that nobody has written: record status A5 25 and tail A5 A5 A5 A5 A5 A5 mean zeros
+LAST_LINK = 65535
+UP = {BASELINE: 0, HALF: 1, TOP: 2}
+CELL, NARROW_CELL, SPACING = 0.5, 0.36, 0.04  # of a text's height: half a full-width character, the gap between two
+
+
+def plain(text, encoding):
+    return text.replace("%%c", "φ" if encoding == JAPANESE else "ø").encode(encoding)
+
+
+def slot(text, size):
+    """A text in a slot of the header: cut, closed by a zero, padded with zeros."""
+    return text.encode(JAPANESE)[:size - 1].ljust(size, b"\0")
+
+
+def put_title(buffer, drawing, offset, size):
+    """Drawing name, drawing number and designer, one slot after the other."""
+    for i, text in enumerate((drawing.name, drawing.number, drawing.designer)):
+        struct.pack_into(f"{size}s", buffer, offset + i * size, slot(text, size))
+
+
+def lower_left(text, length, across, up):
+    """Where a text of that length begins, when (x, y) is the corner or middle that `across` and `up` name."""
+    a = math.radians(text.angle)
+    back, down = length * across / 2, text.height * UP[up] / 2
+    return (text.x - back * math.cos(a) + down * math.sin(a), text.y - back * math.sin(a) - down * math.cos(a))
+
+
+def element_record(item, layer, status, dx=0.0, dy=0.0, cell=CELL):
+    """
+     0  u16  status
+     4  u16  kind in the low 4 bits
+     7  u8   layer
+    16       point  f64 x, y
+             line   f64 x1, y1, x2, y2; u16 attributes (at 48)
+             arc    f64 centre x, y, radius, start angle, end angle; u16 attributes (at 56)
+             text   f32 x, y, height, full-width character's width, spacing, angle; u16 justification (at 44)
+    Attributes: pen << 4, mark at the first end << 8, mark at the second end << 11 (0 none, 1 arrowhead, 2 dot).
+    Justification: vertical << 5 (0 bottom, 1 middle, 2 top), horizontal << 7 (0 left, 1 middle, 2 right).
+    """
+    record = bytearray(64)
+
+    def head(kind):
+        struct.pack_into("<HHHBB", record, 0, status, 0, kind, 0, layer)
+
+    def attributes(offset):
+        struct.pack_into("<H", record, offset, PENS[item.pen] << 4 | item.marks[0] << 8 | item.marks[1] << 11)
+
+    if isinstance(item, Point):
+        head(POINT_RECORD)
+        struct.pack_into("<2d", record, 16, item.x + dx, item.y + dy)
+    elif isinstance(item, Line):
+        head(LINE_RECORD)
+        struct.pack_into("<4d", record, 16, item.x1 + dx, item.y1 + dy, item.x2 + dx, item.y2 + dy)
+        attributes(48)
+    elif isinstance(item, Arc):
+        head(ARC_RECORD)
+        struct.pack_into("<5d", record, 16, item.x + dx, item.y + dy, item.radius, item.start, item.end)
+        attributes(56)
+    else:
+        head(TEXT_RECORD)
+        struct.pack_into("<6f", record, 16, item.x + dx, item.y + dy, item.height, 2 * cell * item.height,
+                         SPACING * item.height, item.angle)
+        struct.pack_into("<H", record, 44, UP[item.up] << 5 | item.across << 7)
+    return record
+
+
+@dataclass(frozen=True)
+class Edition:
+    signature: bytes
+    version: int
+    header: int  # bytes
+    layers: int
+    layer_step: int  # between the numbers that a drawing's layers get
+
+
+EDITION_A = Edition(b"CAD ORVIL QA V4.0", 4, 1024, 16, 1)
+EDITION_B = Edition(b"LumosBase", 20, 12704, 256, 25)
+
+
+def native(drawing, edition, origin=None):
+    """
+      0   4    "LMOS" when the drawing has an origin
+      4  17    signature (edition A) or 9 (edition B)
+     25   1    version
+     32  6x8   f64 sheet maximum x, y, minimum x, y (0 with an origin), origin x, y
+    106  3x42  drawing name, drawing number, designer: texts that end with a zero
+    242   2    u16 number of records
+    248   2    u16 current layer
+    250  2xn   u16 for each of the 16 (edition A) or 256 (edition B) layers: not 0 when shown
+    1024 (edition A) or 12704 (edition B): the records
+
+    With an origin, positions count from the sheet's lower left corner and the origin is what the user sees as (0, 0).
+
+    A text's first 14 bytes stand at 48 of its record, then the number of the record that goes on (the first one is 1)
+    or 65535; a record that goes on holds 46 bytes at 16 and such a number at 62. Texts are Shift_JIS.
+    """
+    min_x, min_y, max_x, max_y = drawing.extents()
+    dx, dy = (-min_x, -min_y) if origin else (0.0, 0.0)
+    numbers = {name: 1 + i * edition.layer_step for i, name in enumerate(drawing.layers())}
+    header = bytearray(edition.header)
+    struct.pack_into("<4s17s", header, 0, b"LMOS" if origin else b"", edition.signature)
+    header[25] = edition.version
+    if origin:
+        struct.pack_into("<6d", header, 32, max_x + dx, max_y + dy, 0.0, 0.0, *origin)
+    else:
+        struct.pack_into("<4d", header, 32, max_x, max_y, min_x, min_y)
+    put_title(header, drawing, 106, 42)
+    current = numbers.get(drawing.current, 0)
+    struct.pack_into("<H", header, 248, current)
+    for name, number in numbers.items():
+        shown = name not in drawing.hidden and number != current  # the current layer needs no flag
+        struct.pack_into("<H", header, 250 + 2 * number, int(shown))
+
+    cell = CELL if drawing.encoding == JAPANESE else NARROW_CELL  # Latin letters are drawn full-width and get long
+    records = []
+
+    def add_text(item, record, layer):
+        text = plain(item.text, JAPANESE)
+        chunks = [text[:14]] + [text[at:at + 46] for at in range(14, len(text), 46)]
+        last = len(chunks) - 1
+        for i, chunk in enumerate(chunks):
+            if i > 0:
+                record = bytearray(64)
+                struct.pack_into("<HHHBB", record, 0, SHOWN, 0, MORE_TEXT_RECORD, 0, layer)
+            struct.pack_into("14s" if i == 0 else "46s", record, 48 if i == 0 else 16, chunk)
+            struct.pack_into("<H", record, 62, LAST_LINK if i == last else len(records) + 2)
+            records.append(record)
+
+    for item in drawing.items:
+        layer = numbers[item.layer]
+        if isinstance(item, Text):
+            if item.across != LEFT:  # written by its left end: a preview takes a text for half as long as it draws it
+                length = len(plain(item.text, JAPANESE).decode(JAPANESE)) * (2 * cell + SPACING) * item.height
+                x, y = lower_left(item, length, item.across, item.up)
+                item = Text(x, y, item.height, item.text, item.angle, LEFT, BASELINE, item.layer)
+            add_text(item, element_record(item, layer, SHOWN, dx, dy, cell), layer)
+            continue
+        status = ERASED if item in drawing.erased else SHOWN
+        record = element_record(item, layer, status, dx, dy)
+        record[58:64] = bytes([FILLER] * 6)
+        if item.layer in ("FRAME", "AXIS") and status == SHOWN:
+            record[0:2] = b"\xA5\x25"
+        records.append(record)
+    struct.pack_into("<H", header, 242, len(records))
+    return bytes(header) + b"".join(records)
+
+
+def backup(drawing):
+    """
+      0  23    signature
+     24  260   description
+    284  3x42  drawing name, drawing number, designer: texts that end with a zero
+    410  4x8   f64 minimum x, y, maximum x, y
+    442   4    u32 number of records
+    446        the records, as in native drawings, without end marks and links; a text has its number of characters
+               (u16) at 46, the width at 28 is one character's, and the text itself is not kept
+    There are 16 layers, all shown: what is hidden is kept as erased.
+    """
+    numbers = {name: i % 16 for i, name in enumerate(drawing.layers())}
+    header = bytearray(446)
+    struct.pack_into("23s", header, 0, b"VEXTRON lumos Backup V2")
+    struct.pack_into("260s", header, 24, slot(f"{drawing.number} {drawing.name}", 260))
+    put_title(header, drawing, 284, 42)
+    records = []
+    for item in drawing.items:
+        hidden = item in drawing.erased or item.layer in drawing.hidden
+        record = element_record(item, numbers[item.layer], ERASED if hidden else SHOWN)
+        if isinstance(item, Text):
+            count = len(item.text)
+            length = len(plain(item.text, JAPANESE)) * CELL * item.height
+            struct.pack_into("<f", record, 28, length / count)
+            struct.pack_into("<H", record, 46, count)
+        records.append(record)
+    struct.pack_into("<4dI", header, 410, *drawing.extents(), len(records))
+    return bytes(header) + b"".join(records)
+
+
+def exf(drawing):
+    """
+    Lines of a key, a blank and values with commas between them; a line that begins with ";" is a remark.
+      FIGRNAME, FIGRNUMB, DESIGNER   a text to the line's end
+      AR  minimum x, y, maximum x, y; before everything that is drawn
+      GP  layer, x, y, attributes
+      GL  layer, x1, y1, x2, y2, attributes
+      GA  layer, centre x, y, radius, start angle, end angle, attributes
+      GT  x, y of the lower left corner, full-width character's width, height, spacing, angle, 0, attributes 'text'
+    Attributes are hexadecimal: pen, mark at the first end << 4, mark at the second end << 7 (0 none, 1 dot,
+    2 arrowhead: not as in native drawings).
+    """
+    marks = {NONE: 0, DOT: 1, ARROW: 2}
+    numbers = {name: i + 1 for i, name in enumerate(drawing.layers())}
+
+    def value(number):
+        return f"{number:.4f}".rstrip("0").rstrip(".") if isinstance(number, float) else str(number)
+
+    def values(*numbers_):
+        return ",".join(map(value, numbers_))
+
+    def attributes(item):
+        return f"{PENS[item.pen] | marks[item.marks[0]] << 4 | marks[item.marks[1]] << 7:x}"
+
+    lines = [f"; {drawing.number}", f"FIGRNAME {drawing.name}", f"FIGRNUMB {drawing.number}",
+             f"DESIGNER {drawing.designer}", "AR " + values(*drawing.extents())]
+    layer = None
+    for item in drawing.visible():
+        if item.layer != layer:
+            layer = item.layer
+            lines += ["", f"; {layer.lower()}"]
+        number = numbers[layer]
+        if isinstance(item, Point):
+            lines.append(f"GP {values(number, item.x, item.y)},0")
+        elif isinstance(item, Line):
+            lines.append(f"GL {values(number, item.x1, item.y1, item.x2, item.y2)},{attributes(item)}")
+        elif isinstance(item, Arc):
+            lines.append(f"GA {values(number, item.x, item.y, item.radius, item.start, item.end)},{attributes(item)}")
+        else:
+            text = plain(item.text, drawing.encoding)
+            cell = CELL * item.height
+            x, y = lower_left(item, len(text) * cell, item.across, item.up)
+            lines.append(f"GT {values(x, y, 2 * cell, item.height, 0, item.angle, 0)},6 "
+                         f"'{text.decode(drawing.encoding)}'")
+    return "".join(line + "\r\n" for line in lines).encode(drawing.encoding)
+
+
 # ---- Files of other kinds ----
+
+
+def title_only(drawing, signature, offset, size, length):
+    """A drawing of which only the title block is known: the signature at 4, three slots of that size at that offset."""
+    head = bytearray(length)
+    struct.pack_into("11s", head, 4, signature)
+    put_title(head, drawing, offset, size)
+    return bytes(head)
+
+
+def qj(drawing):
+    return title_only(drawing, b"CADORVIL QJ", 144, 42, 512)
+
+
+def qf(drawing):
+    return title_only(drawing, b"CADORVIL QF", 576, 48, 1024)
+
+
+def command_file(drawing, file, remarks):
+    """A text; the first line of that form names the drawing to preview, beside the command file."""
+    lines = [f"; {remarks}", f"; {drawing.number} {drawing.name}", "", f'DIALOG_PREVIEW "{file}"',
+             f'LOAD "{file}"', "ZOOM ALL", "PLOT A3"]
+    return "".join(line + "\r\n" for line in lines).encode(drawing.encoding)
 
 
 def nc_program(drawing):
@@ -501,11 +890,30 @@ def stress_plot():
 PLATE = mounting_plate()
 HOUSE = floor_plan(ROOMS, ANSI_CODEPAGE)
 HOUSE_JAPANESE = floor_plan(ROOMS_JAPANESE, JAPANESE)
+AXLE = drive_shaft(SHAFT, ANSI_CODEPAGE)
+AXLE_JAPANESE = drive_shaft(SHAFT_JAPANESE, JAPANESE)
+HOUSE_ORIGIN = (1500.0, 3200.0)  # the outer corner of the walls, from the sheet's lower left corner
 
 SAMPLES = {
     "mounting_plate.dxf": lambda: dxf(PLATE),
     "house_plan.dxf": lambda: dxf(HOUSE),
     "house_plan_ja.dxf": lambda: dxf(HOUSE_JAPANESE),
+    "mounting_plate.qa": lambda: native(PLATE, EDITION_A),
+    "house_plan.qa": lambda: native(HOUSE, EDITION_A, HOUSE_ORIGIN),
+    "drive_shaft.lms": lambda: native(AXLE, EDITION_B),
+    "drive_shaft_ja.lms": lambda: native(AXLE_JAPANESE, EDITION_B),
+    "house_plan.lms": lambda: native(HOUSE, EDITION_B, HOUSE_ORIGIN),
+    "house_plan_ja.lms": lambda: native(HOUSE_JAPANESE, EDITION_B, HOUSE_ORIGIN),
+    "drive_shaft.lbk": lambda: backup(AXLE),
+    "drive_shaft_ja.lbk": lambda: backup(AXLE_JAPANESE),
+    "house_plan.exf": lambda: exf(HOUSE),
+    "house_plan_ja.exf": lambda: exf(HOUSE_JAPANESE),
+    "drive_shaft.qj": lambda: qj(AXLE),
+    "drive_shaft_ja.qj": lambda: qj(AXLE_JAPANESE),
+    "house_plan.qf": lambda: qf(HOUSE),
+    "house_plan_ja.qf": lambda: qf(HOUSE_JAPANESE),
+    "plot_plate.cmd": lambda: command_file(PLATE, "mounting_plate.qa", "Plot the mounting plate"),
+    "plot_shaft_ja.cmd": lambda: command_file(AXLE_JAPANESE, "drive_shaft_ja.lms", "図面を表示して出力する"),
     "mounting_plate.nc": lambda: nc_program(PLATE),
     "machining_notes.txt": note_in_english,
     "machining_notes_ja.txt": note_in_japanese,

@@ -3,7 +3,7 @@
 //   kwbench.exe [--quick] [NAME...]                                        on Windows
 //   tools/winrun.sh en build/mingw/bin/kwbench.exe [--quick] [NAME...]     on Linux
 //
-// All benchmarks take about two and a half minutes, with --quick a quarter of one.
+// On an idle machine all benchmarks take about two and a half minutes, with --quick a quarter of one.
 #include "kwbench.h"
 
 #include <algorithm>

@@ -17,14 +17,15 @@ enum Call : std::int32_t {
     kEllipseArc,  // left, top, right, bottom, start x and y, end x and y
     kSelectFont,  // index
     kTextRun,     // x, y, offset in the texts, length
+    kEndMark,     // index
 };
 
 // ---- Recording
 
 struct Recorder {
     Recording out;
-    ViewTransform view = {};
     int pen = -1, font = -1;
+    Slot fieldE;  // of the renderer's record: lines take their end marks from what an earlier element left there
 
     void Add(Call call, std::initializer_list<std::int32_t> arguments) {
         out.calls.push_back(call);
@@ -42,10 +43,12 @@ struct Recorder {
         NeedPen(penIndex);
         Add(kSegment, {from.x, from.y, to.x, to.y});
     }
-    int Pixels(double length) const { return TruncToInt32(length * view.scaleX + 0.5); }
+    int Pixels(double length) const { return TruncToInt32(length * out.view.scaleX + 0.5); }
 };
 
-static double Radians(double degrees) { return degrees * (3.14159265358979323846 / 180); }
+static constexpr double kPi = 3.14159265358979323846;
+static double Radians(double degrees) { return degrees * (kPi / 180); }
+static double Degrees(double radians) { return radians * (180 / kPi); }
 
 // The canvas pen of a line type.
 static int PenOf(const char* lineType) {
@@ -62,19 +65,35 @@ static int PenOf(const char* lineType) {
 
 static void RecordPoint(Recorder* recorder, const Entity& point) {
     const double x = point.x1.Value(), y = point.y1.Value();
-    if (PointInWindow(recorder->view, x, y)) recorder->Pixel(MapPoint(recorder->view, x, y));
+    if (PointInWindow(recorder->out.view, x, y)) recorder->Pixel(MapPoint(recorder->out.view, x, y));
+}
+
+static void RecordEndMark(Recorder* recorder, const Entity& line, std::uint32_t code, double x, double y,
+                          double angleDegrees) {
+    if (code != kMarkArrow && code != kMarkDot) return;
+    const ViewTransform& view = recorder->out.view;
+    const double size = 0.015 * std::hypot(view.worldMaxX - view.worldMinX, view.worldMaxY - view.worldMinY);
+    recorder->NeedPen(PenOf(line.lineType));
+    recorder->Add(kEndMark, {static_cast<std::int32_t>(recorder->out.endMarks.size())});
+    recorder->out.endMarks.push_back({code, x, y, angleDegrees, size});
 }
 
 static void RecordLine(Recorder* recorder, const Entity& line) {
     double x1 = line.x1.Value(), y1 = line.y1.Value(), x2 = line.x2.Value(), y2 = line.y2.Value();
-    if (!ClipSegmentToWindow(recorder->view, &x1, &y1, &x2, &y2)) return;
-    recorder->Segment(PenOf(line.lineType), MapPoint(recorder->view, x1, y1), MapPoint(recorder->view, x2, y2));
+    if (!ClipSegmentToWindow(recorder->out.view, &x1, &y1, &x2, &y2)) return;
+    recorder->Segment(PenOf(line.lineType), MapPoint(recorder->out.view, x1, y1), MapPoint(recorder->out.view, x2, y2));
+    const std::uint32_t marks = recorder->fieldE.EndMarks();
+    const double angle = Degrees(std::atan2(y2 - y1, x2 - x1));
+    RecordEndMark(recorder, line, marks & 0xFFFF, x1, y1, angle);
+    RecordEndMark(recorder, line, marks >> 16, x2, y2, angle + 180);
 }
 
 static void RecordArc(Recorder* recorder, const Entity& arc, double start, double end) {
-    const ViewTransform& view = recorder->view;
-    if (start >= end) end += 360;
-    const double x = arc.x1.Value(), y = arc.y1.Value(), radius = arc.size.Value(), sweep = end - start;
+    const ViewTransform& view = recorder->out.view;
+    recorder->fieldE.Set(end);
+    if (end == 360) end = 0;
+    const double sweep = start >= end ? end + 360 - start : end - start;
+    const double x = arc.x1.Value(), y = arc.y1.Value(), radius = arc.size.Value();
     const POINT centre = MapPoint(view, x, y);
     const POINT from = MapPoint(view, x + radius * std::cos(Radians(start)), y + radius * std::sin(Radians(start)));
     const POINT to = MapPoint(view, x + radius * std::cos(Radians(end)), y + radius * std::sin(Radians(end)));
@@ -112,6 +131,7 @@ static int FontIndex(std::vector<RecordedFont>* fonts, const RecordedFont& wante
 }
 
 static void RecordText(Recorder* recorder, const Entity& text) {
+    recorder->fieldE.Set(0);  // the space between characters
     const double height = text.size.Value();
     const double width = height * (text.hasWidthFactor ? text.widthFactor.Value() : 1.0);
     const double degrees = text.hasAngle ? text.startDegrees.Value() : 0;
@@ -124,7 +144,7 @@ static void RecordText(Recorder* recorder, const Entity& text) {
     const double toLeft[] = {0, total / 2, total}, toTop[] = {height, height, height / 2, 0};
     const double dx = x - toLeft[text.horizontal] - x, dy = y + toTop[text.vertical] - y;
     const double cosine = std::cos(Radians(degrees)), sine = std::sin(Radians(degrees));
-    const POINT at = MapPoint(recorder->view, x + dx * cosine - dy * sine, y + dx * sine + dy * cosine);
+    const POINT at = MapPoint(recorder->out.view, x + dx * cosine - dy * sine, y + dx * sine + dy * cosine);
 
     const int font = FontIndex(&recorder->out.fonts, wanted);
     if (font != recorder->font) recorder->Add(kSelectFont, {font});
@@ -138,14 +158,14 @@ Recording RecordPreview(const Drawing& drawing, DWORD renderMode, const RECT& ta
     Recorder recorder;
     recorder.out.renderMode = renderMode;
     recorder.out.target = target;
-    FitViewTransform(drawing.extents, target, &recorder.view);
+    FitViewTransform(drawing.extents, target, &recorder.out.view);
     EntityStream entities;
     for (std::size_t i = 0; i < drawing.entityCount; ++i) {
         const Entity entity = entities.Next();
         switch (entity.kind) {
             case EntityKind::kPoint: RecordPoint(&recorder, entity); break;
             case EntityKind::kLine: RecordLine(&recorder, entity); break;
-            case EntityKind::kCircle: RecordArc(&recorder, entity, 0, 0); break;
+            case EntityKind::kCircle: RecordArc(&recorder, entity, 0, 360); break;
             case EntityKind::kArc:
                 RecordArc(&recorder, entity, entity.startDegrees.Value(), entity.endDegrees.Value());
                 break;
@@ -209,6 +229,12 @@ HBITMAP Replay(const Recording& recording) {
                 TextOutA(dc, argument[0], argument[1], recording.texts.data() + argument[2], argument[3]);
                 call += 5;
                 break;
+            case kEndMark: {
+                const RecordedEndMark& mark = recording.endMarks[static_cast<std::size_t>(argument[0])];
+                DrawEndMark(dc, recording.view, mark.code, mark.x, mark.y, mark.angleDegrees, mark.size);
+                call += 2;
+                break;
+            }
         }
     }
     return ReleaseCanvasBitmap(&canvas);

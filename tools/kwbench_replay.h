@@ -17,11 +17,18 @@ struct RecordedFont {
     int height, width, escapement;  // as in LOGFONTA, the height positive
 };
 
+struct RecordedEndMark {  // arguments of DrawEndMark: a few in a hundred thousand lines
+    std::uint32_t code;
+    double x, y, angleDegrees, size;
+};
+
 struct Recording {
     DWORD renderMode = 0;
     RECT target = {};
+    ViewTransform view = {};
     std::vector<std::int32_t> calls;  // each a code of ours and its arguments
     std::vector<RecordedFont> fonts;
+    std::vector<RecordedEndMark> endMarks;
     std::string texts;  // all strings, one behind the other
     std::size_t callCount = 0;
 };

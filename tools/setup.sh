@@ -32,7 +32,6 @@ need() {  # PACKAGE WHAT-FOR TEST...: notes the package unless the test succeeds
 }
 
 find_missing() {
-  missing=()
   need g++-mingw-w64-i686-win32 "the compiler" command -v i686-w64-mingw32-g++
   need cmake "configures the build" command -v cmake
   need ninja-build "builds" command -v ninja
@@ -46,9 +45,8 @@ find_missing() {
   fi
 }
 
-# What making the root needs; looked for only when it is really to be made.
-find_missing_for_root() {
-  missing=()
+# What making the root needs; looked for only when one is to be made.
+add_missing_for_root() {
   need mmdebstrap "makes the root that Windows programs run in" command -v mmdebstrap
   need arch-test "tells whether 32-bit programs run here" command -v arch-test
   is_root || need uidmap "lets an ordinary user make that root" command -v newuidmap
@@ -79,6 +77,7 @@ install_missing() {
     fail "apt-get did not install $package (its last words stand above)"
   done
   rm -f "$log"
+  missing=()
 }
 
 check_versions() {
@@ -252,6 +251,12 @@ follow() {  # PROCESS LOG
   wait "$1"
 }
 
+check_space() {  # FOLDER MEGABYTES VARIABLE
+  local free
+  free=$(df --output=avail -m "$1" | tail -n1)
+  [ "$free" -ge "$2" ] || fail "$1 has ${free// /} MB free, and $2 MB are needed ($3 names another folder)"
+}
+
 make_root() {
   exec 8>"$cache/lock"
   if ! flock -n 8; then
@@ -262,12 +267,11 @@ make_root() {
 
   say "no Windows root yet: making one in $windows_base (once for this machine, about 2 GB)"
   check_kernel
-  find_missing_for_root
+  add_missing_for_root
   install_missing
   arch-test i386 >/dev/null 2>&1 || fail "this machine cannot run 32-bit x86 programs, which Wine here consists of"
-  local free
-  free=$(df --output=avail -k "$cache" | tail -n1)
-  [ "$free" -ge 3500000 ] || fail "$cache has $((free / 1024)) MB free; 3500 MB are needed (KWDIALOGS_CACHE names another place)"
+  check_space "$cache" 3500 KWDIALOGS_CACHE
+  is_root || check_space "${TMPDIR:-/tmp}" 2000 TMPDIR  # mmdebstrap works there for an ordinary user
   find_mirror
   rm -rf --one-file-system "$windows_base".new.*  # left by a run that was killed; nobody else builds now
   new=$(mktemp -d "$windows_base.new.XXXXXX")
@@ -288,6 +292,8 @@ case ${1:-} in
   *) fail "unknown argument $1" ;;
 esac
 find_missing
+# With these in the same list, an ordinary user has to ask for packages once only.
+[ -d "$windows_base" ] || command -v wine >/dev/null || add_missing_for_root
 install_missing
 check_versions
 if command -v wine >/dev/null && try_machine_wine; then exit 0; fi

@@ -128,6 +128,9 @@ run_on_machine() {  # LANG DESKTOP PROGRAM ARGUMENTS...
   case $1 in
     *.exe | *.EXE) set -- wine "$@" ;;
   esac
+  # shellcheck disable=SC2016  # the inner shell expands it
+  # Wine's own processes end before their screen does, or they complain about that.
+  set -- bash -c '"$@"; code=$?; wineserver -k 2>/dev/null; exit $code' winrun "$@"
   [ "${KWDIALOGS_DISPLAY:-}" = host ] || set -- xvfb-run -a -s "-screen 0 $screen -nolisten tcp" "$@"
   "$@" 9>&- || code=$?
   exit $code

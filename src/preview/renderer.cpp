@@ -147,11 +147,21 @@ bool ClipSegmentToWindow(const ViewTransform& view, double* x1, double* y1, doub
 
 // ---- Elements
 
+// GDI's device space has 27 bits and a sign. Nothing that reaches beyond it is handed on: not every GDI survives its
+// own sums there.
+static bool IsInDeviceSpace(POINT point) {
+    constexpr LONG kLimit = 1 << 27;
+    return point.x > -kLimit && point.x < kLimit && point.y > -kLimit && point.y < kLimit;
+}
+
 static void DrawLineBetween(HDC dc, POINT from, POINT to) {
+    if (!IsInDeviceSpace(from) || !IsInDeviceSpace(to)) return;
     if (from.x == to.x && from.y == to.y) return;  // GDI leaves the last pixel out: there is none
     MoveToEx(dc, from.x, from.y, nullptr);
     LineTo(dc, to.x, to.y);
 }
+
+constexpr std::int32_t kMaxRadius = 32766;  // GDI draws no larger arc
 
 // End marks grow with the visible window's diagonal.
 static double EndMarkSize(const ViewTransform& view) {
@@ -167,6 +177,9 @@ static void DrawArrowhead(HDC dc, const ViewTransform& view, double x, double y,
         MapPoint(view, x, y),
         MapPoint(view, x + along * cosine + across * sine, y + along * sine - across * cosine),
     };
+    for (const POINT& corner : corners) {
+        if (!IsInDeviceSpace(corner)) return;
+    }
     Polygon(dc, corners, 3);
 }
 
@@ -174,10 +187,9 @@ static void DrawDot(HDC dc, const ViewTransform& view, double x, double y, doubl
     std::int32_t radius = LowInt32(MapLength(view, size * 0.5));
     if (radius < 2) radius = 2;
     const POINT centre = MapPoint(view, x, y);
-    const int right = WrappingAdd(WrappingAdd(centre.x, radius), 1);
-    const int bottom = WrappingAdd(WrappingAdd(centre.y, radius), 1);
-    Chord(dc, WrappingSubtract(centre.x, radius), WrappingSubtract(centre.y, radius), right, bottom, right, centre.y,
-          right, centre.y);
+    if (!IsInDeviceSpace(centre) || radius > kMaxRadius) return;
+    const int right = centre.x + radius + 1;
+    Chord(dc, centre.x - radius, centre.y - radius, right, centre.y + radius + 1, right, centre.y, right, centre.y);
 }
 
 // Brings an end mark's direction into 0 up to 360 degrees.
@@ -221,9 +233,8 @@ static double NormalizeArcAngle(double degrees) {
 static void DrawArc(HDC dc, const ViewTransform& view, const PreviewPrimitive& arc) {
     const double radius = arc.c;
     const double start = NormalizeArcAngle(arc.d);
-    double end = NormalizeArcAngle(arc.e.AsDouble());
-    if (start >= end) end += 360;
-    const double sweep = end - start;
+    const double end = NormalizeArcAngle(arc.e.AsDouble());
+    const double sweep = start >= end ? end + 360 - start : end - start;
 
     const double startX = arc.a + radius * std::cos(ToRadians(start)),
                  startY = arc.b + radius * std::sin(ToRadians(start));
@@ -239,12 +250,12 @@ static void DrawArc(HDC dc, const ViewTransform& view, const PreviewPrimitive& a
         return;
     }
     const bool isShort = static_cast<std::uint32_t>(pixels) * ToRadians(sweep) <= 12.0 && !fullTurn;
-    if (isShort || pixels < 0 || pixels >= 32767) {  // GDI takes no larger radius
+    if (isShort || pixels < 0 || pixels > kMaxRadius) {
         DrawLineBetween(dc, from, to);
         return;
     }
-    Arc(dc, WrappingSubtract(centre.x, pixels), WrappingSubtract(centre.y, pixels), WrappingAdd(centre.x, pixels),
-        WrappingAdd(centre.y, pixels), from.x, from.y, to.x, to.y);
+    if (!IsInDeviceSpace(centre) || !IsInDeviceSpace(from) || !IsInDeviceSpace(to)) return;
+    Arc(dc, centre.x - pixels, centre.y - pixels, centre.x + pixels, centre.y + pixels, from.x, from.y, to.x, to.y);
     const std::uint32_t marks = arc.f.EndMarks();
     if (marks == 0) return;
     const double size = EndMarkSize(view);
@@ -300,6 +311,7 @@ static void DrawTextElement(HDC dc, const ViewTransform& view, const PreviewPrim
         return;
     }
     const POINT at = MapPoint(view, text.a, text.b);
+    if (!IsInDeviceSpace(at)) return;
     const int previousExtra = SetTextCharacterExtra(dc, LowInt32(MapLength(view, text.e.AsDouble())));
     TextOutA(dc, at.x, at.y, text.g, static_cast<int>(strnlen(text.g, sizeof(text.g) - 1)));
     SetTextCharacterExtra(dc, previousExtra);

@@ -1,0 +1,87 @@
+#include "kit/numbers.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <random>
+
+#include "support/guard_block.h"
+
+static constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+TEST(Numbers, ParseDecimal) {
+    const struct {
+        const char* text;
+        double value;
+        std::size_t used;
+    } cases[] = {
+        // clang-format off
+        {"12.5", 12.5, 4}, {"-.5", -0.5, 3}, {"+3", 3, 2}, {"5.", 5, 2}, {"00012", 12, 5}, {"0", 0, 1},
+        {"   7", 7, 4}, {"  -7.25 ", -7.25, 7}, {"12abc", 12, 2}, {"1,5", 1, 1}, {"1 2", 1, 1},
+        {"1e3", 1000, 3}, {"1E+3", 1000, 4}, {"25e-2", 0.25, 5}, {"1e", 1, 1}, {"1e+", 1, 1}, {"2d4", 2, 1},
+        {"1e999", kInfinity, 5}, {"-1e999", -kInfinity, 6}, {"1e-999", 0, 6},                       // beyond the range
+        {"1e99999999999999999999", kInfinity, 22}, {"0.1000000000000000055511151231257827", 0.1, 36},
+        {"", 0, 0}, {"  ", 0, 0}, {".", 0, 0}, {"-", 0, 0}, {"+-3", 0, 0}, {"--3", 0, 0}, {"- 3", 0, 0}, {"e5", 0, 0},
+        {"0x10", 0, 1}, {"inf", 0, 0}, {"-infinity", 0, 0}, {"nan", 0, 0}, {"NAN(1)", 0, 0}, {"abc", 0, 0},
+        // clang-format on
+    };
+    for (const auto& c : cases) {
+        const GuardBlock text((std::string(c.text)));  // no zero behind it: the end is the view's
+        std::size_t used = 99;
+        EXPECT_EQ(ParseDecimal(text.View(), &used), c.value) << c.text;
+        EXPECT_EQ(used, c.used) << c.text;
+        EXPECT_EQ(ParseDecimal(text.View()), c.value) << c.text;
+    }
+}
+
+// Printed numbers of every length, with and without exponent, come back as the standard conversion reads them.
+TEST(Numbers, ParseDecimalIsRightToTheLastBit) {
+    std::mt19937_64 random(11);
+    for (int i = 0; i < 4000; ++i) {
+        const double value =
+            static_cast<double>(random() >> random() % 60) / static_cast<double>(1 + random() % 100000);
+        char text[400];
+        std::snprintf(text, sizeof(text), i % 3 ? "%.*f" : "%.*e", i % 18, i % 2 ? value : -value);
+        EXPECT_EQ(ParseDecimal({reinterpret_cast<const std::uint8_t*>(text), std::strlen(text)}),
+                  std::strtod(text, nullptr))
+            << text;
+    }
+    const std::string zeros(400, '0');
+    const struct {
+        std::string text;
+        double value;
+    } cases[] = {{"1" + zeros, kInfinity},           {"0." + zeros + "1", 0},
+                 {"1" + zeros + "e-800", 0},         {"0." + zeros + "1e800", kInfinity},
+                 {"-1" + zeros + "1.5", -kInfinity}, {"1" + zeros + "e-400", 1}};
+    for (const auto& c : cases)
+        EXPECT_EQ(ParseDecimal({reinterpret_cast<const std::uint8_t*>(c.text.data()), c.text.size()}), c.value)
+            << c.text;
+}
+
+TEST(Numbers, OutOfRangeBecomesTheProcessorsIndefinite) {
+    const struct {
+        double value;
+        std::int32_t narrow;
+        std::int64_t wide;
+    } cases[] = {
+        // clang-format off
+        {0.9, 0, 0}, {-0.9, 0, 0}, {-1.5, -1, -1},
+        {2147483647.9, INT32_MAX, INT32_MAX}, {2147483648.0, INT32_MIN, 2147483648},
+        {-2147483648.9, INT32_MIN, INT32_MIN}, {-2147483649.0, INT32_MIN, -2147483649},
+        {9223372036854774784.0, INT32_MIN, 9223372036854774784}, {9223372036854775808.0, INT32_MIN, INT64_MIN},
+        {-9223372036854775808.0, INT32_MIN, INT64_MIN}, {kInfinity, INT32_MIN, INT64_MIN},
+        {-kInfinity, INT32_MIN, INT64_MIN}, {std::nan(""), INT32_MIN, INT64_MIN},
+        // clang-format on
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(TruncToInt32(c.value), c.narrow) << c.value;
+        EXPECT_EQ(TruncToInt64(c.value), c.wide) << c.value;
+    }
+    EXPECT_EQ(LowInt32(0x100000005), 5);
+    EXPECT_EQ(LowInt32(0x80000000), INT32_MIN);
+    EXPECT_EQ(WrappingAdd(INT32_MAX, 1), INT32_MIN);
+    EXPECT_EQ(WrappingSubtract(INT32_MIN, 1), INT32_MAX);
+}

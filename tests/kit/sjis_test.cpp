@@ -1,0 +1,80 @@
+#include "kit/sjis.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/guard_block.h"
+
+using Lines = std::vector<std::string>;
+
+static Lines LinesOf(const std::string& text) {
+    const GuardBlock block(text);
+    LineWalk walk = {block.data, block.data + block.size};
+    Lines lines;
+    ByteView line;
+    while (TakeLine(&walk, &line) && lines.size() < 10)
+        lines.emplace_back(reinterpret_cast<const char*>(line.data), line.size);
+    return lines;
+}
+
+TEST(Sjis, TakeLine) {
+    const struct {
+        std::string text;
+        Lines lines;
+    } cases[] = {
+        // clang-format off
+        {"one\r\ntwo\nthree\rfour", {"one", "two", "three", "four"}},
+        {"one\n\n\r\n\t\x1f\x01two\n", {"one", "two"}},              // blank lines and control bytes vanish
+        {"\r\none\n", {"", "one"}},                                  // but not before the first line
+        {std::string("one\0two\n", 8), {"one"}},                     // a zero ends the text
+        {std::string("one\n\n\0two", 8), {"one"}},
+        {"a\x83\x0a\x62\nb", {"a\x83\x0a\x62", "b"}},                // a second byte that looks like a line's end
+        {"\xfc\x0d\xfd\x0d\x80\n", {"\xfc\x0d\xfd", "\x80"}},        // the edges of the lead bytes
+        {"one\n\x83", {"one", "\x83"}},                              // cut off in the middle of a character
+        {"\xb1\xdf\n\xa0", {"\xb1\xdf", "\xa0"}},                    // half-width kana are single
+        // clang-format on
+    };
+    for (const auto& c : cases) EXPECT_EQ(LinesOf(c.text), c.lines) << testing::PrintToString(c.text);
+}
+
+// What ends a line or only looks like it, behind any number of plain characters.
+TEST(Sjis, TakeLineAtEveryDistance) {
+    for (std::size_t count = 0; count < 70; ++count) {
+        const std::string plain(count, 'a'), tail(33, 'b');
+        EXPECT_EQ(LinesOf(plain + "\n" + tail), (Lines{plain, tail})) << count;
+        EXPECT_EQ(LinesOf(plain + "\xe0\n" + tail), Lines{plain + "\xe0\n" + tail}) << count;
+        EXPECT_EQ(LinesOf(plain + "\xb1\x7f" + tail + "\r"), Lines{plain + "\xb1\x7f" + tail}) << count;
+        EXPECT_EQ(LinesOf(plain + std::string(1, 0) + tail), count ? Lines{plain} : Lines{}) << count;
+        EXPECT_EQ(LinesOf(plain + "b\x9f"), Lines{plain + "b\x9f"}) << count;
+    }
+}
+
+TEST(Sjis, LeadByteRanges) {
+    std::string ranges;
+    for (int i = 0; i < 256; ++i)
+        if (IsLeadByte(static_cast<std::uint8_t>(i)) != (i > 0 && IsLeadByte(static_cast<std::uint8_t>(i - 1))))
+            ranges += std::to_string(i) + " ";
+    EXPECT_EQ(ranges, "129 160 224 253 ");
+}
+
+TEST(Sjis, PathsWithTrailBackslashes) {
+    const struct {
+        const char* path;
+        const char* extension;
+        int lastBackslash;
+    } cases[] = {
+        // clang-format off
+        {"part.dxf", ".dxf", -1}, {"C:\\a\\part", "", 4}, {"C:\\a.b\\part", "", 6}, {"a.b/part", "", -1},
+        {"a.tar.gz", ".gz", -1}, {"part.", ".", -1}, {"", "", -1}, {"C:\\", "", 2}, {"C:.x", ".x", -1},
+        {"\x83\x5c.dxf", ".dxf", -1}, {"C:\\\x83\x5c", "", 2}, {"a.\x83\x5c", ".\x83\x5c", -1},  // katakana so
+        {"C:\\\x95\x5c\\\x94\x5c.txt", ".txt", 5}, {"\xb1\\b.c", ".c", 1}, {"a.b\x83", ".b\x83", -1},
+        // clang-format on
+    };
+    for (const auto& c : cases) {
+        EXPECT_STREQ(FindExtension(c.path), c.extension) << c.path;
+        const char* found = FindLastBackslash(c.path);
+        EXPECT_EQ(found ? found - c.path : -1, c.lastBackslash) << c.path;
+    }
+}

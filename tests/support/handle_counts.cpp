@@ -1,0 +1,43 @@
+// Windows counts for us. Wine answers 0, but finds an object by the low half of its handle alone, so there the handles
+// are tried one by one.
+#include "support/handle_counts.h"
+
+#include <windows.h>
+
+static BOOL CALLBACK CountChild(HWND, LPARAM count) { return ++*reinterpret_cast<int*>(count); }
+
+static BOOL CALLBACK CountWindow(HWND window, LPARAM count) {
+    EnumChildWindows(window, CountChild, count);
+    return CountChild(window, count);
+}
+
+static int CountWindowsAndMenus() {
+    int count = 0;
+    EnumThreadWindows(GetCurrentThreadId(), CountWindow, reinterpret_cast<LPARAM>(&count));
+    for (UINT_PTR handle = 1; handle < 0x10000; ++handle) count += IsMenu(reinterpret_cast<HMENU>(handle)) ? 1 : 0;
+    return count;
+}
+
+static int CountGdiObjects() {
+    int count = 0;
+    for (UINT_PTR handle = 1; handle < 0x10000; ++handle)
+        count += GetObjectType(reinterpret_cast<HGDIOBJ>(handle)) != 0;
+    return count;
+}
+
+static int CountKernelHandles() {
+    int count = 0;
+    DWORD flags = 0;
+    for (UINT_PTR handle = 4; handle < 0x4000; handle += 4)
+        count += GetHandleInformation(reinterpret_cast<HANDLE>(handle), &flags) ? 1 : 0;
+    return count;
+}
+
+HandleCounts CountHandles() {
+    const HANDLE process = GetCurrentProcess();
+    const DWORD gdi = GetGuiResources(process, GR_GDIOBJECTS), user = GetGuiResources(process, GR_USEROBJECTS);
+    DWORD kernel = 0;
+    GetProcessHandleCount(process, &kernel);
+    return {gdi ? static_cast<int>(gdi) : CountGdiObjects(), user ? static_cast<int>(user) : CountWindowsAndMenus(),
+            kernel ? static_cast<int>(kernel) : CountKernelHandles()};
+}

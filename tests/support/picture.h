@@ -1,0 +1,23 @@
+// Bitmaps as text, so that a test shows what is drawn.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+// One line for each row of pixels: '#' dark, '.' light. Empty for no bitmap.
+std::string PictureOf(HBITMAP bitmap);
+
+// The same for a bitmap that the caller owns no longer.
+std::string TakePicture(HBITMAP bitmap);
+
+// Rows of text as PictureOf writes them: {"#..", ".#."} becomes "#..\n.#.\n".
+template <typename... Rows>
+std::string Picture(const Rows&... rows) {
+    std::string text;
+    ((text += rows, text += '\n'), ...);
+    return text;
+}
+
+// True when a picture holds any dark pixel.
+inline bool HasInk(const std::string& picture) { return picture.find('#') != std::string::npos; }
