@@ -70,7 +70,7 @@ bool IsLetter(char c) { return Lower(c) >= 'a' && Lower(c) <= 'z'; }
 // ---- Numbers
 
 // decimal = as strtod reads it
-double Decimal(Parser& in) {
+inline double Decimal(Parser& in) {
     const ByteView rest = {reinterpret_cast<const std::uint8_t*>(in.at), static_cast<std::size_t>(in.end - in.at)};
     std::size_t used = 0;
     const double value = ParseDecimal(rest, &used);
@@ -100,7 +100,7 @@ double AnglePart(Parser& in, char mark) {
 }
 
 // number = ( hexadecimal | decimal ) [ ( ":" | degree ) decimal "'" [ decimal '"' ] ]
-double Number(Parser& in) {
+inline double Number(Parser& in) {
     double value = in.at[1] == 'x' || in.at[1] == 'X' ? Hexadecimal(in) : Decimal(in);
     if ((*in.at == ':' || *in.at == kHalfWidthDegree) && IsDigit(in.at[1])) {
         ++in.at;
@@ -140,7 +140,7 @@ const Name* TakeName(Parser& in) {
     }
     SkipBlanks(in);
     for (const Name& row : kNames) {
-        if (std::strcmp(row.name, text) == 0) return &row;
+        if (row.name[0] == text[0] && std::strcmp(row.name, text) == 0) return &row;
     }
     return nullptr;
 }
@@ -163,9 +163,11 @@ double Named(Parser& in) {
 }
 
 // ---- Levels, from the highest precedence to the lowest
+//
+// Inline, because most numbers pass through all of them with nothing to do there.
 
 // operand = "(" expression ")" | number | named
-double Operand(Parser& in) {
+inline double Operand(Parser& in) {
     if (Accept(in, '(')) {
         const double value = Expression(in);
         return Expect(in, ')') ? value : 0;
@@ -176,7 +178,7 @@ double Operand(Parser& in) {
 }
 
 // unary = { "-" | "+" } operand
-double Unary(Parser& in) {
+inline double Unary(Parser& in) {
     bool negative = false;
     while (*in.at == '-' || *in.at == '+') {
         negative ^= *in.at == '-';
@@ -188,7 +190,7 @@ double Unary(Parser& in) {
 }
 
 // multiplicative = unary { ( "*" | "/" ) unary }
-double Multiplicative(Parser& in) {
+inline double Multiplicative(Parser& in) {
     double value = Unary(in);
     for (;;) {
         if (Accept(in, '*')) value *= Unary(in);
@@ -198,7 +200,7 @@ double Multiplicative(Parser& in) {
 }
 
 // additive = multiplicative { ( "+" | "-" ) multiplicative }
-double Additive(Parser& in) {
+inline double Additive(Parser& in) {
     double value = Multiplicative(in);
     for (;;) {
         if (Accept(in, '+')) value += Multiplicative(in);
@@ -228,7 +230,8 @@ constexpr Comparator kComparators[] = {
 };
 
 const Comparator* TakeComparator(Parser& in) {
-    if (*in.at < '!' || *in.at > '>') return nullptr;  // mostly the end
+    const char first = *in.at;
+    if (first != '=' && first != '<' && first != '>' && first != '!') return nullptr;
     for (const Comparator& row : kComparators) {
         if (Accept(in, row.token)) return &row;
     }
@@ -236,7 +239,7 @@ const Comparator* TakeComparator(Parser& in) {
 }
 
 // comparison = additive { comparator additive }
-double Comparison(Parser& in) {
+inline double Comparison(Parser& in) {
     double value = Additive(in);
     while (const Comparator* const comparator = TakeComparator(in)) value = comparator->holds(value, Additive(in));
     return value;
@@ -244,7 +247,7 @@ double Comparison(Parser& in) {
 
 // logical = comparison { ( "&&" | "||" ) comparison }
 // Deliberate: both at one level, left to right.
-double Logical(Parser& in) {
+inline double Logical(Parser& in) {
     double value = Comparison(in);
     for (;;) {
         const bool before = value != 0;

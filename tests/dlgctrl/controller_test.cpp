@@ -181,13 +181,14 @@ TEST(Controller, ManyLeaveNothingBehind) {
     const auto run = [&](int count) {
         for (int i = 0; i < count; ++i) {
             DialogItem* const second = i % 4 == 3 ? &bad : &good;
-            PageDescriptor pages[] = {{nullptr, MAKEINTRESOURCEA(IDD_PAGE_ONE), nullptr, 1, &good},
+            PageDescriptor pages[] = {{nullptr, MAKEINTRESOURCEA(IDD_PAGE_TWO), nullptr, 1, &good},
                                       {nullptr, MAKEINTRESOURCEA(IDD_PAGE_TWO), nullptr, 1, second}};
             HostDialog host;
             host.items = {{IDC_FIELD, KW_KIND_EDIT | KW_VALUE_DOUBLE | KW_FLAG_SPIN, &number, 0, 5, nullptr},
                           {IDC_TABS, KW_KIND_PAGES | KW_VALUE_PAGES, pages, 0, 2, nullptr}};
             host.endWith = i % 2 ? IDOK : IDCANCEL;
-            EXPECT_EQ(host.Run(), i % 4 == 1);
+            host.shown = i % 10 == 0;
+            EXPECT_EQ(host.Run(IDD_SMALL), i % 4 == 1);
         }
     };
     const auto memory = [] {

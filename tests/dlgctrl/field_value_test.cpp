@@ -126,6 +126,7 @@ TEST(CheckFields, Table) {
             EXPECT_EQ(TextOf(dialog, IDC_FIELD), c.shown) << c.typed;
         };
         host.endWith = IDCANCEL;
+        host.shown = false;
         EXPECT_EQ(host.Run(), 0);
         EXPECT_EQ(std::string(variable, sizeof(variable)), std::string(100, '\0')) << "not touched";
     }

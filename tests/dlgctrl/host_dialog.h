@@ -18,6 +18,7 @@ struct HostDialog {
     std::function<void(HWND dialog)> opened;  // once the dialog runs; without it, and behind it, OK is pressed
     std::function<INT_PTR(HWND dialog, UINT message, WPARAM wParam)> callback;  // sees what a DialogCallback sees
     int endWith = IDOK;  // command that ends it behind `opened`; 0: none
+    bool shown = true;   // false: it ends before it is shown, which takes half the time
     int Run(int templateId = IDD_CONTROLS);
 };
 
@@ -26,10 +27,14 @@ inline HostDialog* runningHost;  // a DialogCallback carries no pointer
 inline INT_PTR CALLBACK HostCallback(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
     HostDialog& host = *runningHost;
     const INT_PTR handled = host.callback ? host.callback(dialog, message, wParam) : 0;
-    if (message == WM_INITDIALOG) PostMessageA(dialog, kOpened, 0, 0);
+    const auto send = [&](UINT command, int parameter) {
+        if (host.shown) PostMessageA(dialog, command, static_cast<WPARAM>(parameter), 0);
+        else SendMessageA(dialog, command, static_cast<WPARAM>(parameter), 0);
+    };
+    if (message == WM_INITDIALOG) send(kOpened, 0);
     if (message == kOpened) {
         if (host.opened) host.opened(dialog);
-        if (host.endWith) PostMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(host.endWith), 0);
+        if (host.endWith) send(WM_COMMAND, host.endWith);
     }
     return handled;
 }

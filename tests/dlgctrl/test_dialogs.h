@@ -4,6 +4,7 @@
 #define IDD_CONTROLS 201 /* a control of each kind */
 #define IDD_PAGE_ONE 202 /* pages; they have a field IDC_FIELD */
 #define IDD_PAGE_TWO 203
+#define IDD_SMALL 204 /* a field and a tab control */
 
 #define IDC_FIELD 301
 #define IDC_OTHER_FIELD 302
