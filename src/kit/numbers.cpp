@@ -32,28 +32,45 @@ static bool IsTooLarge(const char* at, const char* end) {
     return position + (negative ? -exponent : exponent) > 0;
 }
 
-static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                          1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+// Powers of ten that a double holds exactly.
+static constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
+                                          1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
+static constexpr std::uint32_t kSmallPowers[] = {1,      10,      100,      1000,      10000,
+                                                 100000, 1000000, 10000000, 100000000, 1000000000};
 
-// Converts a plain number of up to fifteen digits: they make an exact integer, and its division by an exact power of
-// ten rounds once, so the result is right to the last bit. It takes a third of the general conversion's time, which
-// counts for drawings with millions of coordinates. Null when the number is of another form.
+// Appends a run of digits to `number`, nine at a time: these fit the processor's own multiplication. What does not fit
+// 64 bits wraps.
+static inline const char* TakeDigits(const char* at, const char* end, std::uint64_t* number) {
+    constexpr std::ptrdiff_t kGroup = 9;
+    for (;;) {
+        const char* const begin = at;
+        const char* const limit = end - at > kGroup ? at + kGroup : end;
+        std::uint32_t group = 0;
+        while (at != limit && IsDigit(*at)) group = group * 10 + static_cast<std::uint32_t>(*at++ - '0');
+        *number = *number * kSmallPowers[at - begin] + group;
+        if (at - begin < kGroup) return at;
+    }
+}
+
+// Converts a plain number whose digits make an integer that a double holds: its division by an exact power of ten
+// rounds once, so the result is right to the last bit. Most coordinates are such numbers, with up to sixteen digits,
+// and take two thirds of the general conversion's time. Null when the number is of another form.
 static const char* ParsePlain(const char* at, const char* end, double* value) {
-    constexpr std::ptrdiff_t kMostDigits = 15;
-    const char* const begin = at;
-    const char* const limit = end - at > kMostDigits + 1 ? at + kMostDigits + 1 : end;  // the digits and a point
-    std::int64_t digits = 0;
-    while (at != limit && IsDigit(*at)) digits = digits * 10 + (*at++ - '0');
-    std::ptrdiff_t count = at - begin, fraction = 0;
-    if (at != limit && *at == '.') {
+    constexpr std::ptrdiff_t kMostDigits = 19;
+    constexpr std::uint64_t kMostExact = std::uint64_t{1} << 53;
+    std::uint64_t digits = 0;
+    const char* const whole = at;
+    at = TakeDigits(at, end, &digits);
+    std::ptrdiff_t count = at - whole, fraction = 0;
+    if (at != end && *at == '.') {
         const char* const first = ++at;
-        while (at != limit && IsDigit(*at)) digits = digits * 10 + (*at++ - '0');
+        at = TakeDigits(at, end, &digits);
         fraction = at - first;
         count += fraction;
     }
-    if (count == 0 || count > kMostDigits) return nullptr;
-    if (at != end && (IsDigit(*at) || *at == 'e' || *at == 'E')) return nullptr;
-    *value = static_cast<double>(digits) / kPowersOfTen[fraction];
+    if (count == 0 || count > kMostDigits || digits > kMostExact) return nullptr;
+    if (at != end && (*at == 'e' || *at == 'E')) return nullptr;
+    *value = static_cast<double>(static_cast<std::int64_t>(digits)) / kPowersOfTen[fraction];
     return at;
 }
 

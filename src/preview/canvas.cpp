@@ -41,14 +41,18 @@ void FitCanvas(Canvas* canvas, const WorldRect& extents) {
     FillRect(canvas->dc.get(), &canvas->target, canvas->white.get());
 }
 
-void SelectCanvasPen(Canvas* canvas, unsigned index) {
-    const int pen = static_cast<int>(index % kPenCount);
+void SelectCanvasPen(Canvas* canvas, unsigned index) { canvas->wantedPen = static_cast<int>(index % kPenCount); }
+
+static void SelectWantedPen(Canvas* canvas) {
+    const int pen = canvas->wantedPen;
     if (pen == canvas->selectedPen || !canvas->pens[pen]) return;
     SelectObject(canvas->dc.get(), canvas->pens[pen].get());
     canvas->selectedPen = pen;
 }
 
 void DrawOnCanvas(Canvas* canvas) {
+    const std::uint32_t kind = canvas->primitive.kind;
+    if (kind != kPoint && kind != kText) SelectWantedPen(canvas);
     DrawPreviewPrimitive(canvas->dc.get(), canvas->view, canvas->primitive, &canvas->textFont);
 }
 

@@ -25,7 +25,7 @@ struct Canvas {
     TextFont textFont;
     UniqueDc dc;
     HGDIOBJ originalBitmap = nullptr;
-    int selectedPen = -1;
+    int wantedPen = 0, selectedPen = -1;
     ViewTransform view = {};
     PreviewPrimitive primitive;  // reused for every element, see there
 };
@@ -36,7 +36,8 @@ bool OpenCanvas(Canvas* canvas, DWORD renderMode, const RECT& target);
 // Fits the drawing's extents and wipes the canvas.
 void FitCanvas(Canvas* canvas, const WorldRect& extents);
 
-// Selects pen `index` modulo 16; a pen that could not be made leaves the selection as it is.
+// Draws from now on with pen `index` modulo 16. It is selected for the next element that needs a pen, which points and
+// texts do not; a pen that could not be made leaves the selection as it is.
 void SelectCanvasPen(Canvas* canvas, unsigned index);
 
 // Draws canvas->primitive.

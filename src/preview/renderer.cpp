@@ -163,6 +163,11 @@ static void DrawLineBetween(HDC dc, POINT from, POINT to) {
 
 constexpr std::int32_t kMaxRadius = 32766;  // GDI draws no larger arc
 
+static bool IsEndMark(std::uint32_t code) { return code == kMarkArrow || code == kMarkDot; }
+
+// False for most words: those of elements without marks, and what an earlier element's number has left in their place.
+static bool HasEndMark(std::uint32_t marks) { return IsEndMark(marks & 0xFFFF) || IsEndMark(marks >> 16); }
+
 // End marks grow with the visible window's diagonal.
 static double EndMarkSize(const ViewTransform& view) {
     return 0.015 * std::hypot(view.worldMaxX - view.worldMinX, view.worldMaxY - view.worldMinY);
@@ -215,7 +220,7 @@ static void DrawLine(HDC dc, const ViewTransform& view, PreviewPrimitive& line) 
     if (!ClipSegmentToWindow(view, &line.a, &line.b, &line.c, &line.d)) return;
     DrawLineBetween(dc, MapPoint(view, line.a, line.b), MapPoint(view, line.c, line.d));
     const std::uint32_t marks = line.e.EndMarks();
-    if (marks == 0) return;
+    if (!HasEndMark(marks)) return;
     const double size = EndMarkSize(view);
     const double angle = std::atan2(line.d - line.b, line.c - line.a) * (180 / kPi);
     DrawEndMark(dc, view, marks & 0xFFFF, line.a, line.b, angle, size);
@@ -257,7 +262,7 @@ static void DrawArc(HDC dc, const ViewTransform& view, const PreviewPrimitive& a
     if (!IsInDeviceSpace(centre) || !IsInDeviceSpace(from) || !IsInDeviceSpace(to)) return;
     Arc(dc, centre.x - pixels, centre.y - pixels, centre.x + pixels, centre.y + pixels, from.x, from.y, to.x, to.y);
     const std::uint32_t marks = arc.f.EndMarks();
-    if (marks == 0) return;
+    if (!HasEndMark(marks)) return;
     const double size = EndMarkSize(view);
     DrawEndMark(dc, view, marks & 0xFFFF, startX, startY, start + 90, size);
     DrawEndMark(dc, view, marks >> 16, endX, endY, end - 90, size);
