@@ -14,6 +14,7 @@
 #include <string>
 
 #include "kwdialogs.h"
+#include "parameter_dialog.h"
 #include "resource.h"
 #include "sample_copy.h"
 #include "screen_shots.h"
@@ -28,6 +29,7 @@ struct Host {
     DWORD filterIndex = 1;
     DWORD sortOptions = KW_SORT_NAME;
     DWORD displayOptions = KW_SHOW_SIZE | KW_SHOW_DATE;
+    MachiningParameters parameters = {};
 };
 
 template <size_t kSize>
@@ -97,20 +99,24 @@ void ChooseFolder(HWND window, Host& host) {
     ShowResult(window, chosen, host.folder);
 }
 
+void EditHostParameters(HWND window, Host& host) {
+    const int result = EditParameters(window, &host.parameters);
+    SetDlgItemTextA(window, IDC_RESULT, DescribeParameters(result, host.parameters).c_str());
+}
+
 struct Service {
     int button;
-    bool enabled;  // the library has it
     void (*run)(HWND window, Host& host);
 };
 constexpr Service kServices[] = {
-    {IDC_OPEN_WITH_PREVIEW, true, OpenWithPreview}, {IDC_OPEN, true, Open},           {IDC_SAVE, true, Save},
-    {IDC_CHOOSE_FOLDER, true, ChooseFolder},        {IDC_PARAMETERS, false, nullptr},
+    {IDC_OPEN_WITH_PREVIEW, OpenWithPreview},
+    {IDC_OPEN, Open},
+    {IDC_SAVE, Save},
+    {IDC_CHOOSE_FOLDER, ChooseFolder},
+    {IDC_PARAMETERS, EditHostParameters},
 };
 
 INT_PTR OnInitDialog(HWND window, const Host& host) {
-    for (const Service& service : kServices) {
-        EnableWindow(GetDlgItem(window, service.button), service.enabled && service.run);
-    }
     if (!host.options.shots.empty()) StartTour(window, host.options);
     return TRUE;
 }
@@ -118,7 +124,7 @@ INT_PTR OnInitDialog(HWND window, const Host& host) {
 INT_PTR OnCommand(HWND window, Host& host, int id) {
     if (id == IDCANCEL) EndDialog(window, 0);
     for (const Service& service : kServices) {
-        if (service.button == id && service.enabled && service.run) service.run(window, host);
+        if (service.button == id) service.run(window, host);
     }
     return TRUE;
 }

@@ -194,6 +194,28 @@ Step ShootAtOnce(const std::string& name) {
             }};
 }
 
+Step ControlShows(int id) {
+    return {"wait for control " + std::to_string(id), [id] { return IsWindowVisible(FindById(id)) != FALSE; }};
+}
+
+// Types into a field and, unless that is none, goes on to the next one.
+Step TypeInto(int field, const std::string& text, int nextField = 0) {
+    return {"type " + text, [=] {
+                SetFocus(FindById(field));
+                SetWindowTextA(FindById(field), text.c_str());
+                SendMessageA(FindById(field), EM_SETSEL, text.size(), static_cast<LPARAM>(text.size()));
+                if (nextField) SetFocus(FindById(nextField));
+                return true;
+            }};
+}
+
+Step SelectTab(int index) {
+    return {"select tab " + std::to_string(index), [index] {
+                SendMessageA(FindByClass(WC_TABCONTROLA), TCM_SETCURFOCUS, static_cast<WPARAM>(index), 0);
+                return true;
+            }};
+}
+
 Step QuestionShows() {
     return {"wait for the question", [] { return FrontDialog() && !GetDlgItem(FrontDialog(), cmb1); }};
 }
@@ -379,6 +401,20 @@ std::vector<Step> StepsOfTour(bool japanese) {
         PressInDialog(IDOK),
         DialogGone(),
         Shoot("host_folder_chosen"),
+
+        Press(IDC_PARAMETERS),
+        ControlShows(IDC_DEPTH),
+        TypeInto(IDC_ANGLE, "29:30'", IDC_DEPTH),
+        TypeInto(IDC_DEPTH, "25.4/4"),
+        Shoot("parameters_typed"),
+        TypeInto(IDC_DEPTH, "25.4/4", IDC_SPEED),
+        Shoot("parameters_cutting"),
+        SelectTab(1),
+        TypeInto(IDC_TEETH, "99", IDC_DIAMETER),
+        Shoot("parameters_tool"),
+        PressInDialog(IDC_SIMULATE),
+        DialogGone(),
+        Shoot("host_parameters"),
     };
     steps.insert(steps.end(), std::begin(rest), std::end(rest));
     return steps;

@@ -22,6 +22,8 @@ static constexpr struct {
     {"identify", "IdentifyFileType of small files, against open, read of 1 KB and close", BenchIdentify},
     {"cancel", "how soon a reader returns after PreviewCancel(0)", BenchCancel},
     {"memory", "the peak of memory during ReadDxfPreview, against the file's size", BenchMemory},
+    {"expression", "evaluateExpression, against the same conversions and operations without a parser", BenchExpression},
+    {"dialog", "kwDlgBoxCtrl with a hundred items, against the bare DialogBoxParamA", BenchDialog},
 };
 
 // For the program itself: kwbench --preview-memory SMALL DRAWING (see PreviewMemoryKilobytes).

@@ -3,6 +3,7 @@
 
 #include "dirsel/classic_directory.h"
 #include "dirsel/folder_tree.h"
+#include "dlgctrl/controller.h"
 #include "filesel/file_dialog.h"
 #include "frame/os_kind.h"
 #include "kwdialogs.h"
@@ -53,4 +54,7 @@ unsigned int WINAPI kwSelectDirectryName(HWND owner, const char* title, char* di
     return static_cast<unsigned int>(chosen);
 }
 
-int WINAPI kwDlgBoxCtrl(HINSTANCE, const char*, HWND, DialogItem*, int, DialogCallback) { return -1; }
+int WINAPI kwDlgBoxCtrl(HINSTANCE instance, const char* templateName, HWND owner, DialogItem* items, int itemCount,
+                        DialogCallback callback) {
+    return RunControlledDialog(instance, templateName, owner, items, itemCount, callback);
+}

@@ -1,0 +1,258 @@
+#include "dlgctrl/items.h"
+
+#include <windows.h>
+
+#include <commctrl.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "dlgctrl/dlgitem.h"
+#include "dlgctrl/field_value.h"
+#include "dlgctrl/host_dialog.h"
+
+static int ControlOf(DWORD kind) {
+    const int ids[] = {IDC_FIELD, IDC_CHECK, IDC_RADIO, IDC_COMBO, IDC_LABEL, IDC_BUTTON, IDC_TABS};
+    return kind >= 1 && kind <= 7 ? ids[kind - 1] : IDC_BUTTON;
+}
+
+// What a control shows of its value: a text, a check state, an index (-1: none).
+static std::string Shown(HWND dialog, DWORD kind) {
+    switch (kind) {
+        case KW_KIND_CHECK: return std::to_string(IsDlgButtonChecked(dialog, IDC_CHECK));
+        case KW_KIND_RADIO:
+            for (int i = 0; i < 3; ++i) {
+                if (IsDlgButtonChecked(dialog, IDC_RADIO + i)) return std::to_string(i);
+            }
+            return "-1";
+        case KW_KIND_COMBO: return std::to_string(Send(dialog, IDC_COMBO, CB_GETCURSEL));
+        default: return TextOf(dialog, ControlOf(kind));
+    }
+}
+
+static void Enter(HWND dialog, DWORD kind, const char* entered) {
+    const int number = atoi(entered);
+    switch (kind) {
+        case KW_KIND_CHECK: CheckDlgButton(dialog, IDC_CHECK, static_cast<UINT>(number)); break;
+        case KW_KIND_RADIO: CheckRadioButton(dialog, IDC_RADIO, IDC_RADIO + 2, IDC_RADIO + number); break;
+        case KW_KIND_COMBO: Send(dialog, IDC_COMBO, CB_SETCURSEL, static_cast<WPARAM>(number)); break;
+        default: SetDlgItemTextA(dialog, ControlOf(kind), entered);
+    }
+}
+
+static constexpr DWORD kEdit = KW_KIND_EDIT, kCheck = KW_KIND_CHECK, kRadio = KW_KIND_RADIO, kCombo = KW_KIND_COMBO,
+                       kLabel = KW_KIND_LABEL, kButton = KW_KIND_BUTTON, kPages = KW_KIND_PAGES;
+static constexpr DWORD kNone = KW_VALUE_NONE, kText = KW_VALUE_TEXT, kInt8 = KW_VALUE_INT8, kInt16 = KW_VALUE_INT16,
+                       kInt32 = KW_VALUE_INT32, kFloat = KW_VALUE_FLOAT, kDouble = KW_VALUE_DOUBLE,
+                       kAccept = KW_VALUE_ACCEPT, kDismiss = KW_VALUE_DISMISS, kPageArray = KW_VALUE_PAGES;
+
+TEST(Items, NumbersInEveryKind) {
+    const struct {
+        DWORD kind, type;
+        const char* text;
+        double minimum, maximum, value;
+        const char *shown, *entered;  // null: nothing
+        double stored;
+    } cases[] = {
+        {kEdit, kInt8, nullptr, 0, 0, -5, "-5", "300", 44},
+        {kEdit, kInt8, nullptr, 0, 40, 120, "40", "300", 40},
+        {kEdit, kInt8, nullptr, -1000, 1000, 127, "127", "-128", -128},
+        {kEdit, kInt16, "%05d", 0, 0, 42, "00042", "70000", 4464},
+        {kEdit, kInt16, nullptr, 10, 20.9, 5, "10", "25", 20},
+        {kEdit, kInt32, "%ld mm", 0, 0, 100000, "100000 mm", "2*3", 2},
+        {kEdit, kInt32, nullptr, 20, 10, 15, "20", "25", 10},
+        {kEdit, kInt32, "", 0, 0, 7, "", " +8x", 8},
+        {kEdit, kInt32, "%s", -1e99, 1e99, 7, "7", "99999999999", 2147483647},
+        {kEdit, kFloat, nullptr, 0, 0, 1.5, "1.500", "0.1", 0.1f},
+        {kEdit, kFloat, nullptr, 0, 0.1, 1, "0.100", "7", 0.1f},
+        {kEdit, kDouble, "", 0, 0, 2, "2.000", "1e3", 1000},
+        {kEdit, kDouble, "%.1lf", 0, 1, 7, "1.0", "-3", 0},
+        {kEdit, kDouble, nullptr, 0, 1e-9, 7, "0.000", "5", 1e-9},
+        {kCheck, kInt8, "Label", 0, 0, -1, "1", "0", 0},
+        {kCheck, kInt16, "Label", 0, 0, 0, "0", "2", 1},
+        {kCheck, kInt32, "Label", 0, 0, 256, "1", nullptr, 1},
+        {kCheck, kFloat, "Label", 0, 0, 0.5, "1", "0", 0},
+        {kCheck, kDouble, "Label", 0, 0, 0, "0", "1", 1},
+        {kRadio, kInt8, "A\0B\0C\0", 0, 3, 7, "2", nullptr, 2},
+        {kRadio, kInt16, nullptr, 0, 3, -7, "0", "1", 1},
+        {kRadio, kInt32, "A\0B\0C\0", 0, 0, 7, "-1", "1", 7},
+        {kRadio, kFloat, nullptr, 0, 2, 1.9, "1", nullptr, 1},
+        {kRadio, kDouble, nullptr, 0, 3, 1e10, "2", "0", 0},
+        {kRadio, kDouble, nullptr, 0, -3, 1, "-1", "0", 1},
+        {kCombo, kInt8, "x\0y\0z\0", 0, 3, 1, "1", "2", 2},
+        {kCombo, kInt16, "x\0y\0z\0", 0, 3, 5, "-1", nullptr, 5},
+        {kCombo, kInt32, nullptr, 0, 3, 0, "-1", nullptr, 0},
+        {kCombo, kFloat, "x\0y\0z\0", 0, 2, 1.5, "1", nullptr, 1},
+        {kCombo, kDouble, "x\0y\0z\0", 0, -1, 0, "-1", nullptr, 0},
+        {kLabel, kInt32, nullptr, 0, 0, 7, "label", nullptr, 7},
+        {kButton, kDouble, nullptr, 0, 0, 7, "button", nullptr, 7},
+        {kPages, kInt8, nullptr, 0, 3, 7, "", nullptr, 7},
+        {9, kInt32, nullptr, 0, 3, 7, "button", nullptr, 7},
+    };
+    for (const auto& c : cases) {
+        const std::string row = std::to_string(&c - cases);
+        const NumberType& type = *FindNumberType(c.type);
+        unsigned char variable[17], untouched[17];
+        std::memset(variable, 0xA5, sizeof(variable));
+        type.store(variable + 1, c.value);  // at an odd address, between bytes of others
+        std::memcpy(untouched, variable, sizeof(variable));
+        HostDialog host;
+        host.items = {{ControlOf(c.kind), c.kind | c.type, variable + 1, c.minimum, c.maximum, c.text}};
+        host.opened = [&](HWND dialog) {
+            EXPECT_EQ(Shown(dialog, c.kind), c.shown) << "row " << row;
+            EXPECT_EQ(std::memcmp(variable, untouched, sizeof(variable)), 0) << "row " << row;
+            if (c.entered) Enter(dialog, c.kind, c.entered);
+        };
+        host.shown = false;
+        EXPECT_EQ(host.Run(), 1) << "row " << row;
+        EXPECT_EQ(type.load(variable + 1), c.stored) << "row " << row;
+        type.store(variable + 1, c.value);
+        EXPECT_EQ(std::memcmp(variable, untouched, sizeof(variable)), 0) << "its width, row " << row;
+    }
+}
+
+// The pairs of kind and value type that end a dialog before it opens, and those that do not.
+TEST(Items, KindsAndValueTypesThatFail) {
+    const PageDescriptor page = {nullptr, MAKEINTRESOURCEA(IDD_PAGE_ONE), nullptr, 0, nullptr};
+    for (DWORD kind = 0; kind <= 8; ++kind) {
+        for (const DWORD type :
+             {kNone, kText, kInt8, kInt16, kInt32, kFloat, kDouble, kAccept, kDismiss, kPageArray, 0xA00ul}) {
+            char variable[100] = "";
+            const bool isPages = type == kPageArray && kind == kPages;
+            const bool fails = (type == kText && kind != kEdit && kind != kLabel) ||
+                               ((type == kAccept || type == kDismiss) && kind != kButton) ||
+                               (type == kPageArray && kind != kPages);
+            const bool needsValue = type == kText || FindNumberType(type) || isPages;
+            for (const bool hasValue : {true, false}) {
+                if (!hasValue && !needsValue) continue;
+                HostDialog host;
+                void* const value = isPages ? const_cast<PageDescriptor*>(&page) : static_cast<void*>(variable);
+                host.items = {{ControlOf(kind), kind | type, hasValue ? value : nullptr, 0, 1, nullptr}};
+                host.shown = false;
+                EXPECT_EQ(host.Run(), fails || (needsValue && !hasValue) ? 0 : 1)
+                    << "kind " << kind << " type " << std::hex << type << " value " << hasValue;
+            }
+        }
+    }
+    std::int32_t one = 1, two = 2;
+    char buffer[4] = "abc";
+    const DialogItem good = {IDC_FIELD, kEdit | kInt32, &one, 0, 0, nullptr};
+    const DialogItem bad[] = {
+        {IDC_MISSING, kLabel, nullptr, 0, 0, nullptr},
+        {IDC_OTHER_FIELD, kEdit | kText, buffer, 0, 0, nullptr},
+        {IDC_OTHER_FIELD, kEdit | kText, buffer, 0, -4, nullptr},
+        {IDC_TABS, kPages | kPageArray, const_cast<PageDescriptor*>(&page), 0, 0, nullptr},
+    };
+    for (const DialogItem& item : bad) {
+        bool told = false;
+        HostDialog host;
+        host.items = {good, item, {IDC_LABEL, kLabel, nullptr, 0, 0, "never set"}};
+        host.callback = [&](HWND dialog, UINT message, WPARAM) {
+            told |= message == WM_INITDIALOG;
+            if (message == WM_DESTROY) {
+                EXPECT_EQ(TextOf(dialog, IDC_FIELD), "1") << "set up before";
+                EXPECT_EQ(TextOf(dialog, IDC_LABEL), "label");
+            }
+            return INT_PTR{0};
+        };
+        EXPECT_EQ(host.Run(), 0);
+        EXPECT_FALSE(told);
+    }
+    two = kwDlgBoxCtrl(ThisModule(), MAKEINTRESOURCEA(IDD_CONTROLS), nullptr, nullptr, 2, nullptr);
+    EXPECT_EQ(two, 0) << "a count without a table";
+}
+
+TEST(Items, Texts) {
+    char field[8] = "abcdefg", label[] = "world", unterminated[4] = {'w', 'x', 'y', 'z'};
+    HostDialog host;
+    host.items = {{IDC_FIELD, kEdit | kText, field, 0, 5, "<%s>"},
+                  {IDC_LABEL, kLabel | kText, label, 0, 0, "Hello %s"},
+                  {IDC_OTHER_FIELD, kEdit | kText, unterminated, 0, sizeof(unterminated), nullptr}};
+    host.opened = [&](HWND dialog) {
+        EXPECT_EQ(TextOf(dialog, IDC_FIELD), "<abcde>");
+        EXPECT_EQ(Send(dialog, IDC_FIELD, EM_GETLIMITTEXT), 4);
+        EXPECT_EQ(TextOf(dialog, IDC_LABEL), "Hello world");
+        EXPECT_EQ(TextOf(dialog, IDC_OTHER_FIELD), "wxyz");
+        SetDlgItemTextA(dialog, IDC_FIELD, "12345678");
+        SetDlgItemTextA(dialog, IDC_LABEL, "changed");
+        SetDlgItemTextA(dialog, IDC_OTHER_FIELD, "\x93\xFA\x96\x7B");
+    };
+    EXPECT_EQ(host.Run(), 1);
+    EXPECT_EQ(std::memcmp(field, "1234\0fg", sizeof(field)), 0) << field;
+    EXPECT_STREQ(label, "world");
+    EXPECT_STREQ(unterminated, IsDBCSLeadByte(0x93) ? "\x93\xFA" : "\x93\xFA\x96") << "no half of a character";
+}
+
+TEST(Items, LabelsAndFlags) {
+    std::int32_t zero = 0;
+    constexpr DWORD kOff = KW_FLAG_DISABLED | KW_FLAG_HIDDEN;
+    HostDialog host;
+    host.items = {{IDC_CHECK, kCheck | kOff, nullptr, 0, 0, "check me"},
+                  {IDC_RADIO, kRadio | kOff | kInt32, &zero, 0, 5, "one\0two\0three\0four\0five\0"},
+                  {IDC_LABEL, kLabel | KW_FLAG_HIDDEN, nullptr, 0, 0, "a label"},
+                  {IDC_BUTTON, kButton | KW_FLAG_DISABLED, nullptr, 0, 0, "a button"},
+                  {IDC_FIELD, kEdit | KW_FLAG_SPIN | KW_FLAG_HIDDEN | KW_FLAG_DISABLED, nullptr, 0, 0, "no label"}};
+    host.opened = [](HWND dialog) {
+        const struct {
+            int id;
+            const char* text;
+            bool enabled, visible;
+        } cases[] = {
+            {IDC_CHECK, "check me", false, false}, {IDC_RADIO, "one", false, false},
+            {IDC_RADIO + 1, "two", false, false},  {IDC_RADIO + 2, "three", false, false},
+            {IDC_LABEL, "a label", true, false},   {IDC_BUTTON, "a button", false, true},
+            {IDC_FIELD, "", false, false},         {0, "", false, false},  // the spin button
+        };
+        for (const auto& c : cases) {
+            EXPECT_EQ(TextOf(dialog, c.id), c.text);
+            EXPECT_EQ(IsWindowEnabled(GetDlgItem(dialog, c.id)), c.enabled) << c.text;
+            EXPECT_EQ(IsWindowVisible(GetDlgItem(dialog, c.id)), c.visible) << c.text;
+        }
+    };
+    EXPECT_EQ(host.Run(), 1);
+}
+
+TEST(Items, AgainOnARunningDialog) {
+    std::int32_t number = 1;
+    PageDescriptor pages[] = {{nullptr, MAKEINTRESOURCEA(IDD_PAGE_ONE), nullptr, 0, nullptr},
+                              {nullptr, MAKEINTRESOURCEA(IDD_PAGE_TWO), nullptr, 0, nullptr}};
+    HostDialog host;
+    host.items = {{IDC_FIELD, kEdit | kInt32 | KW_FLAG_SPIN, &number, 0, 0, nullptr},
+                  {IDC_TABS, kPages | kPageArray, pages, 0, 2, nullptr}};
+    host.opened = [&](HWND dialog) {
+        const ItemHandles before = *HandlesOf(dialog, 0);
+        host.items[1].minimum = 1;
+        number = 5;
+        EXPECT_EQ(ConstructItems(dialog, 1), 1);
+        EXPECT_EQ(TextOf(dialog, IDC_FIELD), "1");
+        EXPECT_EQ(ConstructItems(dialog, -1), 1);
+        EXPECT_EQ(TextOf(dialog, IDC_FIELD), "5");
+        EXPECT_EQ(HandlesOf(dialog, 0)->spinButton, before.spinButton);
+        EXPECT_EQ(Send(dialog, IDC_TABS, TCM_GETITEMCOUNT), 2);
+        EXPECT_EQ(Send(dialog, IDC_TABS, TCM_GETCURSEL), 0) << "not selected anew";
+        SetDlgItemTextA(dialog, IDC_FIELD, "6");
+        EXPECT_EQ(WriteBackItems(dialog, 1), 1);
+        EXPECT_EQ(number, 5);
+        EXPECT_EQ(WriteBackItems(dialog, 0), 1);
+        EXPECT_EQ(number, 6);
+        for (const int index : {2, -2}) EXPECT_EQ(ConstructItems(dialog, index) + WriteBackItems(dialog, index), 0);
+    };
+    EXPECT_EQ(host.Run(), 1);
+    EXPECT_EQ(ConstructItems(nullptr, -1) + WriteBackItems(nullptr, -1), 0);
+}
+
+TEST(Items, WriteBackStopsAtAFailureAndTheDialogIsAccepted) {
+    std::int32_t one = 1, two = 2;
+    HostDialog host;
+    host.items = {{IDC_FIELD, kEdit | kInt32, &one, 0, 0, nullptr},
+                  {IDC_LABEL, kLabel, nullptr, 0, 0, nullptr},
+                  {IDC_OTHER_FIELD, kEdit | kInt32, &two, 0, 0, nullptr}};
+    host.opened = [&](HWND dialog) {
+        SetDlgItemTextA(dialog, IDC_FIELD, "11");
+        SetDlgItemTextA(dialog, IDC_OTHER_FIELD, "12");
+        host.items[1].type = kLabel | kInt32;
+    };
+    EXPECT_EQ(host.Run(), 1);
+    EXPECT_EQ(one, 11);
+    EXPECT_EQ(two, 2);
+}
