@@ -153,15 +153,18 @@ TEST_F(ExplorerDialog, AChoiceInTheGalleryClosesIt) {
 }
 
 TEST_F(ExplorerDialog, TheLastSelectionWins) {
+    const std::string line = Dxf("0 LINE|10 0|20 9|11 90|21 50");
+    std::string body;
+    while (body.size() < 8000000) body += line;
     for (int i = 0; i < 4; ++i) {
-        std::string entities;  // the last file is done first, were it not for the wait
-        for (int n = 0; n < (i == 3 ? 1 : 12000); ++n)
-            entities += "0 LINE|10 0|20 " + std::to_string(i * 5) + "|11 90|21 50|";
-        folder.Write(std::to_string(i) + ".dxf", DxfDrawing(90, 60, entities + "0 X"));
+        std::string text = DxfDrawing(90, 60, "0 LINE|10 0|20 0|11 90|21 " + std::to_string(i * 9));
+        if (i < 3)
+            text.insert(text.rfind("  0\r\nENDSEC"), body);  // the last one is done first, were it not for the wait
+        folder.Write(std::to_string(i) + ".dxf", text);
     }
     const PaneContents last = DrawingOf(folder.At("3.dxf"), PaneTarget());
     std::vector<DialogStep> steps;
-    for (int i = 0; i < 12; ++i) steps.push_back(SelectFile(std::to_string(i % 4) + ".dxf"));
+    for (int i = 0; i < 8; ++i) steps.push_back(SelectFile(std::to_string(i % 4) + ".dxf"));
     steps.insert(steps.end(), {PaneShows(last, 150), SelectFile("2.dxf"), Press(IDCANCEL)});  // closed while it runs
     EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW, steps), 0u);
 }
@@ -296,15 +299,15 @@ TEST_F(ExplorerDialog, ManyLeaveNothingBehind) {
     const DialogStep shown = PaneShows(DrawingOf(path, PaneTarget()), 1);
     const auto run = [&](int count) {
         for (int i = 0; i < count; ++i) {
-            kwSelectFileGUI(i % 2);
-            if (i % 2) Run(KW_FILE_OPEN, {Press(IDCANCEL)});
-            else if (i % 4) Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {SelectFile("part.dxf"), Press(IDCANCEL)});
+            kwSelectFileGUI(i % 4 != 0);
+            if (i % 4 != 0) Run(KW_FILE_OPEN, {Press(IDCANCEL)});
+            else if (i % 8 == 0) Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {SelectFile("part.dxf"), Press(IDCANCEL)});
             else
                 Run(KW_FILE_OPEN | KW_FILE_PREVIEW,
                     {SelectFile("part.dxf"), shown, SelectFile("b.dxf"), Press(IDCANCEL)});
         }
     };
-    run(12);  // what the system keeps from its first dialogs
+    run(16);  // what the system keeps from its first dialogs
     const HandleCounts before = CountHandles();
     run(200);
     const HandleCounts after = CountHandles();

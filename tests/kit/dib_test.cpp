@@ -23,6 +23,9 @@ TEST(Dib, Pictures) {
     const std::string expected = Picture("...#", "#...");
     EXPECT_EQ(Shown(kTrueColor), expected);
     EXPECT_EQ(Shown(kIndexed), expected);
+    EXPECT_EQ(Shown(BitmapFile(4, 2, 8, kPalette + std::string(1600, '\0'), std::string("\1\0\0\0\0\0\0\1", 8))),
+              expected)
+        << "more colours than 8 bits can name";
     EXPECT_EQ(Shown(BitmapFile(4, -2, 8, kPalette, std::string("\0\0\0\1\1\0\0\0", 8))), expected);  // top down
     EXPECT_EQ(Shown(BitmapFile(4, 2, 1, kPalette, std::string("\x80\0\0\0\x10\0\0\0", 8))), expected);
 }

@@ -110,7 +110,8 @@ TEST(DxfReader, SectionsAndExtents) {
         {"before it, the later minimum", "9 $EXTMIN|10 7|20 7|" + extents + open + kLower + "|0 X", line},
         {"an incomplete maximum", "9 $EXTMAX|10 99|" + extents + open + kLower + "|0 X", line},
         {"a maximum alone begins at 0", "9 $EXTMAX|10 16|20 8|" + open + kLower + "|0 X", line},
-        {"among the entities they wipe what stood there", open + a3 + "|" + extents + kLower + "|0 X", line},
+        {"among the entities they wipe what stood there",
+         open + "0 LINE|10 9|20 250|11 400|21 9|" + extents + kLower + "|0 X", line},
         {"the default sheet", open + a3, Shown(Dxf("9 $EXTMIN|10 0|20 0|9 $EXTMAX|10 420|20 297|" + open + a3))},
         // clang-format on
     };
