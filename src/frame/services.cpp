@@ -236,6 +236,6 @@ bool StartModuleThread(void (*work)(void*), void* argument) {
         FreeLibrary(module);
         return false;
     }
-    start.release();  // the thread's own now
+    (void)start.release();  // the thread's own now
     return true;
 }

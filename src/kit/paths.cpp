@@ -1,14 +1,14 @@
 #include "kit/paths.h"
 
-#include <cstring>
+#include <windows.h>
 
-#include "kit/sjis.h"
+#include <cstring>
 
 // Calls `visit` for every single-byte character of a path.
 template <typename Visitor>
 static void ForEachSingleByte(const char* path, Visitor visit) {
     while (*path) {
-        if (IsLeadByte(static_cast<std::uint8_t>(*path)) && path[1]) {
+        if (IsDBCSLeadByte(static_cast<BYTE>(*path)) && path[1]) {
             path += 2;
         } else {
             visit(path++);

@@ -1,4 +1,4 @@
-// Paths in 8-bit text; double-byte characters are never split.
+// Paths, in the system's own code page; its double-byte characters are never split.
 #pragma once
 
 #include <string>

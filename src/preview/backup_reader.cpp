@@ -21,7 +21,6 @@ struct BackupDrawing {
     WorldRect extents;
     ByteView records;
     bool layers[kLayerCount];  // shown
-    LastText lastText;
 };
 
 bool ReadHeader(ByteView file, BackupDrawing* drawing) {
@@ -34,20 +33,23 @@ bool ReadHeader(ByteView file, BackupDrawing* drawing) {
     return true;
 }
 
-// The characters are not drawn, only the frame around them.
-void DrawTextFrame(DrawingRun& run, BackupDrawing* drawing, const TextFields& text) {
+// The characters are not drawn, only the frame around them. Deliberate: an alignment that is none of the three keeps
+// what the element before, of whatever kind, has left on its axis.
+void DrawTextFrame(DrawingRun& run, const TextFields& text) {
+    const PreviewPrimitive& before = run.canvas.primitive;
+    LastText last = {0, 0, before.a, before.c, before.b, before.d};
     TextPlacement place = PlacementOf(text);
     place.length = (static_cast<double>(text.width) + text.spacing) * text.length;
-    SetPlacedFrame(&run.canvas.primitive, &drawing->lastText, place);
+    SetPlacedFrame(&run.canvas.primitive, &last, place);
     SelectCanvasPen(&run.canvas, kTextPen);
     DrawOnCanvas(&run.canvas);
 }
 
 // Deliberate: lines and arcs have no end marks of their own here and leave the end-mark word as it is.
-void DrawRecord(DrawingRun& run, BackupDrawing* drawing, ByteView record) {
+void DrawRecord(DrawingRun& run, const BackupDrawing& drawing, ByteView record) {
     RecordHead head = {};
     ReadAt(record, 0, &head);
-    if ((head.status & kHiddenStatus) || !drawing->layers[head.layer % kLayerCount]) return;
+    if ((head.status & kHiddenStatus) || !drawing.layers[head.layer % kLayerCount]) return;
     PreviewPrimitive& primitive = run.canvas.primitive;
     switch (KindOf(head)) {
         case kPointElement: {
@@ -67,7 +69,7 @@ void DrawRecord(DrawingRun& run, BackupDrawing* drawing, ByteView record) {
             SelectCanvasPen(&run.canvas, PenOf(arc.attributes));
             break;
         }
-        case kTextElement: return DrawTextFrame(run, drawing, FieldsOf<TextFields>(record));
+        case kTextElement: return DrawTextFrame(run, FieldsOf<TextFields>(record));
         default: return;
     }
     DrawOnCanvas(&run.canvas);
@@ -81,7 +83,7 @@ bool DecodeBackup(DrawingRun& run) {
     FitCanvas(&run.canvas, drawing.extents);
     for (std::size_t at = 0; at < drawing.records.size; at += kRecordSize) {
         if (!MayContinue()) return false;
-        DrawRecord(run, &drawing, {drawing.records.data + at, kRecordSize});
+        DrawRecord(run, drawing, {drawing.records.data + at, kRecordSize});
     }
     return true;
 }

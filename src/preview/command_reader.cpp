@@ -45,13 +45,26 @@ std::string ReadCommandFile(const char* fileName, Comment* comment) {
     return path;
 }
 
+// Takes the last folder off a path that ends in a separator; false when there is none to take.
+bool DropLastFolder(std::string* folder) {
+    if (folder->empty()) return false;
+    const std::string unended = folder->substr(0, folder->size() - 1);
+    const char* const name = FindFileName(unended.c_str());
+    if (!*name || std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0) return false;
+    folder->resize(static_cast<std::size_t>(name - unended.c_str()));
+    return true;
+}
+
 // A path taken relative to the folder of the command file, without touching the process's current directory.
 std::string ResolveBeside(const char* fileName, const std::string& path) {
     const bool hasDrive = path.size() > 1 && path[1] == ':';
     const bool isRooted = path[0] == '\\' || path[0] == '/';
     if (hasDrive || (isRooted && path[1] == path[0])) return path;
     if (isRooted) return fileName[0] && fileName[1] == ':' ? std::string(fileName, 2) + path : path;
-    return std::string(fileName, FindFileName(fileName)) + path;
+    std::string folder(fileName, FindFileName(fileName));
+    std::size_t at = 0;
+    while (path.compare(at, 3, "..\\") == 0 && DropLastFolder(&folder)) at += 3;
+    return folder + path.substr(at);
 }
 
 PreviewReader ReaderOf(FileTypeCode code) {

@@ -127,6 +127,12 @@ void DrawArc(DrawingRun& run, const NativeDrawing& drawing, const ArcFields& arc
     DrawOnCanvas(&run.canvas);
 }
 
+// Deliberate: counted as full-width characters, whatever the text holds.
+double CharacterCount(std::size_t length) {
+    const std::size_t pairs = length / 2;
+    return static_cast<double>(pairs);
+}
+
 void DrawTextElement(DrawingRun& run, NativeDrawing* drawing, unsigned number, const TextFields& fields) {
     char text[256];
     const std::size_t length = GatherRecordText(number, drawing->count, drawing->Records(), text, sizeof(text));
@@ -134,7 +140,7 @@ void DrawTextElement(DrawingRun& run, NativeDrawing* drawing, unsigned number, c
     place.x += drawing->shiftX;
     place.y += drawing->shiftY;
     const double cellWidth = fields.width / 2.0;
-    place.length = (cellWidth + fields.spacing) * static_cast<double>(length / 2);
+    place.length = (cellWidth + fields.spacing) * CharacterCount(length);
     if (run.renderMode & kRenderTextFrames) {
         SetPlacedFrame(&run.canvas.primitive, &drawing->lastText, place);
     } else {

@@ -7,7 +7,7 @@
 
 ByteView TitleField(ByteView file, const TitleSlots& slots, std::size_t field) {
     const std::size_t begin = slots.begin + field * slots.size;
-    if (file.size < begin + slots.size) return {};
+    if (!file.data || file.size < begin + slots.size) return {};
     const std::uint8_t* const text = file.data + begin;
     return {text, strnlen(reinterpret_cast<const char*>(text), slots.maxLength)};
 }
