@@ -49,7 +49,8 @@ static void CALLBACK OnTick(HWND, UINT, UINT_PTR, DWORD) {
         if (run.dialog) run.opened = Now();
     }
     if (!run.dialog || run.cancelled > 0) return;
-    const bool works = IsWindowVisible(GetDlgItem(run.dialog, IDC_GALLERY_PROGRESS));
+    // The bar's own style: the dialog as a whole may not be visible yet.
+    const bool works = GetWindowLongA(GetDlgItem(run.dialog, IDC_GALLERY_PROGRESS), GWL_STYLE) & WS_VISIBLE;
     const double now = Now();
     if (works && (run.cancelAfter == 0 || now - run.opened < run.cancelAfter)) return;
     if (!works) run.finished = now;

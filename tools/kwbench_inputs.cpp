@@ -304,7 +304,7 @@ static void PutText(std::string* out, std::size_t offset, std::string_view text)
 static void WriteNativeHead(Writer* out, std::size_t entityCount) {
     std::string head(1024, '\0');
     const WorldRect sheet = SheetOf();
-    PutText(&head, 4, "CAD ORVIL QA V4.0");
+    PutText(&head, 4, "CAD ORVIL QA V4.0    \x14");
     Put(&head, 32, sheet.maxX);
     Put(&head, 40, sheet.maxY);
     Put(&head, 48, sheet.minX);
