@@ -15,7 +15,7 @@
 #include "preview/text_reader.h"
 
 static constexpr RECT kLargeTarget = {0, 0, 3000, 2000};  // little of a drawing hides the rest there
-static constexpr std::size_t kQuickLargeCount = 500000;  // entities; more take half a minute
+static constexpr std::size_t kQuickLargeCount = 500000;   // entities; more take half a minute
 static constexpr DWORD kCommentSize = 32767;
 static constexpr double kCancelSeconds = 0.005;
 
