@@ -109,10 +109,7 @@ struct Service {
     void (*run)(HWND window, Host& host);
 };
 constexpr Service kServices[] = {
-    {IDC_OPEN_WITH_PREVIEW, OpenWithPreview},
-    {IDC_OPEN, Open},
-    {IDC_SAVE, Save},
-    {IDC_CHOOSE_FOLDER, ChooseFolder},
+    {IDC_OPEN_WITH_PREVIEW, OpenWithPreview}, {IDC_OPEN, Open}, {IDC_SAVE, Save}, {IDC_CHOOSE_FOLDER, ChooseFolder},
     {IDC_PARAMETERS, EditHostParameters},
 };
 

@@ -35,6 +35,9 @@ bool BenchMemory(Bench* bench);
 bool BenchIdentify(Bench* bench);
 bool BenchExpression(Bench* bench);
 bool BenchDialog(Bench* bench);
+bool BenchDrawings(Bench* bench);
+bool BenchGallery(Bench* bench);
+bool BenchList(Bench* bench);
 
 // The part of BenchMemory that runs in a process of its own: reads a small drawing, then another, and returns by how
 // many kilobytes the second has raised the process's peak; -1 when a preview could not be made.

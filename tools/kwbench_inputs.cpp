@@ -5,12 +5,13 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <cstring>
 #include <iterator>
 #include <string_view>
 
 #include "kit/handles.h"
+#include "preview/element_record.h"
 
-static constexpr std::uint64_t kDrawingSeed = 0x6B776472617721;
 static constexpr std::uint64_t kFilesSeed = 0x6B7766696C6573;
 
 static constexpr std::int64_t kUnit = 1000000000000000;  // one drawing unit: lengths are counted in 1e-15 of it
@@ -86,7 +87,7 @@ static T Pick(Random* random, const T (&choices)[N]) {
     return choices[random->Below(N)];
 }
 
-EntityStream::EntityStream() : random{kDrawingSeed} {}
+EntityStream::EntityStream(std::uint64_t seed) : random{seed} {}
 
 // What was typed has few digits, what was computed all that a double holds.
 static Precision PickPrecision(Random* random) {
@@ -193,10 +194,13 @@ struct Writer {
         written += wanted;
         pending.clear();
     }
+    void Bytes(std::string_view bytes) {
+        pending += bytes;
+        if (pending.size() >= 1 << 20) Flush();
+    }
     void Line(std::string_view text) {
         pending += text;
-        pending += "\r\n";
-        if (pending.size() >= 1 << 20) Flush();
+        Bytes("\r\n");
     }
     void Pair(int code, std::string_view value) {
         char text[16];
@@ -217,7 +221,9 @@ struct Writer {
     }
 };
 
-static void WriteEntity(Writer* out, const Entity& entity, std::size_t number) {
+// DXF
+
+static void WriteDxfEntity(Writer* out, const Entity& entity, std::size_t number) {
     static constexpr const char* kNames[] = {"POINT", "LINE", "ARC", "CIRCLE", "TEXT"};
     char handle[16];
     std::snprintf(handle, sizeof(handle), "%X", static_cast<unsigned>(number + 0x100));
@@ -250,7 +256,7 @@ static void WriteEntity(Writer* out, const Entity& entity, std::size_t number) {
     }
 }
 
-static void WriteHead(Writer* out) {
+static void WriteDxfHead(Writer* out, std::size_t) {
     out->Pair(0, "SECTION");
     out->Pair(2, "HEADER");
     out->Pair(9, "$ACADVER");
@@ -278,19 +284,188 @@ static void WriteHead(Writer* out) {
     out->Pair(2, "ENTITIES");
 }
 
-bool WriteDrawing(const std::string& path, std::size_t size, Drawing* out) {
-    Writer writer(path);
-    WriteHead(&writer);
-    EntityStream entities;
+static void WriteDxfEnd(Writer* out) {
+    out->Pair(0, "ENDSEC");
+    out->Pair(0, "EOF");
+}
+
+// Native and backup drawings
+
+static WorldRect SheetOf() { return {0, 0, Cut(kSheetWidth, kShort).Value(), Cut(kSheetHeight, kShort).Value()}; }
+
+template <typename T>
+static void Put(std::string* out, std::size_t offset, const T& value) {
+    std::memcpy(out->data() + offset, &value, sizeof(value));
+}
+static void PutText(std::string* out, std::size_t offset, std::string_view text) {
+    out->replace(offset, text.size(), text);
+}
+
+static void WriteNativeHead(Writer* out, std::size_t entityCount) {
+    std::string head(1024, '\0');
+    const WorldRect sheet = SheetOf();
+    PutText(&head, 4, "CAD ORVIL QA V4.0    \x14");
+    Put(&head, 32, sheet.maxX);
+    Put(&head, 40, sheet.maxY);
+    Put(&head, 48, sheet.minX);
+    Put(&head, 56, sheet.minY);
+    PutText(&head, 106, "PART LIST");
+    Put(&head, 242, static_cast<std::uint16_t>(entityCount));
+    for (std::size_t layer = 0; layer < 16; ++layer) Put(&head, 250 + 2 * layer, std::uint16_t{1});
+    out->Bytes(head);
+}
+
+static void WriteBackupHead(Writer* out, std::size_t entityCount) {
+    std::string head(446, '\0');
+    PutText(&head, 0, "VEXTRON lumos Backup V2");
+    PutText(&head, 284, "PART LIST");
+    Put(&head, 410, SheetOf());
+    Put(&head, 442, static_cast<std::uint32_t>(entityCount));
+    out->Bytes(head);
+}
+
+int LineTypePen(const char* lineType) {
+    static constexpr struct {
+        const char* name;
+        int pen;
+    } kPens[] = {{"CONTINUOUS", 1}, {"DASHED", 2}, {"CENTER", 3}, {"PHANTOM", 4}, {"DOT", 5}, {"HIDDEN", 6}};
+    if (!lineType) return 0;
+    for (const auto& row : kPens) {
+        if (std::strcmp(row.name, lineType) == 0) return row.pen;
+    }
+    return 0;
+}
+
+Decimal FullWidthOf(const Entity& text) {
+    const std::int64_t factor = text.hasWidthFactor ? text.widthFactor.units : 10;
+    return {2 * text.size.units * factor, 2};
+}
+
+int VerticalOf(const Entity& text) { return std::max(text.vertical - 1, 0); }
+
+static float Single(Decimal number) { return static_cast<float>(number.Value()); }
+
+template <typename Fields>
+static void PutElement(std::string* record, ElementKind kind, const Fields& fields, std::size_t number) {
+    RecordHead head = {};
+    head.type = static_cast<std::uint16_t>(kind);
+    head.layer = static_cast<std::uint8_t>(number / 7 % 16);
+    Put(record, 0, head);
+    Put(record, kFieldsAt, fields);
+}
+
+static TextFields FieldsOfText(const Entity& text) {
+    TextFields fields = {};
+    fields.x = Single(text.x1);
+    fields.y = Single(text.y1);
+    fields.height = Single(text.size);
+    fields.width = Single(FullWidthOf(text));
+    fields.angleDegrees = text.hasAngle ? Single(text.startDegrees) : 0;
+    fields.placement = static_cast<std::uint16_t>(VerticalOf(text) << 5 | text.horizontal << 7);
+    return fields;
+}
+
+static void PutEntity(std::string* record, const Entity& entity, std::size_t number) {
+    const double x = entity.x1.Value(), y = entity.y1.Value();
+    const auto attributes = static_cast<std::uint16_t>(LineTypePen(entity.lineType) << 4);
+    switch (entity.kind) {
+        case EntityKind::kPoint: PutElement(record, kPointElement, PointFields{x, y}, number); break;
+        case EntityKind::kLine:
+            PutElement(record, kLineElement, LineFields{x, y, entity.x2.Value(), entity.y2.Value(), attributes},
+                       number);
+            break;
+        case EntityKind::kCircle:
+            PutElement(record, kArcElement, ArcFields{x, y, entity.size.Value(), 0, 360, attributes}, number);
+            break;
+        case EntityKind::kArc:
+            PutElement(record, kArcElement,
+                       ArcFields{x, y, entity.size.Value(), entity.startDegrees.Value(), entity.endDegrees.Value(),
+                                 attributes},
+                       number);
+            break;
+        case EntityKind::kText: PutElement(record, kTextElement, FieldsOfText(entity), number); break;
+    }
+}
+
+static void WriteNativeEntity(Writer* out, const Entity& entity, std::size_t number) {
+    std::string record(kRecordSize, '\0');
+    PutEntity(&record, entity, number);
+    if (entity.kind == EntityKind::kText) {  // all of them are short enough to need no continuation
+        PutText(&record, 48, entity.text);
+        Put(&record, 62, std::uint16_t{65535});
+    }
+    out->Bytes(record);
+}
+
+static void WriteBackupEntity(Writer* out, const Entity& entity, std::size_t number) {
+    std::string record(kRecordSize, '\0');
+    PutEntity(&record, entity, number);
+    if (entity.kind == EntityKind::kText) Put(&record, 46, static_cast<std::uint16_t>(std::strlen(entity.text)));
+    out->Bytes(record);
+}
+
+static void WriteNoEnd(Writer*) {}
+
+// Text drawings
+
+static void WriteTextHead(Writer* out, std::size_t) {
+    out->Line("; generated");
+    out->Line("FIGRNAME PART LIST");
+    out->Line("AR " + TextOf(Cut(0, kShort)) + "," + TextOf(Cut(0, kShort)) + "," + TextOf(Cut(kSheetWidth, kShort)) +
+              "," + TextOf(Cut(kSheetHeight, kShort)));
+}
+
+static void WriteTextEntity(Writer* out, const Entity& entity, std::size_t number) {
+    static constexpr const char* kKeys[] = {"GP ", "GL ", "GA ", "GA ", "GT "};
+    std::string line = kKeys[static_cast<int>(entity.kind)];
+    if (entity.kind != EntityKind::kText) line += std::to_string(number / 7 % 16) + ",";
+    line += TextOf(entity.x1) + "," + TextOf(entity.y1) + ",";
+    switch (entity.kind) {
+        case EntityKind::kPoint: break;
+        case EntityKind::kLine: line += TextOf(entity.x2) + "," + TextOf(entity.y2) + ","; break;
+        case EntityKind::kCircle: line += TextOf(entity.size) + ",0.0,360.0,"; break;
+        case EntityKind::kArc:
+            line += TextOf(entity.size) + "," + TextOf(entity.startDegrees) + "," + TextOf(entity.endDegrees) + ",";
+            break;
+        case EntityKind::kText:
+            line += TextOf(FullWidthOf(entity)) + "," + TextOf(entity.size) + ",0.0," +
+                    (entity.hasAngle ? TextOf(entity.startDegrees) : "0.0") + ",0.0,";
+            break;
+    }
+    line += std::to_string(LineTypePen(entity.lineType));
+    if (entity.kind == EntityKind::kText) line += std::string(",'") + entity.text + "'";
+    out->Line(line);
+}
+
+static constexpr struct {
+    const char* extension;
+    void (*head)(Writer* out, std::size_t entityCount);
+    void (*entity)(Writer* out, const Entity& entity, std::size_t number);
+    void (*end)(Writer* out);
+} kFormats[kDrawingFormatCount] = {
+    // in the order of DrawingFormat
+    {".dxf", WriteDxfHead, WriteDxfEntity, WriteDxfEnd},
+    {".drw", WriteNativeHead, WriteNativeEntity, WriteNoEnd},
+    {".bak", WriteBackupHead, WriteBackupEntity, WriteNoEnd},
+    {".exf", WriteTextHead, WriteTextEntity, WriteNoEnd},
+};
+
+const char* ExtensionOf(DrawingFormat format) { return kFormats[static_cast<int>(format)].extension; }
+
+bool WriteDrawing(std::size_t size, std::size_t entityCount, Drawing* drawing) {
+    const auto& format = kFormats[static_cast<int>(drawing->format)];
+    Writer writer(drawing->path);
+    format.head(&writer, entityCount);
+    EntityStream entities(drawing->seed);
     std::size_t count = 0;
-    for (; writer.good && writer.Size() < size; ++count) WriteEntity(&writer, entities.Next(), count);
-    writer.Pair(0, "ENDSEC");
-    writer.Pair(0, "EOF");
+    for (; writer.good && count < entityCount && writer.Size() < size; ++count) {
+        format.entity(&writer, entities.Next(), count);
+    }
+    format.end(&writer);
     writer.Flush();
-    out->path = path;
-    out->size = writer.written;
-    out->entityCount = count;
-    out->extents = {0, 0, Cut(kSheetWidth, kShort).Value(), Cut(kSheetHeight, kShort).Value()};
+    drawing->size = writer.written;
+    drawing->entityCount = count;
+    drawing->extents = SheetOf();
     return writer.good;
 }
 
@@ -356,4 +531,19 @@ std::vector<std::string> WriteSmallFiles(const std::string& folder, std::size_t 
         paths.push_back(path);
     }
     return paths;
+}
+
+std::vector<std::string> WriteListedFiles(const std::string& folder, std::size_t count) {
+    std::vector<std::string> names;
+    Random random{kFilesSeed};
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto& kind = kSmallFiles[random.Below(std::size(kSmallFiles))];
+        const std::string name = "part" + std::to_string(i) + kind.extension;
+        Writer writer(folder + name);
+        writer.pending.assign(random.Below(2000), ' ');
+        writer.Flush();
+        if (!writer.good) return names;
+        names.push_back(name);
+    }
+    return names;
 }

@@ -1,5 +1,5 @@
-// Generated inputs: drawings in the ASCII form of DXF, and folders of small files of many kinds. Fixed seeds, so every
-// run and every machine measures the same bytes.
+// Generated inputs: drawings in all formats, and folders of small files of many kinds. Fixed seeds, so every run and
+// every machine measures the same bytes.
 #pragma once
 
 #include <cstddef>
@@ -40,28 +40,52 @@ struct Entity {
     const char* text = "";
 };
 
-// Yields a drawing's entities one after the other, the same sequence at every start.
+constexpr std::uint64_t kDrawingSeed = 0x6B776472617721;
+
+// Yields a drawing's entities one after the other, the same sequence at every start
+// from the same seed.
 struct EntityStream {
     Random random;
     std::int64_t penX = 0, penY = 0;  // where the contour that is being drawn has come to, in 1e-15 drawing units
     std::uint32_t contourLeft = 0;
     std::uint32_t textsLeft = 0;  // of the same size and angle
     Entity lastText;
-    EntityStream();
+    explicit EntityStream(std::uint64_t seed);
     Entity Next();
 };
 
+// The ASCII form of DXF, native, backup and text drawings.
+enum class DrawingFormat { kDxf, kNative, kBackup, kText };
+constexpr int kDrawingFormatCount = 4;
+
 // A drawing that has been written.
 struct Drawing {
-    std::string path;
+    DrawingFormat format = DrawingFormat::kDxf;
+    std::string path = {};
+    std::uint64_t seed = kDrawingSeed;
     std::size_t size = 0;         // bytes
     std::size_t entityCount = 0;  // taken from the start of an EntityStream
     WorldRect extents = {};
 };
 
-// Writes a drawing of about that many bytes; false when the file cannot be written.
-bool WriteDrawing(const std::string& path, std::size_t size, Drawing* out);
+// How formats other than DXF write an entity: the pen of its line type, a text's full-width character's width, and
+// where its point stands.
+int LineTypePen(const char* lineType);
+Decimal FullWidthOf(const Entity& text);
+int VerticalOf(const Entity& text);  // 0: at the bottom, 1: in the middle, 2: at the top
+
+// Writes a drawing of `drawing`'s format and seed to its path and fills in the rest: so many entities, or until it has
+// about `size` bytes, whichever comes first. Formats with a record count in front need `entityCount`. False when the
+// file cannot be written.
+bool WriteDrawing(std::size_t size, std::size_t entityCount, Drawing* drawing);
+
+// The extension of a format's files, with the dot.
+const char* ExtensionOf(DrawingFormat format);
 
 // Writes small files of all kinds, 1 to 4 KB each, into `folder` (which ends with a backslash) and returns their paths
 // in a mixed order; fewer than `count` when one cannot be written.
 std::vector<std::string> WriteSmallFiles(const std::string& folder, std::size_t count);
+
+// Writes `count` files of a few bytes into one folder and returns their names; fewer than `count` when one cannot be
+// written.
+std::vector<std::string> WriteListedFiles(const std::string& folder, std::size_t count);

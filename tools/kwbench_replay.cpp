@@ -6,6 +6,7 @@
 #include <initializer_list>
 
 #include "frame/services.h"
+#include "kit/full_width.h"
 #include "kit/numbers.h"
 #include "preview/canvas.h"
 #include "resources/resource.h"
@@ -23,6 +24,7 @@ enum Call : std::int32_t {
 // ---- Recording
 
 struct Recorder {
+    DrawingFormat format = DrawingFormat::kDxf;
     Recording out;
     int pen = -1, font = -1;
     Slot fieldE;  // of the renderer's record: lines take their end marks from what an earlier element left there
@@ -50,19 +52,6 @@ static constexpr double kPi = 3.14159265358979323846;
 static double Radians(double degrees) { return degrees * (kPi / 180); }
 static double Degrees(double radians) { return radians * (180 / kPi); }
 
-// The canvas pen of a line type.
-static int PenOf(const char* lineType) {
-    static constexpr struct {
-        const char* name;
-        int pen;
-    } kPens[] = {{"CONTINUOUS", 1}, {"DASHED", 2}, {"CENTER", 3}, {"PHANTOM", 4}, {"DOT", 5}, {"HIDDEN", 6}};
-    if (!lineType) return 0;
-    for (const auto& row : kPens) {
-        if (std::strcmp(row.name, lineType) == 0) return row.pen;
-    }
-    return 0;
-}
-
 static void RecordPoint(Recorder* recorder, const Entity& point) {
     const double x = point.x1.Value(), y = point.y1.Value();
     if (PointInWindow(recorder->out.view, x, y)) recorder->Pixel(MapPoint(recorder->out.view, x, y));
@@ -73,7 +62,7 @@ static void RecordEndMark(Recorder* recorder, const Entity& line, std::uint32_t 
     if (code != kMarkArrow && code != kMarkDot) return;
     const ViewTransform& view = recorder->out.view;
     const double size = 0.015 * std::hypot(view.worldMaxX - view.worldMinX, view.worldMaxY - view.worldMinY);
-    recorder->NeedPen(PenOf(line.lineType));
+    recorder->NeedPen(LineTypePen(line.lineType));
     recorder->Add(kEndMark, {static_cast<std::int32_t>(recorder->out.endMarks.size())});
     recorder->out.endMarks.push_back({code, x, y, angleDegrees, size});
 }
@@ -81,7 +70,11 @@ static void RecordEndMark(Recorder* recorder, const Entity& line, std::uint32_t 
 static void RecordLine(Recorder* recorder, const Entity& line) {
     double x1 = line.x1.Value(), y1 = line.y1.Value(), x2 = line.x2.Value(), y2 = line.y2.Value();
     if (!ClipSegmentToWindow(recorder->out.view, &x1, &y1, &x2, &y2)) return;
-    recorder->Segment(PenOf(line.lineType), MapPoint(recorder->out.view, x1, y1), MapPoint(recorder->out.view, x2, y2));
+    recorder->Segment(LineTypePen(line.lineType), MapPoint(recorder->out.view, x1, y1),
+                      MapPoint(recorder->out.view, x2, y2));
+    const bool hasOwnMarks =
+        recorder->format == DrawingFormat::kNative || recorder->format == DrawingFormat::kText;  // and they are none
+    if (hasOwnMarks) recorder->fieldE.SetEndMarks(0);
     const std::uint32_t marks = recorder->fieldE.EndMarks();
     const double angle = Degrees(std::atan2(y2 - y1, x2 - x1));
     RecordEndMark(recorder, line, marks & 0xFFFF, x1, y1, angle);
@@ -101,9 +94,9 @@ static void RecordArc(Recorder* recorder, const Entity& arc, double start, doubl
     if (pixels == 0 || (from.x == to.x && from.y == to.y && sweep < 360)) {
         recorder->Pixel(from);
     } else if (pixels * Radians(sweep) <= 12 && sweep < 360) {
-        recorder->Segment(PenOf(arc.lineType), from, to);
+        recorder->Segment(LineTypePen(arc.lineType), from, to);
     } else {
-        recorder->NeedPen(PenOf(arc.lineType));
+        recorder->NeedPen(LineTypePen(arc.lineType));
         recorder->Add(kEllipseArc, {centre.x - pixels, centre.y - pixels, centre.x + pixels, centre.y + pixels, from.x,
                                     from.y, to.x, to.y});
     }
@@ -130,36 +123,119 @@ static int FontIndex(std::vector<RecordedFont>* fonts, const RecordedFont& wante
     return index;
 }
 
-static void RecordText(Recorder* recorder, const Entity& text) {
-    recorder->fieldE.Set(0);  // the space between characters
+// A text as its format gives it.
+struct PlacedText {
+    double x, y, height, width;  // of one cell
+    double degrees;
+    double total;              // of all cells
+    int horizontal, vertical;  // 0 to 2: left, middle, right; bottom, middle, top
+    std::string characters;
+};
+
+static PlacedText DxfText(const Entity& text) {
     const double height = text.size.Value();
     const double width = height * (text.hasWidthFactor ? text.widthFactor.Value() : 1.0);
-    const double degrees = text.hasAngle ? text.startDegrees.Value() : 0;
-    const RecordedFont wanted = {recorder->Pixels(height), recorder->Pixels(width), TruncToInt32(degrees * 10)};
+    return {text.x1.Value(),
+            text.y1.Value(),
+            height,
+            width,
+            text.hasAngle ? text.startDegrees.Value() : 0,
+            CountCells(text.text) * width,
+            text.horizontal,
+            VerticalOf(text),
+            text.text};
+}
+
+static std::string Widened(const char* text) {
+    std::string wide;
+    for (; *text; ++text) {
+        const std::uint16_t character = ToFullWidth(static_cast<std::uint8_t>(*text));
+        wide += static_cast<char>(character >> 8);
+        wide += static_cast<char>(character & 0xFF);
+    }
+    return wide;
+}
+
+static double AsSingle(Decimal number) { return static_cast<float>(number.Value()); }
+
+static PlacedText NativeText(const Entity& text) {
+    const double cell = AsSingle(FullWidthOf(text)) / 2;
+    return {AsSingle(text.x1),
+            AsSingle(text.y1),
+            AsSingle(text.size),
+            cell,
+            text.hasAngle ? AsSingle(text.startDegrees) : 0,
+            cell * static_cast<double>(std::strlen(text.text)),
+            text.horizontal,
+            VerticalOf(text),
+            Widened(text.text)};
+}
+
+static PlacedText BackupText(const Entity& text) {  // only its frame is drawn
+    PlacedText frame = NativeText(text);
+    frame.total *= 2;  // counted in full-width characters
+    return frame;
+}
+
+static PlacedText TextDrawingText(const Entity& text) {
+    const double cell = FullWidthOf(text).Value() / 2;
+    return {text.x1.Value(),
+            text.y1.Value(),
+            text.size.Value(),
+            cell,
+            text.hasAngle ? text.startDegrees.Value() : 0,
+            cell * static_cast<double>(std::strlen(text.text)),
+            0,
+            0,
+            text.text};
+}
+
+static POINT MapTurned(const Recorder& recorder, const PlacedText& about, double x, double y) {
+    const double dx = x - about.x, dy = y - about.y;
+    const double cosine = std::cos(Radians(about.degrees)), sine = std::sin(Radians(about.degrees));
+    return MapPoint(recorder.out.view, about.x + dx * cosine - dy * sine, about.y + dx * sine + dy * cosine);
+}
+
+static void RecordFrame(Recorder* recorder, const PlacedText& text) {
+    recorder->fieldE.Set(text.x);
+    const double left = text.x - text.total * text.horizontal / 2;
+    const double right = text.x + text.total * (2 - text.horizontal) / 2;
+    const double bottom = text.y - text.height * text.vertical / 2;
+    const double top = text.y + text.height * (2 - text.vertical) / 2;
+    const auto corner = [&](double x, double y) {
+        return text.degrees == 0 ? MapPoint(recorder->out.view, x, y) : MapTurned(*recorder, text, x, y);
+    };
+    const POINT corners[] = {corner(left, bottom), corner(left, top), corner(right, top), corner(right, bottom)};
+    for (int i = 0; i < 4; ++i) recorder->Segment(kTextPen, corners[i], corners[(i + 1) % 4]);
+}
+
+static void RecordText(Recorder* recorder, const Entity& entity) {
+    static constexpr PlacedText (*kPlaces[])(const Entity&) = {DxfText, NativeText, BackupText, TextDrawingText};
+    const PlacedText text = kPlaces[static_cast<int>(recorder->format)](entity);
+    if (recorder->format == DrawingFormat::kBackup) return RecordFrame(recorder, text);
+    recorder->fieldE.Set(0);  // the space between characters
+    const RecordedFont wanted = {recorder->Pixels(text.height), recorder->Pixels(text.width),
+                                 TruncToInt32(text.degrees * 10)};
     if (wanted.height < 2 || wanted.width < 2) return;
 
-    // The upper left corner, from the insertion point by the justification, turned about the insertion point.
-    const double x = text.x1.Value(), y = text.y1.Value();
-    const double total = CountCells(text.text) * width;
-    const double toLeft[] = {0, total / 2, total}, toTop[] = {height, height, height / 2, 0};
-    const double dx = x - toLeft[text.horizontal] - x, dy = y + toTop[text.vertical] - y;
-    const double cosine = std::cos(Radians(degrees)), sine = std::sin(Radians(degrees));
-    const POINT at = MapPoint(recorder->out.view, x + dx * cosine - dy * sine, y + dx * sine + dy * cosine);
-
+    // The upper left corner.
+    const POINT at = MapTurned(*recorder, text, text.x - text.total * text.horizontal / 2,
+                               text.y + text.height * (2 - text.vertical) / 2);
     const int font = FontIndex(&recorder->out.fonts, wanted);
     if (font != recorder->font) recorder->Add(kSelectFont, {font});
     recorder->font = font;
     const auto offset = static_cast<std::int32_t>(recorder->out.texts.size());
-    recorder->out.texts += text.text;
-    recorder->Add(kTextRun, {at.x, at.y, offset, static_cast<std::int32_t>(std::strlen(text.text))});
+    recorder->out.texts += text.characters;
+    recorder->Add(kTextRun, {at.x, at.y, offset, static_cast<std::int32_t>(text.characters.size())});
 }
 
 Recording RecordPreview(const Drawing& drawing, DWORD renderMode, const RECT& target) {
     Recorder recorder;
+    recorder.format = drawing.format;
     recorder.out.renderMode = renderMode;
     recorder.out.target = target;
     FitViewTransform(drawing.extents, target, &recorder.out.view);
-    EntityStream entities;
+    EntityStream entities(drawing.seed);
     for (std::size_t i = 0; i < drawing.entityCount; ++i) {
         const Entity entity = entities.Next();
         switch (entity.kind) {

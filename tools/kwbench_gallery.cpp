@@ -1,0 +1,147 @@
+// The gallery over a folder of small drawings: the time until all thumbnails stand, how it reacts meanwhile, and how
+// soon Cancel closes it.
+#include "gallery/gallery.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "kit/handles.h"
+#include "kwbench.h"
+#include "preview/dispatch.h"
+#include "preview/file_type.h"
+#include "resources/resource.h"
+
+static constexpr double kLimit = 1.2;
+static constexpr double kReactionSeconds = 0.1, kCloseSeconds = 0.05;
+static constexpr UINT kTickMilliseconds = 5;
+
+// One gallery as it is driven. Only one is open at a time, and hooks and timers without a window take no argument.
+static struct GalleryRun {
+    double cancelAfter = 0;  // seconds from the first tick; 0: when all thumbnails stand
+    HWND dialog = nullptr;
+    double opened = 0, lastMessage = 0, longestGap = 0;
+    double finished = 0;   // when the progress bar was found hidden; 0: cancelled before
+    double cancelled = 0;  // when Cancel was posted
+} run;
+
+static BOOL CALLBACK TakeGallery(HWND window, LPARAM) {
+    if (GetDlgItem(window, IDC_GALLERY_LIST)) run.dialog = window;
+    return !run.dialog;
+}
+
+// Every message from the queue, the ticks too: what the worker sends does not count, as it does not wait in line with
+// the user's clicks and keys. A tick comes only when the queue is empty, so the gaps are rather too long than too
+// short.
+static LRESULT CALLBACK NoteMessage(int code, WPARAM wParam, LPARAM lParam) {
+    if (code == HC_ACTION && wParam == PM_REMOVE && run.dialog && !run.cancelled) {
+        const double now = Now();
+        if (run.lastMessage > 0) run.longestGap = std::max(run.longestGap, now - run.lastMessage);
+        run.lastMessage = now;
+    }
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+static void CALLBACK OnTick(HWND, UINT, UINT_PTR, DWORD) {
+    if (!run.dialog) {
+        EnumThreadWindows(GetCurrentThreadId(), TakeGallery, 0);
+        if (run.dialog) run.opened = Now();
+    }
+    if (!run.dialog || run.cancelled > 0) return;
+    // The bar's own style: the dialog as a whole may not be visible yet.
+    const bool works = GetWindowLongA(GetDlgItem(run.dialog, IDC_GALLERY_PROGRESS), GWL_STYLE) & WS_VISIBLE;
+    const double now = Now();
+    if (works && (run.cancelAfter == 0 || now - run.opened < run.cancelAfter)) return;
+    if (!works) run.finished = now;
+    run.cancelled = now;
+    PostMessageA(run.dialog, WM_COMMAND, IDCANCEL, 0);
+}
+
+// Opens the gallery until it is complete or for so long; returns the seconds that Cancel took to close it.
+static double DriveGallery(const std::string& folder, double cancelAfter) {
+    run = {};
+    run.cancelAfter = cancelAfter;
+    char result[MAX_PATH] = "";
+    const UINT_PTR timer = SetTimer(nullptr, 0, kTickMilliseconds, OnTick);
+    const HHOOK hook = SetWindowsHookExA(WH_GETMESSAGE, NoteMessage, nullptr, GetCurrentThreadId());
+    ShowGallery(nullptr, 0, folder.c_str(), "*.*", result, sizeof(result));
+    const double closed = Now();
+    UnhookWindowsHookEx(hook);
+    KillTimer(nullptr, timer);
+    return closed - run.cancelled;
+}
+
+// ---- The floor
+
+// Identifies each file and calls its reader, one after the other: what the gallery's worker cannot do without. The
+// readers' own floors are measured elsewhere. False when a drawing gives no picture.
+static bool ReadInLoop(const std::vector<std::string>& paths, const RECT& thumbnail) {
+    for (const std::string& path : paths) {
+        const PreviewReader read = GalleryReaderFor(IdentifyFileType(path.c_str(), nullptr, 0));
+        if (!read || !UniqueBitmap(read(0, path.c_str(), &thumbnail, nullptr, 0))) return false;
+    }
+    return true;
+}
+
+static std::vector<std::string> WriteSmallDrawings(const std::string& folder, std::size_t count) {
+    std::vector<std::string> paths;
+    Random random{1};
+    for (std::size_t i = 0; i < count; ++i) {
+        Drawing drawing;
+        drawing.format = static_cast<DrawingFormat>(i % kDrawingFormatCount);
+        drawing.path = folder + "part" + std::to_string(i) + ExtensionOf(drawing.format);
+        drawing.seed = kDrawingSeed + i;
+        if (!WriteDrawing(SIZE_MAX, 20 + random.Below(300), &drawing)) break;
+        paths.push_back(drawing.path);
+    }
+    return paths;
+}
+
+// ---- The rows
+
+static Row AtMostRow(const std::string& what, std::vector<double> seconds, double limit) {
+    const double worst = *std::max_element(seconds.begin(), seconds.end());
+    return {what, Milliseconds(worst),         Milliseconds(Median(seconds)) + " (median)",
+            "",   "<= " + Milliseconds(limit), worst <= limit ? Row::kMet : Row::kMissed};
+}
+
+bool BenchGallery(Bench* bench) {
+    static constexpr RECT kThumbnail = {0, 0, 120, 90};
+    const std::size_t count = bench->quick ? 250 : 1000;
+    const int roundCount = bench->quick ? 3 : 7;
+    const std::string folder = bench->folder + "gallery\\";
+    Progress("writing " + std::to_string(count) + " small drawings");
+    if (!CreateDirectoryA(folder.c_str(), nullptr)) return Fail("cannot make " + folder);
+    const std::vector<std::string> paths = WriteSmallDrawings(folder, count);
+    if (paths.size() < count || !ReadInLoop(paths, kThumbnail)) return Fail("gallery: no small drawings");
+
+    Comparison rounds;
+    std::vector<double> gaps, closings;
+    for (int i = 0; i < roundCount; ++i) {
+        Progress("gallery: round " + std::to_string(i + 1) + " of " + std::to_string(roundCount));
+        bool good = true;
+        const auto measureFloor = [&] {
+            rounds.floor.push_back(SecondsOf([&] { good = ReadInLoop(paths, kThumbnail); }));
+        };
+        if (i % 2 != 0) measureFloor();
+        const double start = Now();
+        DriveGallery(folder, 0);
+        rounds.measured.push_back(run.finished - start);
+        gaps.push_back(run.longestGap);
+        if (i % 2 == 0) measureFloor();
+        if (!good || run.finished == 0) return Fail("gallery: the gallery did not finish");
+    }
+    Random random{2};
+    const double whole = Median(rounds.measured);
+    for (int i = 0; i < (bench->quick ? 10 : 20); ++i) {
+        const double seconds = DriveGallery(folder, 0.01 + 0.7 * whole * random.Below(1000) / 1000);
+        if (run.finished == 0) closings.push_back(seconds);
+    }
+    if (closings.empty()) return Fail("gallery: it always finishes before Cancel");
+    const std::string what = "gallery " + std::to_string(count) + " files: ";
+    bench->rows.push_back(TimeRow(what + "complete", rounds, kLimit));
+    bench->rows.push_back(AtMostRow(what + "longest gap between messages", gaps, kReactionSeconds));
+    bench->rows.push_back(AtMostRow(what + "Cancel while it works", closings, kCloseSeconds));
+    return true;
+}
