@@ -54,16 +54,12 @@ void LayoutDialog::Open(const DialogStep& step) {
         {Check([](HWND) {}), step, Press(IDCANCEL)});  // the dialog has come to rest before the step
 }
 
-static std::string RectText(RECT r) {
-    return std::to_string(r.left) + "," + std::to_string(r.top) + " " + std::to_string(r.right) + "," +
-           std::to_string(r.bottom);
-}
-
 static std::string Placed(HWND dialog, int id) {
     RECT rect = {};
     GetWindowRect(id ? GetDlgItem(dialog, id) : dialog, &rect);
     if (id) MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&rect), 2);
-    return RectText(rect);
+    return std::to_string(rect.left) + "," + std::to_string(rect.top) + " " + std::to_string(rect.right) + "," +
+           std::to_string(rect.bottom);
 }
 
 TEST(Layout, ControlsFollowTheGrowth) {
