@@ -17,7 +17,6 @@ set_property(TARGET kwdialogs APPEND PROPERTY LINK_DEPENDS ${imports} ${CMAKE_CU
 add_custom_command(TARGET kwdialogs POST_BUILD
   COMMAND ${KWDIALOGS_DLLTOOL} --kill-at -d ${imports} -D kwdialogs.dll -l $<TARGET_LINKER_FILE:kwdialogs>
   VERBATIM)
-install(FILES $<TARGET_LINKER_FILE:kwdialogs> TYPE LIB)
 
 if(KWDIALOGS_LLVM_DLLTOOL)
   set(msvc_library ${CMAKE_ARCHIVE_OUTPUT_DIRECTORY}/kwdialogs.lib)

@@ -93,7 +93,7 @@ void Save(HWND window, Host& host) {
 
 void ChooseFolder(HWND window, Host& host) {
     char title[128];
-    if (!host.folder[0]) lstrcpynA(host.folder, host.options.samples.c_str(), sizeof(host.folder));
+    if (!host.folder[0]) lstrcpynA(host.folder, (host.options.samples + "\\").c_str(), sizeof(host.folder));
     kwSelectFileGUI(IsDlgButtonChecked(window, IDC_CLASSIC_STYLE) == BST_CHECKED);
     const bool chosen = kwSelectDirectryName(window, LoadText(IDS_FOLDER_TITLE, title), host.folder) != 0;
     ShowResult(window, chosen, host.folder);
@@ -106,21 +106,17 @@ void EditHostParameters(HWND window, Host& host) {
 
 struct Service {
     int button;
-    bool enabled;  // the library has it
     void (*run)(HWND window, Host& host);
 };
 constexpr Service kServices[] = {
-    {IDC_OPEN_WITH_PREVIEW, true, OpenWithPreview},
-    {IDC_OPEN, true, Open},
-    {IDC_SAVE, true, Save},
-    {IDC_CHOOSE_FOLDER, false, ChooseFolder},
-    {IDC_PARAMETERS, true, EditHostParameters},
+    {IDC_OPEN_WITH_PREVIEW, OpenWithPreview},
+    {IDC_OPEN, Open},
+    {IDC_SAVE, Save},
+    {IDC_CHOOSE_FOLDER, ChooseFolder},
+    {IDC_PARAMETERS, EditHostParameters},
 };
 
 INT_PTR OnInitDialog(HWND window, const Host& host) {
-    for (const Service& service : kServices) {
-        EnableWindow(GetDlgItem(window, service.button), service.enabled && service.run);
-    }
     if (!host.options.shots.empty()) StartTour(window, host.options);
     return TRUE;
 }
@@ -128,7 +124,7 @@ INT_PTR OnInitDialog(HWND window, const Host& host) {
 INT_PTR OnCommand(HWND window, Host& host, int id) {
     if (id == IDCANCEL) EndDialog(window, 0);
     for (const Service& service : kServices) {
-        if (service.button == id && service.enabled && service.run) service.run(window, host);
+        if (service.button == id) service.run(window, host);
     }
     return TRUE;
 }

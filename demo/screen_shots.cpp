@@ -25,6 +25,11 @@ constexpr int kStillTicks = 10;             // a pane without a comment is done 
 // Controls of the preview pane.
 constexpr int kPanePicture = 1007;
 constexpr int kPaneComment = 1061;
+constexpr int kPaneGallery = 1063;
+
+// Controls of the gallery.
+constexpr int kGalleryList = 1064;
+constexpr int kGalleryProgress = 1065;
 
 // One thing to do or to wait for. It is asked at each tick until it returns true.
 struct Step {
@@ -154,6 +159,41 @@ Step FileDialogShows() {
     return {"wait for the file dialog", [] { return GetDlgItem(FrontDialog(), cmb1) != nullptr; }};
 }
 
+Step FolderTreeShows() {
+    return {"wait for the folder tree", [] {
+                const HWND tree = FindByClass(WC_TREEVIEWA);
+                return tree && SendMessageA(tree, TVM_GETNEXTITEM, TVGN_CARET, 0);
+            }};
+}
+
+// The gallery as it opens, with pictures still to come.
+Step GalleryShows() {
+    return {"wait for the gallery", [] { return FindById(kGalleryList) != nullptr; }};
+}
+
+// It hides its progress bar when the last picture is there.
+Step GalleryComplete() {
+    return {"wait for the gallery's pictures", [] { return !IsWindowVisible(FindById(kGalleryProgress)); }};
+}
+
+// Makes the front dialog larger, as a user would at its corner.
+Step GrowDialog(int dx, int dy) {
+    return {"grow the dialog", [dx, dy] {
+                RECT rect = {};
+                GetWindowRect(FrontDialog(), &rect);
+                return SetWindowPos(FrontDialog(), nullptr, rect.left - dx / 2, rect.top - dy / 2,
+                                    rect.right - rect.left + dx, rect.bottom - rect.top + dy, SWP_NOZORDER) != FALSE;
+            }};
+}
+
+// The picture as it is now, without a wait.
+Step ShootAtOnce(const std::string& name) {
+    return {"take " + name, [=] {
+                if (!SaveShot(name)) tour.failed = true;
+                return true;
+            }};
+}
+
 Step ControlShows(int id) {
     return {"wait for control " + std::to_string(id), [id] { return IsWindowVisible(FindById(id)) != FALSE; }};
 }
@@ -191,6 +231,14 @@ Step PressInDialog(int button) {
                 PostMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(button),
                              reinterpret_cast<LPARAM>(GetDlgItem(dialog, button)));
                 return true;
+            }};
+}
+
+// A button of the preview pane, which is a dialog inside the file dialog.
+Step PressInPane(int button) {
+    return {"press pane button " + std::to_string(button), [button] {
+                const HWND control = FindById(button);
+                return control && PostMessageA(control, BM_CLICK, 0, 0);
             }};
 }
 
@@ -304,7 +352,14 @@ std::vector<Step> StepsOfTour(bool japanese) {
         Shoot("explorer_no_preview"),
         SelectInExplorer("mounting_plate.dxf"),
         CommentShows("MP-2040-01"),
-        PressInDialog(IDOK),
+        PressInPane(kPaneGallery),
+        GalleryShows(),
+        ShootAtOnce("gallery_loading"),
+        GalleryComplete(),
+        Shoot("gallery"),
+        GrowDialog(170, 110),
+        Shoot("gallery_resized"),
+        PressInDialog(IDOK),  // the drawing that was selected before
         DialogGone(),
         Shoot("host_chosen"),
 
@@ -326,6 +381,12 @@ std::vector<Step> StepsOfTour(bool japanese) {
         PressInDialog(IDCANCEL),
         DialogGone(),
 
+        Press(IDC_CHOOSE_FOLDER),
+        FolderTreeShows(),
+        Shoot("folder_tree"),
+        PressInDialog(IDCANCEL),
+        DialogGone(),
+
         SetClassicStyle(true),
         Press(IDC_OPEN),
         FileDialogShows(),
@@ -333,6 +394,13 @@ std::vector<Step> StepsOfTour(bool japanese) {
         Shoot("classic"),
         PressInDialog(IDCANCEL),
         DialogGone(),
+
+        Press(IDC_CHOOSE_FOLDER),
+        FileDialogShows(),
+        Shoot("classic_folder"),
+        PressInDialog(IDOK),
+        DialogGone(),
+        Shoot("host_folder_chosen"),
 
         Press(IDC_PARAMETERS),
         ControlShows(IDC_DEPTH),

@@ -68,7 +68,11 @@ unsigned int WINAPI kwSelectFileName(HWND owner, int modeBits, int keepLongName,
 int WINAPI kwSelectFileGUI(int mode);
 
 /* Lets the user choose a directory.
- *   directory  at least KW_MAX_PATH bytes; in: starting directory, out: the chosen one, with a trailing backslash
+ *   owner      window that owns the modal dialog; may be null
+ *   title      dialog caption; null: the template's own
+ *   directory  at least KW_MAX_PATH bytes; in: starting directory, out: the chosen one, both with a trailing backslash
+ *              (the folder tree selects the parent of one that has none); a virtual folder gives the shell's name for
+ *              it. Null, or a text that does not end within KW_MAX_PATH, gives 0
  * Returns non-zero when a directory was chosen; otherwise 0 with the buffer unchanged.
  * The spelling "Directry" belongs to the exported name. */
 unsigned int WINAPI kwSelectDirectryName(HWND owner, const char* title, char* directory);

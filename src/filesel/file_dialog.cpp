@@ -11,7 +11,7 @@
 #include "frame/module.h"
 #include "frame/os_kind.h"
 #include "frame/services.h"
-#include "kit/sjis.h"
+#include "kit/paths.h"
 #include "resources/resource.h"
 
 #ifndef _WIN64

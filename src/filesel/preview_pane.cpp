@@ -2,10 +2,12 @@
 
 #include <commdlg.h>
 
+#include <cstring>
 #include <initializer_list>
 
 #include "frame/module.h"
 #include "frame/services.h"
+#include "gallery/gallery.h"
 #include "kwdialogs.h"
 #include "preview/dispatch.h"
 #include "preview/file_type.h"
@@ -108,6 +110,35 @@ UINT_PTR OnNotify(HWND dialog, PreviewJob& job, const NMHDR& header) {
     return 1;
 }
 
+// The pattern of the filter pair that is selected, or "*.*".
+const char* SelectedPattern(const OPENFILENAMEA& request) {
+    const char* at = request.lpstrFilter;
+    for (DWORD pair = 1; at && *at; ++pair) {
+        const char* const pattern = at + std::strlen(at) + 1;
+        if (pair == request.nFilterIndex) return pattern;
+        at = *pattern ? pattern + std::strlen(pattern) + 1 : pattern;
+    }
+    return "*.*";
+}
+
+// Lets the user choose from the folder's gallery; a choice closes the file dialog with that file.
+UINT_PTR OnGalleryButton(HWND dialog, PreviewJob& job) {
+    WaitPreviewWorker(dialog, &job);
+    if (job.dialog != dialog) return 1;
+    const HWND explorer = GetParent(dialog);
+    char folder[KW_MAX_PATH] = "", name[256] = "";
+    SendMessageA(explorer, CDM_GETFOLDERPATH, sizeof(folder), reinterpret_cast<LPARAM>(folder));
+    SendMessageA(explorer, CDM_GETSPEC, sizeof(name), reinterpret_cast<LPARAM>(name));
+    if (ShowGallery(explorer, 0, folder, SelectedPattern(*job.request), name, sizeof(name)) && IsWindow(explorer)) {
+        // The file-name field is an edit control or, on later systems, a combo box with an id of its own.
+        for (const int id : {IDC_FILE_NAME, IDC_FILE_NAME_COMBO}) {
+            SendMessageA(explorer, CDM_SETCONTROLTEXT, static_cast<WPARAM>(id), reinterpret_cast<LPARAM>(name));
+        }
+        PostMessageA(explorer, WM_COMMAND, IDOK, 0);
+    }
+    return 1;
+}
+
 UINT_PTR OnDestroyPane(HWND dialog, PreviewJob& job) {
     WaitPreviewWorker(dialog, &job);
     for (HBITMAP bitmap : {job.buttonBitmap, job.loadingBitmap, job.noPreviewBitmap, job.previewBitmap}) {
@@ -120,12 +151,12 @@ UINT_PTR OnDestroyPane(HWND dialog, PreviewJob& job) {
 
 }  // namespace
 
-UINT_PTR CALLBACK PreviewHook(HWND dialog, UINT message, WPARAM, LPARAM lParam) {
+UINT_PTR CALLBACK PreviewHook(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_INITDIALOG) return OnInitPane(dialog, reinterpret_cast<OPENFILENAMEA*>(lParam));
     if (dialog != previewJob.dialog) return 0;
     switch (message) {
         case WM_NOTIFY: return OnNotify(dialog, previewJob, *reinterpret_cast<const NMHDR*>(lParam));
-        case WM_COMMAND: return 1;
+        case WM_COMMAND: return LOWORD(wParam) == IDC_PREVIEW_GALLERY ? OnGalleryButton(dialog, previewJob) : 1;
         case WM_DESTROY: return OnDestroyPane(dialog, previewJob);
         default: return 0;
     }

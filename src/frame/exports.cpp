@@ -1,4 +1,8 @@
 // The exports: thin dispatchers that choose a dialog variant and keep the process's current directory.
+#include <cstring>
+
+#include "dirsel/classic_directory.h"
+#include "dirsel/folder_tree.h"
 #include "dlgctrl/controller.h"
 #include "filesel/file_dialog.h"
 #include "frame/os_kind.h"
@@ -42,7 +46,13 @@ int WINAPI kwSelectFileGUI(int mode) {
     return previous;
 }
 
-unsigned int WINAPI kwSelectDirectryName(HWND, const char*, char*) { return 0; }
+unsigned int WINAPI kwSelectDirectryName(HWND owner, const char* title, char* directory) {
+    if (!directory || !std::memchr(directory, '\0', KW_MAX_PATH)) return 0;
+    const KeptDirectory kept;
+    const BOOL chosen = UsesExplorerStyle() ? SelectFolderTree(owner, title, directory)
+                                            : SelectDirectoryClassic(owner, title, directory);
+    return static_cast<unsigned int>(chosen);
+}
 
 int WINAPI kwDlgBoxCtrl(HINSTANCE instance, const char* templateName, HWND owner, DialogItem* items, int itemCount,
                         DialogCallback callback) {

@@ -57,12 +57,3 @@ inline bool TakeLine(LineWalk* walk, ByteView* line) {
     walk->next = at;
     return true;
 }
-
-// The last backslash of a path that is not the second byte of a character; null when there is none.
-const char* FindLastBackslash(const char* path);
-
-// A path's file name: what stands behind its last separator (backslash, slash or colon).
-const char* FindFileName(const char* path);
-
-// The extension of a path's file name, its dot included; an empty string at the path's end when it has none.
-const char* FindExtension(const char* path);

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "kit/paths.h"
 #include "kit/sjis.h"
 #include "kwdialogs.h"
 #include "preview/dxf_reader.h"

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "kit/handles.h"
+#include "kit/paths.h"
 #include "kit/sjis.h"
 #include "preview/title_block.h"
 

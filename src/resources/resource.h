@@ -4,6 +4,9 @@
 /* Dialog templates */
 #define IDD_FILE_SELECTION 108 /* classic file dialog */
 #define IDD_PREVIEW_PANE 118   /* child of the Explorer-style file dialog */
+#define IDD_GALLERY 128
+#define IDD_DIRECTORY_SELECTION 126
+#define IDD_FOLDER_TREE 129
 
 #define IDB_PREVIEW_BUTTON 127
 
@@ -20,6 +23,7 @@
 
 /* Controls of the common dialogs that the templates carry */
 #define IDC_HELP_BUTTON 1038
+#define IDC_READ_ONLY 1040
 #define IDC_DIRECTORY_PATH 1088
 #define IDC_TYPE_LABEL 1089
 #define IDC_FILE_LABEL 1090
@@ -29,6 +33,7 @@
 #define IDC_DIRECTORY_LIST 1121
 #define IDC_TYPE_COMBO 1136
 #define IDC_DRIVE_COMBO 1137
+#define IDC_FILE_NAME_COMBO 1148
 #define IDC_FILE_NAME 1152
 
 #ifndef IDC_STATIC
@@ -52,3 +57,10 @@
 #define IDC_PREVIEW_PICTURE 1007
 #define IDC_PREVIEW_COMMENT 1061
 #define IDC_PREVIEW_GALLERY 1063
+
+/* Controls of template 128 */
+#define IDC_GALLERY_LIST 1064
+#define IDC_GALLERY_PROGRESS 1065
+#define IDC_GALLERY_STATUS 1066
+/* Controls of template 129 */
+#define IDC_FOLDER_TREE 1068

@@ -85,10 +85,12 @@ static PaneContents DrawingOf(const std::string& path, const RECT& target) {
     return {picture, comment.c_str()};
 }
 
-static DialogStep PaneShows(const PaneContents& expected) {
-    return [=](HWND dialog) {
+// Waits until the pane shows that and keeps it: a picture comes shortly before its comment.
+static DialogStep PaneShows(const PaneContents& expected, int looks = 10) {
+    return [=, seen = 0](HWND dialog) mutable {
         const PaneContents pane = ReadPane(dialog);
-        return pane.comment == expected.comment && pane.picture == expected.picture;
+        seen = pane.comment == expected.comment && pane.picture == expected.picture ? seen + 1 : 0;
+        return seen == looks;
     };
 }
 
@@ -106,34 +108,64 @@ TEST_F(ExplorerDialog, PaneShowsTheSelectedFile) {
     const PaneContents drawing = DrawingOf(part, target);
     EXPECT_TRUE(HasInk(drawing.picture));
     const std::string nothing = Placeholder(target);
-    const auto pressGallery = [](HWND dialog) {
-        SendMessageA(FindControl(dialog, IDC_PREVIEW_GALLERY), BM_CLICK, 0, 0);
-    };
     const auto deletePart = [=](HWND) { EXPECT_TRUE(DeleteFileA(part.c_str())) << "a shown file is closed"; };
     EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW,
                   {SelectFile("part.dxf"), PaneShows(drawing), SelectFile("locked.dxf"), PaneShows({nothing, ""}),
                    SelectFile("notes.txt"), PaneShows({nothing, "one\r\ntwo\r\n"}), SelectFile("random.dat"),
                    PaneShows({nothing, ""}), SelectFile("picture.bmp"), PaneShows({Picture(".#", "#."), ""}),
-                   Check(pressGallery), SelectFile("empty.dxf"), PaneShows({nothing, ""}), SelectFile("part.dxf"),
-                   PaneShows(drawing), Check(deletePart), SelectFile("notes.txt"), Press(IDOK)}),
+                   SelectFile("empty.dxf"), PaneShows({nothing, ""}), SelectFile("part.dxf"), PaneShows(drawing),
+                   Check(deletePart), SelectFile("notes.txt"), Press(IDOK)}),
               1u);
     EXPECT_STREQ(file, folder.At("notes.txt").c_str());
     EXPECT_EQ(PreviewCancel(-1), 0);
     CloseHandle(owner);
 }
 
+TEST_F(ExplorerDialog, AChoiceInTheGalleryClosesIt) {
+    folder.Write("one.dxf", kDrawing);
+    folder.Write("two.dxf", kDrawing);
+    folder.Write("three.txt", "not of this filter");
+    const auto openGallery = [](HWND dialog) {
+        PostMessageA(FindControl(dialog, IDC_PREVIEW_GALLERY), BM_CLICK, 0, 0);
+        return true;
+    };
+    int listed = 0;
+    const auto choose = [&](int line) {
+        return [&, line](HWND dialog) {
+            const HWND list = FindControl(dialog, IDC_GALLERY_LIST);
+            if (!list) return false;
+            listed = static_cast<int>(SendMessageA(list, LB_GETCOUNT, 0, 0));
+            SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(line), 0);
+            SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDC_GALLERY_LIST, LBN_SELCHANGE),
+                         reinterpret_cast<LPARAM>(list));
+            return true;
+        };
+    };
+    request.filterIndex = 1;
+    EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {SelectFile("one.dxf"), openGallery, choose(1), Press(IDOK)}), 1u);
+    EXPECT_STREQ(file, folder.At("two.dxf").c_str());
+    EXPECT_EQ(listed, 2) << "what the selected filter lets through";
+    file[0] = '\0';
+    EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW,
+                  {SelectFile("one.dxf"), openGallery, choose(1), Press(IDCANCEL), SelectFile("one.dxf"), Press(IDOK)}),
+              1u);
+    EXPECT_STREQ(file, folder.At("one.dxf").c_str()) << "a cancelled gallery changes nothing";
+}
+
 TEST_F(ExplorerDialog, TheLastSelectionWins) {
+    const std::string line = Dxf("0 LINE|10 0|20 9|11 90|21 50");
+    std::string body;
+    while (body.size() < 8000000) body += line;
     for (int i = 0; i < 4; ++i) {
-        std::string entities;
-        for (int n = 0; n < 12000; ++n) entities += "0 LINE|10 0|20 " + std::to_string(i * 5) + "|11 90|21 50|";
-        folder.Write(std::to_string(i) + ".dxf", DxfDrawing(90, 60, entities + "0 X"));
+        std::string text = DxfDrawing(90, 60, "0 LINE|10 0|20 0|11 90|21 " + std::to_string(i * 9));
+        if (i < 3)
+            text.insert(text.rfind("  0\r\nENDSEC"), body);  // the last one is done first, were it not for the wait
+        folder.Write(std::to_string(i) + ".dxf", text);
     }
-    const DialogStep last = PaneShows(DrawingOf(folder.At("3.dxf"), PaneTarget()));
+    const PaneContents last = DrawingOf(folder.At("3.dxf"), PaneTarget());
     std::vector<DialogStep> steps;
-    for (int i = 0; i < 12; ++i) steps.push_back(SelectFile(std::to_string(i % 4) + ".dxf"));
-    steps.push_back(last);
-    for (int i = 0; i < 10; ++i) steps.push_back(Check([=](HWND dialog) { EXPECT_TRUE(last(dialog)) << "and stays"; }));
-    steps.insert(steps.end(), {SelectFile("2.dxf"), Press(IDCANCEL)});  // closed while a worker runs
+    for (int i = 0; i < 8; ++i) steps.push_back(SelectFile(std::to_string(i % 4) + ".dxf"));
+    steps.insert(steps.end(), {PaneShows(last, 150), SelectFile("2.dxf"), Press(IDCANCEL)});  // closed while it runs
     EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW, steps), 0u);
 }
 
@@ -263,16 +295,19 @@ TEST_F(ClassicDialog, ListAndStartingDirectory) {
 
 TEST_F(ExplorerDialog, ManyLeaveNothingBehind) {
     const std::string path = folder.Write("part.dxf", kDrawing);
-    const DialogStep shown = PaneShows(DrawingOf(path, PaneTarget()));
+    folder.Write("b.dxf", "");
+    const DialogStep shown = PaneShows(DrawingOf(path, PaneTarget()), 1);
     const auto run = [&](int count) {
         for (int i = 0; i < count; ++i) {
-            kwSelectFileGUI(i % 2);
-            if (i % 2) Run(KW_FILE_OPEN, {Press(IDCANCEL)});
-            else if (i % 4) Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {SelectFile("part.dxf"), Press(IDCANCEL)});
-            else Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {SelectFile("part.dxf"), shown, Press(IDCANCEL)});
+            kwSelectFileGUI(i % 4 != 0);
+            if (i % 4 != 0) Run(KW_FILE_OPEN, {Press(IDCANCEL)});
+            else if (i % 8 == 0) Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {SelectFile("part.dxf"), Press(IDCANCEL)});
+            else
+                Run(KW_FILE_OPEN | KW_FILE_PREVIEW,
+                    {SelectFile("part.dxf"), shown, SelectFile("b.dxf"), Press(IDCANCEL)});
         }
     };
-    run(12);  // what the system keeps from its first dialogs
+    run(16);  // what the system keeps from its first dialogs
     const HandleCounts before = CountHandles();
     run(200);
     const HandleCounts after = CountHandles();

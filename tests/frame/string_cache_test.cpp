@@ -41,7 +41,9 @@ TEST_F(StringCache, FlushesWhenAllSlotsAreTaken) {
         ASSERT_EQ(Get(0), first) << "a string is held once";
     }
     EXPECT_STREQ(first, "text 0") << "512 strings fit";
+    const char* fifth = Get(5);
     const char* next = Get(512);
+    EXPECT_STREQ(fifth, "") << "all texts are gone";
     EXPECT_STREQ(next, "text 512");
     EXPECT_EQ(next, first) << "the first slot is used again";
     EXPECT_STREQ(Get(511), "text 511");

@@ -20,5 +20,5 @@ TEST(Bytes, MatchAtStaysInside) {
     EXPECT_TRUE(MatchAt(block.View(), 1, "RID"));
     EXPECT_FALSE(MatchAt(block.View(), 1, "RIM"));
     EXPECT_FALSE(MatchAt(block.View(), 2, "RID"));
-    EXPECT_FALSE(MatchAt(block.View(), SIZE_MAX, "RID"));
+    EXPECT_FALSE(MatchAt(block.View(), SIZE_MAX, "\0GR", 3)) << "the byte before the block is zero";
 }

@@ -23,6 +23,9 @@ TEST(Dib, Pictures) {
     const std::string expected = Picture("...#", "#...");
     EXPECT_EQ(Shown(kTrueColor), expected);
     EXPECT_EQ(Shown(kIndexed), expected);
+    EXPECT_EQ(Shown(BitmapFile(4, 2, 8, kPalette + std::string(1600, '\0'), std::string("\1\0\0\0\0\0\0\1", 8))),
+              expected)
+        << "more colours than 8 bits can name";
     EXPECT_EQ(Shown(BitmapFile(4, -2, 8, kPalette, std::string("\0\0\0\1\1\0\0\0", 8))), expected);  // top down
     EXPECT_EQ(Shown(BitmapFile(4, 2, 1, kPalette, std::string("\x80\0\0\0\x10\0\0\0", 8))), expected);
 }
@@ -30,7 +33,11 @@ TEST(Dib, Pictures) {
 TEST(Dib, WhatDoesNotFitGivesNothing) {
     const HandleCounts before = CountHandles();
     for (const auto& file : {kTrueColor, kIndexed})
-        for (std::size_t size = 0; size < file.size(); ++size) EXPECT_EQ(Shown(file.substr(0, size)), "") << size;
+        for (std::size_t size = 0; size < file.size(); ++size) {
+            const ByteView cut = {reinterpret_cast<const std::uint8_t*>(file.data()), size};
+            EXPECT_EQ(TakePicture(BitmapFromDibFile(cut)), "") << size;
+            Shown(file.substr(0, size));  // the same in front of a guard page
+        }
     const struct {
         const char* what;
         std::size_t offset;

@@ -110,7 +110,8 @@ TEST(DxfReader, SectionsAndExtents) {
         {"before it, the later minimum", "9 $EXTMIN|10 7|20 7|" + extents + open + kLower + "|0 X", line},
         {"an incomplete maximum", "9 $EXTMAX|10 99|" + extents + open + kLower + "|0 X", line},
         {"a maximum alone begins at 0", "9 $EXTMAX|10 16|20 8|" + open + kLower + "|0 X", line},
-        {"among the entities they wipe what stood there", open + kUpper + "|" + extents + kLower + "|0 X", line},
+        {"among the entities they wipe what stood there",
+         open + "0 LINE|10 9|20 250|11 400|21 9|" + extents + kLower + "|0 X", line},
         {"the default sheet", open + a3, Shown(Dxf("9 $EXTMIN|10 0|20 0|9 $EXTMAX|10 420|20 297|" + open + a3))},
         // clang-format on
     };
@@ -120,7 +121,7 @@ TEST(DxfReader, SectionsAndExtents) {
     std::string text = DxfDrawing(16, 8, kLower);
     for (std::size_t at; (at = text.find("\r\n")) != std::string::npos;) text.replace(at, 2, "\n");
     EXPECT_EQ(Shown(text), line) << "other line ends";
-    EXPECT_EQ(Shown(text.insert(text.find("LINE\n") + 5, "; a remark\n\n\n")), line) << "remarks between the lines";
+    EXPECT_EQ(Shown(text.insert(text.find(" 10\n2\n") + 4, "; a remark\n\n\n")), line) << "remarks between the lines";
     for (const std::string nothing : {"", "x", "\n\n"}) EXPECT_FALSE(HasInk(Shown(nothing))) << nothing;
 }
 

@@ -1,6 +1,8 @@
-#include "kit/sjis.h"
+#include "kit/paths.h"
 
 #include <cstring>
+
+#include "kit/sjis.h"
 
 // Calls `visit` for every single-byte character of a path.
 template <typename Visitor>
@@ -37,4 +39,12 @@ const char* FindExtension(const char* path) {
         if (*at == '.') dot = at;
     });
     return dot ? dot : name + std::strlen(name);
+}
+
+static bool IsSeparator(char c) { return c == '\\' || c == '/'; }
+
+std::string JoinPath(const char* folder, const char* name) {
+    if (!folder[0] || IsSeparator(name[0]) || (name[0] && name[1] == ':')) return name;
+    const bool isEnded = *FindFileName(folder) == '\0';  // "C:\\" and "C:" need no separator
+    return std::string(folder) + (isEnded ? "" : "\\") + name;
 }

@@ -1,0 +1,154 @@
+#include "preview/command_reader.h"
+
+#include <gtest/gtest.h>
+
+#include "preview/dxf_reader.h"
+#include "support/drawings.h"
+#include "support/guard_block.h"
+#include "support/picture.h"
+#include "support/samples.h"
+#include "support/temp_folder.h"
+
+static const RECT kTarget = {0, 0, 16, 8};
+
+static std::string Show(const std::string& path) {
+    return TakePicture(PreviewCommandFile(0, path.c_str(), &kTarget, nullptr, 0));
+}
+
+// Makes a folder the current one for the length of a scope.
+struct CurrentFolder {
+    char before[MAX_PATH] = "";
+    explicit CurrentFolder(const std::string& path) {
+        GetCurrentDirectoryA(sizeof(before), before);
+        SetCurrentDirectoryA(path.c_str());
+    }
+    ~CurrentFolder() { SetCurrentDirectoryA(before); }
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+};
+
+static const std::string kKey = "DIALOG_PREVIEW";
+static std::string Line(const std::string& path) { return kKey + " \"" + path + "\"\r\n"; }
+
+TEST(CommandReader, FollowsTheLine) {
+    const TempFolder folder;
+    const std::string sub = folder.MakeFolder("sub"), elsewhere = folder.MakeFolder("elsewhere");
+    const std::string records = LineRecord(2, 2.7, 9, 2.7),
+                      drawing = DxfDrawing(16, 8, "0 LINE|10 2|20 2.7|11 9|21 2.7");
+    const std::string other = DxfDrawing(16, 8, "0 LINE|10 3|20 5.7|11 12|21 5.7");
+    folder.Write("part.dxf", drawing);
+    folder.Write("sub\\part.dxf", drawing);
+    folder.Write("part.qa", NativeFile(kEditionA, 16, 8, records));
+    folder.Write("part.lms", NativeFile(kEditionB, 16, 8, records));
+    folder.Write("part.exf", "AR 0,0,16,8\nGL 0,2,2.7,9,2.7,0\n");
+    folder.Write("part.lbk", BackupFile(16, 8, records));
+    folder.Write("part.txt", "text");
+    folder.Write("part.bmp", BitmapFile(1, 1, 24, "", std::string(4, '\0')));
+    folder.Write("a b'c.dxf", drawing);
+    folder.Write("other.dxf", other);
+    folder.Write("elsewhere\\part.dxf", other);
+    folder.Write("part.cmd", Line("part.dxf"));
+    const auto padded = [&](std::size_t size) {  // the same file, its path that long
+        std::string path = folder.At("part.dxf"), pad;
+        while (path.size() + pad.size() + 2 <= size) pad += "\\.";
+        if (path.size() + pad.size() < size) pad += "\\";
+        return path.insert(folder.path.size(), pad);
+    };
+    const std::string part = Line("part.dxf");
+    const struct {
+        std::string text;
+        bool drawn;
+    } cases[] = {
+        // clang-format off
+        {part, true}, {Line("sub\\part.dxf"), true}, {Line("sub/part.dxf"), true}, {Line("sub\\..\\part.dxf"), true},
+        {Line(".\\part.dxf"), true}, {Line(folder.At("part.dxf")), true}, {Line(folder.At("part.dxf").substr(2)), true},
+        {Line("part.qa"), true}, {Line("part.lms"), true}, {Line("part.exf"), true}, {Line("a b'c.dxf"), true},
+        // kinds that are not followed, this file itself among them
+        {Line("part.lbk"), false}, {Line("part.txt"), false}, {Line("part.bmp"), false}, {Line("part.cmd"), false},
+        {Line("a.cmd"), false}, {Line("missing.dxf"), false}, {Line("sub"), false}, {Line(""), false},
+        // the line
+        {"REM\r\n\r\n" + part + "END\r\n", true}, {kKey + "=\"part.dxf\"\n", true}, {kKey + "\"\"\"part.dxf\"\n", true},
+        {kKey + "x\"part.dxf\"y\n", true}, {kKey + " \"\"part.dxf\" x\n", true}, {kKey + " part.dxf\"\n", true},
+        {kKey + "  \"part.dxf\"\n", false},  // one separator, then a path that begins with a blank
+        {kKey + "=part.dxf\n", false}, {kKey + " \"part.dxf\n", false}, {kKey + "\n", false}, {kKey + " \n", false}, {kKey + " \"\n", false},
+        {" " + part, false}, {"dialog_preview \"part.dxf\"\n", false}, {"DIALOG_PREVIE \"part.dxf\"\n", false}, {"", false},
+        {kKey + " \"part.dxf\"", false}, {kKey + " \"part.dxf\"x", true},  // the file's last byte goes
+        {"\x83\n" + part, false},
+        // the first well-formed one counts
+        {part + Line("missing.dxf"), true}, {Line("missing.dxf") + part, false}, {Line("part.cmd") + part, false},
+        {kKey + "=part.dxf\n" + kKey + "\n" + part, true},
+        // paths as long as paths can be
+        {Line(padded(259)), true}, {Line(padded(260)), false}, {Line(padded(260)) + part, true},
+        {Line(std::string(100000, 'x')) + part, true}, {Line(std::string(259, 'x')), false},
+        // clang-format on
+    };
+    const std::string command = folder.At("a.cmd");
+    const std::string expected = TakePicture(ReadDxfPreview(0, folder.At("part.dxf").c_str(), &kTarget, nullptr, 0));
+    ASSERT_TRUE(HasInk(expected));
+    for (const std::string& from : {elsewhere, folder.path}) {
+        const CurrentFolder current(from);
+        for (const auto& c : cases) {
+            folder.Write("a.cmd", c.text);
+            EXPECT_EQ(Show(command), c.drawn ? expected : "") << c.text.substr(0, 300);
+            char now[MAX_PATH] = "";
+            GetCurrentDirectoryA(sizeof(now), now);
+            EXPECT_EQ(now, from);
+        }
+    }
+    EXPECT_FALSE(PreviewCommandFile(0, nullptr, &kTarget, nullptr, 0));
+    const CurrentFolder current(folder.path);
+    EXPECT_EQ(Show("part.cmd"), expected) << "a command file in the current directory";
+    folder.Write("sub\\up.cmd", Line("..\\part.dxf"));
+    EXPECT_EQ(Show("sub\\up.cmd"), expected) << "in a folder below";
+}
+
+// Folders whose name ends in a byte that stands for half a character in another language, and folders far down.
+TEST(CommandReader, Folders) {
+    const TempFolder folder;
+    const std::string drawing = DxfDrawing(16, 8, "0 LINE|10 2|20 2.7|11 9|21 2.7");
+    const std::string special = GetACP() == 932 ? "\x83\x5c" : "Ren\xe9";
+    folder.MakeFolder(special);
+    const std::string named = folder.Write(special + "\\" + special + ".dxf", drawing);
+    folder.Write(special + "\\part.dxf", drawing);
+    folder.Write(special + "\\a.cmd", Line("part.dxf"));
+    folder.Write(special + "\\b.cmd", Line(special + ".dxf"));
+    EXPECT_TRUE(HasInk(TakePicture(ReadDxfPreview(0, named.c_str(), &kTarget, nullptr, 0))));
+    EXPECT_TRUE(HasInk(Show(folder.At(special + "\\a.cmd")))) << "beside the command file";
+    EXPECT_TRUE(HasInk(Show(folder.At(special + "\\b.cmd")))) << "a name that ends in such a byte";
+    const std::string deep = std::string(80, 'd') + "\\" + std::string(80, 'e'), side(60, 's');
+    folder.MakeFolder(std::string(80, 'd'));
+    folder.MakeFolder(deep);
+    folder.MakeFolder(side);
+    folder.Write(side + "\\part.dxf", drawing);
+    folder.Write(deep + "\\a.cmd", Line("..\\..\\" + side + "\\part.dxf"));
+    EXPECT_TRUE(HasInk(Show(folder.At(deep + "\\a.cmd")))) << "too long only until the path is resolved";
+}
+
+TEST(CommandReader, Comment) {
+    const std::string tooLong = Line(std::string(300, 'x'));
+    const struct {
+        std::string text;
+        std::size_t size;
+        std::string comment;
+    } cases[] = {
+        // clang-format off
+        {"REM\r\n\r\n" + Line("x") + "END\n", 100, "REM\r\r\nDIALOG_PREVIEW \"x\"\r\r\nEND\r\r\n"},
+        {"0123456789\nabc\n01234567890123456789\n", 10, "abc\r\r\n"},  // later, shorter lines still fit
+        {"abc\ndef\n", 14, "abc\r\r\ndef\r\r\n"}, {"abc\ndef\n", 13, "abc\r\r\n"}, {"a\n", 5, ""}, {"a\n", 1, ""}, {"", 9, ""},
+        {tooLong, 400, tooLong.substr(0, tooLong.size() - 2) + "\r\r\n"}, {"\x83\x0a\x62\n\x83\x5c\n", 100, "\x83\x0a\x62\r\r\n\x83\x5c\r\r\n"},
+        // clang-format on
+    };
+    const TempFolder folder;
+    for (const auto& c : cases) {
+        const GuardBlock comment(c.size);  // zero, as its callers have it
+        EXPECT_FALSE(PreviewCommandFile(0, folder.Write("a.cmd", c.text).c_str(), nullptr, comment.Text(),
+                                        static_cast<DWORD>(c.size)));
+        EXPECT_EQ(std::string(comment.Text(), c.size), c.comment + std::string(c.size - c.comment.size(), '\0'))
+            << c.text;
+    }
+    folder.Write("part.qa", Put(NativeFile(kEditionA, 9, 9, ""), {{106, "name"}}));
+    char comment[100] = "";
+    const std::string path = folder.Write("a.cmd", Line("part.qa"));
+    EXPECT_NE(TakePicture(PreviewCommandFile(0, path.c_str(), &kTarget, comment, sizeof(comment))), "");
+    EXPECT_STREQ(comment, "DIALOG_PREVIEW \"part.qa\"\r\r\n") << "the drawing's title block stays out of it";
+}

@@ -1,0 +1,248 @@
+#include "preview/native_reader.h"
+
+#include <gtest/gtest.h>
+
+#include "support/drawings.h"
+#include "support/guard_block.h"
+#include "support/picture.h"
+
+static std::string Shown(const std::string& file, int width, int height, DWORD mode = 0) {
+    return Drawn(ReadNativePreview, file, width, height, mode);
+}
+
+// A sheet of 16 x 8 units, one pixel each; the two rows that the lines below are on.
+static std::string Rows(const std::string& upper, const std::string& lower) {
+    const std::string no = "................";
+    return Picture(no, no, no, upper, no, no, lower, no);
+}
+static const std::string kNone = "................", kLowerRow = "..#######.......", kUpperRow = "...#########....";
+static const std::string kLower = LineRecord(2, 2.7, 9, 2.7), kUpper = LineRecord(3, 5.7, 12, 5.7);
+
+TEST(NativeReader, Elements) {
+    const std::string lower = Rows(kNone, kLowerRow), upper = Rows(kUpperRow, kNone), both = Rows(kUpperRow, kLowerRow);
+    const auto type = [](const char* word) { return Put(kLower, {{4, {word, 2}}}); };
+    const auto status = [](const char* word) { return Put(kLower, {{0, {word, 2}}}); };
+    const struct {
+        const char* what;
+        std::string records, picture;
+    } cases[] = {
+        // clang-format off
+        {"none", "", Rows(kNone, kNone)}, {"line", kLower, lower}, {"lines", kLower + kUpper, both},
+        {"points", PointRecord(2, 2.7) + PointRecord(15, 5.7), Rows("...............#", "..#.............")},
+        {"arc", ArcRecord(8, 4.2, 3, 30, 300), Rendered(16, 8, {ArcStroke(0, 8, 4.2, 3, 30, 300)})},
+        {"the kind is in four bits", type("\xF2\xFF"), lower},
+        {"other kinds", type("\0\0") + type("\3\0") + type("\5\0") + type("\x10\0") + kUpper, upper},
+        {"what hides", status("\1\0") + status("\0\x40") + status("\0\x80") + kUpper, upper},
+        {"what does not", status("\xFE\x3F"), lower},
+        {"a filler as status", status("\xA5\x25"), lower}, {"and what is none", status("\xA5\x24") + kUpper, upper},
+        // clang-format on
+    };
+    for (const auto& c : cases)
+        for (const NativeEdition edition : {kEditionA, kEditionB})
+            EXPECT_EQ(Shown(NativeFile(edition, 16, 8, c.records), 16, 8), c.picture) << c.what << " " << edition;
+}
+
+TEST(NativeReader, Layers) {
+    const auto on = [](int layer) { return Put(kLower, {{7, {static_cast<char>(layer)}}}); };
+    const std::string all(512, '\1'), high("\0\1", 2);
+    const struct {
+        const char* what;
+        NativeEdition edition;
+        int layer;
+        std::size_t at;  // what is put into the header
+        std::string bytes;
+        bool shown;
+    } cases[] = {
+        // clang-format off
+        {"no flag", kEditionA, 3, 250, "", false}, {"its flag", kEditionA, 3, 250 + 6, "\1", true},
+        {"a flag's high byte", kEditionA, 3, 250 + 6, high, true}, {"the current layer", kEditionA, 1, 250, "", true},
+        {"the neighbours' flags", kEditionA, 3, 250, std::string("\1\1\1\1\1\1\0\0\1\1", 10), false},
+        {"another current layer", kEditionA, 1, 248, "\2", false}, {"one that is none", kEditionA, 3, 248, "\3\1", false},
+        {"the last flag of edition A", kEditionA, 15, 250, all, true}, {"edition A has 16 flags", kEditionA, 16, 250, all, false},
+        {"but any current layer", kEditionA, 200, 248, "\xC8", true}, {"edition B", kEditionB, 16, 250 + 32, "\1", true},
+        {"the last flag of edition B", kEditionB, 255, 250 + 510, "\1", true}, {"not set", kEditionB, 255, 250, all.substr(0, 510), false},
+        // clang-format on
+    };
+    for (const auto& c : cases) {
+        const std::string file = Put(NativeFile(c.edition, 16, 8, on(c.layer)), {{c.at, c.bytes}});
+        EXPECT_EQ(Shown(file, 16, 8), Rows(kNone, c.shown ? kLowerRow : kNone)) << c.what;
+    }
+}
+
+TEST(NativeReader, SheetAndOrigin) {
+    const auto moved = [](double x, double y) {
+        return LineRecord(2 + x, 3 + y, 90 + x, 50 + y) + PointRecord(5 + x, 50 + y) +
+               ArcRecord(50 + x, 30 + y, 20, 0, 300) +
+               TextRecord({static_cast<float>(20 + x), static_cast<float>(30 + y), 8, 8, 1, 0}, 0, "abc");
+    };
+    const std::string plain = NativeFile(kEditionA, 100, 60, moved(0, 0));
+    const auto file = [&](const char* start, std::initializer_list<double> sheet, double x, double y) {
+        std::string numbers;
+        for (const double number : sheet) numbers += Raw(number);
+        return Put(NativeFile(kEditionB, 0, 0, moved(x, y)), {{0, start}, {32, numbers}});
+    };
+    for (const DWORD mode : {0, 1}) {  // texts, frames
+        const std::string picture = Shown(plain, 100, 60, mode);
+        EXPECT_TRUE(HasInk(picture));
+        EXPECT_EQ(Shown(file("LMOX", {1100, 560, 1000, 500, 7, 9}, 1000, 500), 100, 60, mode), picture);
+        EXPECT_EQ(Shown(file("LMOS", {100, 60, 77, 55, 70, 50}, 0, 0), 100, 60, mode), picture)
+            << "with an origin the sheet begins at (0, 0), whatever its minimum says";
+        EXPECT_NE(Shown(file("LMOX", {100, 60, 77, 55, 70, 50}, 0, 0), 100, 60, mode), picture);
+    }
+}
+
+TEST(NativeReader, PensAndEndMarks) {
+    const struct {
+        unsigned attributes, pen;
+        std::uint32_t marks;
+    } cases[] = {{0x010F, 0, EndMarkWord(1, 0)}, {0x0200, 0, EndMarkWord(2, 0)}, {0x0310, 1, EndMarkWord(3, 0)},
+                 {0x0820, 2, EndMarkWord(0, 1)}, {0x1030, 3, EndMarkWord(0, 2)}, {0x1840, 4, EndMarkWord(0, 3)},
+                 {0x0A50, 5, EndMarkWord(2, 1)}, {0x1160, 6, EndMarkWord(1, 2)}, {0x0470, 7, EndMarkWord(0, 0)},
+                 {0xE0F0, 15, EndMarkWord(0, 0)}};
+    for (const auto& c : cases) {
+        const std::string records =
+            LineRecord(10, 50, 190, 50, c.attributes) + ArcRecord(100, 10, 90, 20, 160, c.attributes);
+        EXPECT_EQ(
+            Shown(NativeFile(kEditionA, 200, 120, records), 200, 120),
+            Rendered(200, 120,
+                     {LineStroke(c.pen, 10, 50, 190, 50, c.marks), ArcStroke(c.pen, 100, 10, 90, 20, 160, c.marks)}))
+            << std::hex << c.attributes;
+    }
+}
+
+// Small letters in their full-width form.
+static std::string Wide(const std::string& text) {
+    std::string wide;
+    for (const char c : text) wide += {'\x82', static_cast<char>(c - 'a' + 0x81)};
+    return wide;
+}
+
+TEST(NativeReader, TextPlacement) {
+    // Three letters at (60, 40): 3 x (10 / 2 + 1) = 18 long and 8 high.
+    const auto at = [](float x, float y, float angle, unsigned placement) {
+        return TextRecord({x, y, 8, 10, 1, angle}, placement, "abc");
+    };
+    const auto text = [](double x, double y, double angle) { return TextStroke(x, y, 8, 5, 1, angle, Wide("abc")); };
+    const auto frame = [](double x, double y, double angle, double x1, double y1) {
+        return FrameStroke(x1, y1, x1 + 18, y1 + 8, x, y, angle);
+    };
+    const struct {
+        const char* what;
+        std::string records;
+        std::vector<Stroke> texts, frames;
+    } cases[] = {
+        // clang-format off
+        {"left, bottom", at(60, 40, 0, Justified(0, 0)), {text(60, 48, 0)}, {frame(60, 40, 0, 60, 40)}},
+        {"middle", at(60, 40, 0, Justified(1, 1)), {text(51, 44, 0)}, {frame(60, 40, 0, 51, 36)}},
+        {"right, top", at(60, 40, 0, Justified(2, 2)), {text(42, 40, 0)}, {frame(60, 40, 0, 42, 32)}},
+        {"other bits of the word", at(60, 40, 0, Justified(0, 1) | 0xFE1F), {text(60, 44, 0)}, {frame(60, 40, 0, 60, 36)}},
+        {"turned", at(60, 40, 90, Justified(1, 0)), {text(52, 31, 90)}, {frame(60, 40, 90, 51, 40)}},
+        {"turned by 180", at(60, 40, 180, Justified(0, 0)), {text(60, 32, 180)}, {frame(60, 40, 180, 60, 40)}},
+        {"the last x", at(30, 20, 0, Justified(1, 0)) + at(60, 40, 0, Justified(3, 0)),
+         {text(21, 28, 0), text(21, 48, 0)}, {frame(30, 20, 0, 21, 20), frame(60, 40, 0, 21, 40)}},
+        {"the last y", at(30, 20, 0, Justified(0, 1)) + at(60, 40, 0, Justified(2, 3)),
+         {text(30, 24, 0), text(42, 24, 0)}, {frame(30, 20, 0, 30, 16), frame(60, 40, 0, 42, 16)}},
+        {"the last y of a turned text, not of a line", at(60, 20, 90, Justified(0, 2)) + LineRecord(0, 0, 0, 0) + at(20, 40, 0, Justified(0, 3)),
+         {text(60, 20, 90), text(20, 20, 0)}, {frame(60, 20, 90, 60, 12), frame(20, 40, 0, 20, 12)}},
+        {"the last x after its rotation", at(60, 20, 90, Justified(0, 0)) + at(20, 40, 0, Justified(3, 0)),
+         {text(52, 20, 90), text(52, 48, 0)}, {frame(60, 20, 90, 60, 20), frame(20, 40, 0, 60, 40)}},
+        {"no last text", at(60, 40, 0, Justified(3, 3)), {text(0, 0, 0)}, {FrameStroke(0, 0, 0, 0, 60, 40)}},
+        // clang-format on
+    };
+    for (const auto& c : cases) {
+        const std::string file = NativeFile(kEditionA, 100, 60, c.records);
+        EXPECT_EQ(Shown(file, 100, 60), Rendered(100, 60, c.texts)) << c.what;
+        EXPECT_EQ(Shown(file, 100, 60, 1), Rendered(100, 60, c.frames)) << c.what << ", frames";
+    }
+}
+
+// What a text record, which is number 1, and the records behind it give.
+TEST(GatherRecordText, Table) {
+    const std::string ten = "abcdefghij", most = ten + "klmn", more = std::string(46, 'x');
+    const auto text = [](const std::string& string, unsigned link = kNoLink) {
+        return TextRecord({}, 0, string, link);
+    };
+    const auto next = [](const std::string& string, unsigned link = kNoLink, unsigned status = 0) {
+        return ContinuationRecord(string, link, status);
+    };
+    const auto chain = [&](unsigned count) {
+        std::string records = text(most, 2);
+        for (unsigned i = 2; i <= count; ++i) records += next(more, i == count ? kNoLink : i + 1);
+        return records;
+    };
+    const std::string hidden = "\x81\x5c\xe0\x7c\x9f\x5b\xfc\x5d", dash = "\x81\x7c";
+    const struct {
+        const char* what;
+        std::string records, text;
+        std::size_t size = 256;
+    } cases[] = {
+        // clang-format off
+        {"empty", text(""), ""}, {"short", text("ab"), Wide("ab")}, {"14 bytes", text(most), Wide(most)},
+        {"a continuation", text(most, 2) + next("xyz"), Wide(most + "xyz")},
+        {"the string ends at the first zero byte", text("ab", 2) + next("xyz"), Wide("ab")},
+        {"out of order", text(most, 3) + next("c") + next(more, 2), Wide(most + more + "c")},
+        {"link 0", text(most, 0) + next("xyz"), Wide(most)},
+        {"the last record", text(most, 2) + next(more, 3) + next("c"), Wide(most + more + "c")},
+        {"beyond the count", text(most, 3) + next("xyz"), Wide(most)},
+        {"far beyond the count", text(most, 65534), Wide(most)},
+        {"deleted, its link counts", text(most, 2) + next(more, 3, 1) + next(more, 4, 0x4000) + next("c"), Wide(most + "c")},
+        {"other bits of the status", text(most, 2) + next("c", kNoLink, 0xBFFE), Wide(most + "c")},
+        {"deleted ones in a circle", text(most, 2) + next(more, 3, 1) + next(more, 2, 1), Wide(most)},
+        {"a circle: as many hops as records", text(most, 2) + next(more, 3) + next(more, 2), most + std::string(138, 'x')},
+        {"a link to itself", text(most, 1), Wide(most)},
+        // widened as far as 256 - 14 - 46 for each chunk reaches
+        {"three chunks", chain(3), Wide(std::string(most + more + more).substr(0, 43)) + std::string(63, 'x')},
+        {"four", chain(4), most + std::string(138, 'x')}, {"six", chain(6), most + std::string(230, 'x')},
+        {"no seventh", chain(7), most + std::string(230, 'x')},
+        {"one more byte", text("xyz"), Wide("x") + "yz", 19}, {"and none", text("xyz"), "xyz", 18},
+        {"a buffer of 15", text(most), most, 15}, {"of 14", text(most), "", 14}, {"of nothing", text(most), "", 0},
+        {"room for no chunk", text(most, 2) + next(more), Wide(most.substr(0, 14)), 60},
+        {"room for one chunk", text(most, 2) + next(more), most + more, 61},
+        // marks
+        {"removed", text("a|b_c[d]e"), Wide("abcde")}, {"at the ends", text("[a]"), Wide("a")},
+        {"of two, the second stays", text("a||b"), Wide("a") + "\x81\x62" + Wide("b")},
+        {"of three", text("|_]"), "\x81\x51"}, {"of four", text("[[]]"), "\x81\x6d\x81\x6e"}, {"of all alone", text("|"), ""},
+        {"the character that slides into the gap may be wide", text("[" + dash + "]a"), dash + Wide("a")},
+        {"second bytes that look like marks", text(hidden), hidden},
+        {"in a continuation", text(most, 2) + next("a_b"), Wide(most + "ab")},
+        // half-width characters between wide ones
+        {"mixed", text(dash + "a" + dash + "b"), dash + Wide("a") + dash + Wide("b")},
+        {"kana and signs", text("\xb1\xde A0\x7f"), "\x83\x41\x81\x4a\x81\x40\x82\x60\x82\x4f\x81\x40"},
+        {"half a character at the end", text("a\x83"), Wide("a") + "\x81\x40"},
+        {"a character over the seam", text(most.substr(1) + "\x83", 2) + next("\x5c"), Wide(most.substr(1)) + "\x83\x5c"},
+        // clang-format on
+    };
+    for (const auto& c : cases) {
+        const GuardBlock records(c.records), buffer(std::string(c.size, '#'));
+        const unsigned count = static_cast<unsigned>(c.records.size() / 64);
+        const std::size_t length = GatherRecordText(1, count, records.View(), buffer.Text(), c.size);
+        EXPECT_EQ(testing::PrintToString(std::string(buffer.Text(), length)), testing::PrintToString(c.text)) << c.what;
+        EXPECT_EQ(length, strnlen(buffer.Text(), c.size)) << c.what;
+    }
+    const GuardBlock self(text(most, 1)), buffer(256);
+    EXPECT_EQ(GatherRecordText(0, 1, self.View(), buffer.Text(), 256), 0u);
+    EXPECT_EQ(GatherRecordText(2, 1, self.View(), buffer.Text(), 256), 0u);
+}
+
+// Filler patterns count when a record is reached, not when a text before it looks ahead.
+TEST(NativeReader, TextFillers) {
+    const std::string ten = "abcdefghij", most = ten + "klmn", more(42, 'x'), dot = "\x81\x45";
+    const auto filled = [](const std::string& record) { return Put(record, {{58, std::string(6, '\xA5')}}); };
+    const auto text = [](const std::string& string, unsigned link) {
+        return TextRecord({5, 30, 8, 4, 0, 0}, 0, string, link);
+    };
+    const struct {
+        const char* what;
+        std::string records, text;
+    } cases[] = {
+        {"a text's own", filled(text(ten, 0)), Wide(ten)},
+        {"five bytes are none", Put(filled(text(ten, 0)), {{58, "k"}}), Wide(ten + "k") + dot + dot + dot},
+        {"a continuation's", filled(ContinuationRecord(more)) + text(most, 1), Wide(most + more)},
+        {"not reached yet", text(most, 2) + filled(ContinuationRecord(more)),
+         Wide(most + more) + dot + dot + dot + dot},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(Shown(NativeFile(kEditionA, 250, 60, c.records), 250, 60),
+                  Rendered(250, 60, {TextStroke(5, 38, 8, 2, 0, 0, c.text)}))
+            << c.what;
+}

@@ -1,0 +1,134 @@
+// What all readers of drawings and comments have in common.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "preview/dispatch.h"
+#include "support/drawings.h"
+#include "support/guard_block.h"
+#include "support/handle_counts.h"
+#include "support/picture.h"
+#include "support/samples.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+struct NamedFile {
+    std::string name, contents;
+};
+
+// A small drawing of every format, each with all kinds of elements.
+std::vector<NamedFile> SmallDrawings() {
+    const std::string shapes =
+        PointRecord(3, 3) + LineRecord(2, 3, 90, 50, 0x0920) + ArcRecord(50, 30, 20, 10, 300, 0x0A30);
+    const TextLook look = {20, 30, 8, 8, 1, 30};
+    const std::string native = shapes + TextRecord(look, Justified(1, 1), "ab|c\x83\x5c", 5) +
+                               ContinuationRecord("x", 6) + ContinuationRecord("y", 5);
+    return {
+        {"a.qa", Put(NativeFile(kEditionA, 100, 60, native), {{106, "name"}})},
+        {"a.lms", Put(NativeFile(kEditionB, 100, 60, native), {{0, "LMOS"}, {106, "name"}})},
+        {"a.lbk", BackupFile(100, 60, shapes + CountedTextRecord(look, Justified(1, 1), 5))},
+        {"a.exf",
+         "FIGRNAME Plate\r\nAR 0,0,100,60\r\nGP 0,3,3,0\r\nGL 1,2,3,90,50,92\r\nGA 1,50,30,20,10,300,a3\r\n"
+         "GT 20,30,8,8,1,30,0,0,'ab\x83\x5c'\r\n"},
+    };
+}
+
+PreviewReader ReaderOf(const std::string& path) { return PaneReaderFor(IdentifyFileType(path.c_str(), nullptr, 0)); }
+
+constexpr RECT kTarget = {0, 0, 50, 30};
+
+}  // namespace
+
+TEST(ReaderContract, Modes) {
+    const TempFolder folder;
+    for (const NamedFile& file : SmallDrawings()) {
+        const std::string path = folder.Write(file.name, file.contents);
+        const auto read = [&](DWORD mode, const RECT* target) {
+            return UniqueBitmap(ReaderOf(path)(mode, path.c_str(), target, nullptr, 0));
+        };
+        const UniqueBitmap plain = read(kRenderTextFrames, &kTarget);
+        const UniqueBitmap color = read(kRenderTextFrames | kRenderColor, &kTarget);
+        BITMAP plainShape = {}, colorShape = {};
+        GetObjectA(plain.get(), sizeof(plainShape), &plainShape);
+        GetObjectA(color.get(), sizeof(colorShape), &colorShape);
+        EXPECT_EQ(plainShape.bmBitsPixel, 1) << file.name;
+        EXPECT_GT(colorShape.bmBitsPixel, 1) << file.name;
+        EXPECT_EQ(PictureOf(plain.get()), PictureOf(color.get())) << file.name;
+        EXPECT_TRUE(HasInk(PictureOf(plain.get()))) << file.name;
+        EXPECT_FALSE(read(0, nullptr)) << file.name << ", no target";
+        EXPECT_EQ(PreviewCancel(-1), 0) << file.name;
+    }
+}
+
+struct CancelledRun {
+    std::string path;
+    PreviewReader reader;
+    volatile LONG state;  // 1 while it runs, 2: a bitmap, 0: none
+};
+
+static void ReadInThread(void* parameter) {
+    auto& run = *static_cast<CancelledRun*>(parameter);
+    const UniqueBitmap bitmap(run.reader(kRenderColor, run.path.c_str(), &kTarget, nullptr, 0));
+    InterlockedExchange(&run.state, bitmap ? 2 : 0);
+}
+
+TEST(ReaderContract, Cancel) {
+    const TempFolder folder;
+    std::string records, lines = "AR 0,0,100,60\n";
+    for (int i = 0; i < 60000; ++i) {
+        records += LineRecord(2, 3, 90, 50);
+        lines += "GL 1,2,3,90,50,0\n";
+    }
+    const NamedFile files[] = {
+        {"a.qa", NativeFile(kEditionA, 100, 60, records)}, {"a.lbk", BackupFile(100, 60, records)}, {"a.exf", lines}};
+    for (const NamedFile& file : files) {
+        CancelledRun run = {folder.Write(file.name, file.contents), nullptr, 1};
+        run.reader = ReaderOf(run.path);
+        ASSERT_TRUE(StartModuleThread(ReadInThread, &run));
+        while (run.state == 1) PreviewCancel(0);
+        EXPECT_EQ(run.state, 0) << file.name;
+    }
+}
+
+// Drawings cut short, with bytes spoilt and with numbers that are none: nothing crashes, hangs, writes too far, keeps
+// its file or leaks.
+TEST(ReaderContract, DamagedDrawings) {
+    const TempFolder folder;
+    const auto show = [&](const std::string& name, const std::string& contents, std::size_t variant) {
+        const std::string path = folder.Write(name, contents);
+        const GuardBlock comment(1 + variant % 300);
+        const PreviewReader reader = ReaderOf(path);
+        const DWORD mode = variant % 4;
+        if (reader) TakePicture(reader(mode, path.c_str(), &kTarget, comment.Text(), static_cast<DWORD>(comment.size)));
+        EXPECT_LT(strnlen(comment.Text(), comment.size), comment.size) << "the comment is ended";
+    };
+    const double hostile[] = {NAN, INFINITY, -1e308, 5e-324, 2147483648.0, -9.3e18};
+    HandleCounts before = {};
+    for (const NamedFile& file : SmallDrawings()) {
+        const std::string& good = file.contents;
+        show(file.name, good, 0);
+        if (before.gdi == 0) before = CountHandles();
+        const bool isText = file.name == "a.exf";
+        for (std::size_t at = good.size() % 4; at < good.size(); at += isText ? 1 : 4) {
+            if (!isText && at >= 300 && at + 450 < good.size()) continue;  // the rest of a header is not used
+            show(file.name, good.substr(0, at), at);
+            show(file.name, Put(good, {{at, "\xFF"}}), at);
+            if (!isText && at + 8 <= good.size()) show(file.name, Put(good, {{at, Raw(hostile[at / 4 % 6])}}), at);
+        }
+        const std::size_t tail = std::min<std::size_t>(good.size(), 450);
+        for (std::uint32_t seed = 0; seed < 50; ++seed)
+            show(file.name,
+                 good.substr(0, good.size() - tail) + WithFlippedBytes(good.substr(good.size() - tail), seed), seed);
+    }
+    for (const std::string key : {"AR ", "GP 0,", "GL 0,", "GA 0,", "GT "})
+        for (const std::string number : {"nan,", "inf,", "-1e999,", "1e308,", "1e-999,", "2147483648,", "-9.3e18,"}) {
+            std::string line = key;
+            for (int i = 0; i < 7; ++i) line += number;
+            for (const std::size_t mode : {0, 1})
+                show("a.exf", "AR 0,0,100,60\n" + line + "0,'ab'\nGL 1,2,3,90,50,92\n", mode);
+        }
+    EXPECT_NEAR(CountHandles().gdi, before.gdi, 5);  // the system keeps a few fonts
+    EXPECT_NEAR(CountHandles().kernel, before.kernel, 5);
+}

@@ -1,0 +1,122 @@
+#include "support/drawings.h"
+
+#include <gtest/gtest.h>
+
+#include "preview/canvas.h"
+#include "support/guard_block.h"
+#include "support/picture.h"
+#include "support/samples.h"
+#include "support/temp_folder.h"
+
+static std::string Raw16(unsigned number) { return Raw(static_cast<std::uint16_t>(number)); }
+
+std::string Put(std::string bytes, std::initializer_list<std::pair<std::size_t, std::string>> parts) {
+    for (const auto& part : parts) bytes.replace(part.first, part.second.size(), part.second);
+    return bytes;
+}
+
+std::string PointRecord(double x, double y) { return BytesAt(64, {{4, "\1"}, {16, Raw(x) + Raw(y)}}); }
+
+std::string LineRecord(double x1, double y1, double x2, double y2, unsigned attributes) {
+    return BytesAt(64, {{4, "\2"}, {16, Raw(x1) + Raw(y1) + Raw(x2) + Raw(y2)}, {48, Raw16(attributes)}});
+}
+
+std::string ArcRecord(double x, double y, double radius, double start, double end, unsigned attributes) {
+    return BytesAt(64,
+                   {{4, "\4"}, {16, Raw(x) + Raw(y) + Raw(radius) + Raw(start) + Raw(end)}, {56, Raw16(attributes)}});
+}
+
+static std::string LookFields(const TextLook& t) {
+    return Raw(t.x) + Raw(t.y) + Raw(t.height) + Raw(t.width) + Raw(t.spacing) + Raw(t.angle);
+}
+
+std::string TextRecord(const TextLook& look, unsigned placement, const std::string& text, unsigned link) {
+    return BytesAt(
+        64, {{4, "\x8"}, {16, LookFields(look)}, {44, Raw16(placement)}, {48, text.substr(0, 14)}, {62, Raw16(link)}});
+}
+
+std::string ContinuationRecord(const std::string& text, unsigned link, unsigned status) {
+    return BytesAt(64, {{0, Raw16(status)}, {16, text.substr(0, 46)}, {62, Raw16(link)}});
+}
+
+std::string CountedTextRecord(const TextLook& look, unsigned placement, unsigned count) {
+    return BytesAt(64, {{4, "\x8"}, {16, LookFields(look)}, {44, Raw16(placement)}, {46, Raw16(count)}});
+}
+
+std::string NativeFile(NativeEdition edition, double width, double height, const std::string& records) {
+    const std::string signature = edition == kEditionA ? "CAD ORVIL QA V4.0" : "LumosBase";
+    return BytesAt(edition == kEditionA ? 1024 : 12704, {{4, signature},
+                                                         {25, "\x5"},
+                                                         {32, Raw(width) + Raw(height)},
+                                                         {242, Raw16(static_cast<unsigned>(records.size() / 64))},
+                                                         {248, Raw16(1)},
+                                                         {250, Raw16(1)}}) +
+           records;
+}
+
+std::string BackupFile(double width, double height, const std::string& records) {
+    return BytesAt(446, {{0, "VEXTRON lumos Backup V2"},
+                         {426, Raw(width) + Raw(height)},
+                         {442, Raw(static_cast<std::uint32_t>(records.size() / 64))}}) +
+           records;
+}
+
+static std::string WriteDrawing(const std::string& contents) {
+    static const TempFolder folder;
+    return folder.Write("drawing", contents);
+}
+
+std::string Drawn(PreviewReader reader, const std::string& file, int width, int height, DWORD mode) {
+    const RECT target = {0, 0, width, height};
+    return TakePicture(reader(mode, WriteDrawing(file).c_str(), &target, nullptr, 0));
+}
+
+std::string CommentOf(PreviewReader reader, const std::string& file, std::size_t size, bool withTarget) {
+    const RECT target = {0, 0, 4, 4};
+    const GuardBlock out(std::string(size, '#'));
+    const UniqueBitmap bitmap(
+        reader(0, WriteDrawing(file).c_str(), withTarget ? &target : nullptr, out.Text(), static_cast<DWORD>(size)));
+    EXPECT_TRUE(withTarget || !bitmap) << "no target, no bitmap";
+    const std::string comment(out.Text(), strnlen(out.Text(), size));
+    EXPECT_EQ(std::string(out.Text(), size), comment + std::string(size - comment.size(), '\0'));
+    return comment;
+}
+
+Stroke LineStroke(unsigned pen, double x1, double y1, double x2, double y2, std::uint32_t marks) {
+    Stroke stroke = {pen, {}};
+    stroke.primitive.SetLine(x1, y1, x2, y2);
+    stroke.primitive.e.SetEndMarks(marks);
+    return stroke;
+}
+
+Stroke ArcStroke(unsigned pen, double x, double y, double radius, double start, double end, std::uint32_t marks) {
+    Stroke stroke = {pen, {}};
+    stroke.primitive.SetArc(x, y, radius, start, end);
+    stroke.primitive.f.SetEndMarks(marks);
+    return stroke;
+}
+
+Stroke FrameStroke(double x1, double y1, double x2, double y2, double centreX, double centreY, double angle) {
+    Stroke stroke = {kTextPen, {}};
+    stroke.primitive.SetFrame(x1, y1, x2, y2, centreX, centreY, angle);
+    return stroke;
+}
+
+Stroke TextStroke(double x, double y, double height, double width, double spacing, double angle,
+                  const std::string& text) {
+    Stroke stroke = {kTextPen, {}};
+    stroke.primitive.SetText(x, y, height, width, spacing, angle, text.c_str());
+    return stroke;
+}
+
+std::string Rendered(int width, int height, const std::vector<Stroke>& strokes) {
+    Canvas canvas;
+    if (!OpenCanvas(&canvas, 0, {0, 0, width, height})) return "no canvas";
+    FitCanvas(&canvas, {0, 0, static_cast<double>(width), static_cast<double>(height)});
+    for (const Stroke& stroke : strokes) {
+        canvas.primitive = stroke.primitive;
+        SelectCanvasPen(&canvas, stroke.pen);
+        DrawOnCanvas(&canvas);
+    }
+    return TakePicture(ReleaseCanvasBitmap(&canvas));
+}
