@@ -46,6 +46,8 @@ static constexpr DWORD kNone = KW_VALUE_NONE, kText = KW_VALUE_TEXT, kInt8 = KW_
                        kInt32 = KW_VALUE_INT32, kFloat = KW_VALUE_FLOAT, kDouble = KW_VALUE_DOUBLE,
                        kAccept = KW_VALUE_ACCEPT, kDismiss = KW_VALUE_DISMISS, kPageArray = KW_VALUE_PAGES;
 
+static int WidthOf(DWORD type) { return type == kInt8 ? 1 : type == kInt16 ? 2 : type == kDouble ? 8 : 4; }
+
 TEST(Items, NumbersInEveryKind) {
     const struct {
         DWORD kind, type;
@@ -106,8 +108,7 @@ TEST(Items, NumbersInEveryKind) {
         host.shown = false;
         EXPECT_EQ(host.Run(), 1) << "row " << row;
         EXPECT_EQ(type.load(variable + 1), c.stored) << "row " << row;
-        type.store(variable + 1, c.value);
-        EXPECT_EQ(std::memcmp(variable, untouched, sizeof(variable)), 0) << "its width, row " << row;
+        for (int at = 1 + WidthOf(c.type); at < 17; ++at) EXPECT_EQ(variable[at], 0xA5) << "behind it, row " << row;
     }
 }
 

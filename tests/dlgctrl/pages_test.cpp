@@ -5,6 +5,9 @@
 #include <commctrl.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <utility>
+
 #include "dlgctrl/dlgitem.h"
 #include "dlgctrl/host_dialog.h"
 
@@ -175,6 +178,32 @@ TEST(Pages, RemovedAndDestroyed) {
     EXPECT_EQ(PageWindow(nullptr, kOwnerWindow), nullptr);
 }
 
+// A page's callback destroys the set that is showing it, and other memory takes the set's place.
+TEST(Pages, DestroyedWhileInUse) {
+    PagedDialog host;
+    host.pages[0].callback = HostCallback;
+    std::vector<HGLOBAL> blocks;
+    host.callback = [&](HWND window, UINT message, WPARAM shown) -> INT_PTR {
+        if (message != WM_SHOWWINDOW || shown || !GetParent(window) || CurrentPage(SetOf(GetParent(window))) != 0)
+            return 0;
+        if (!blocks.empty()) return 0;
+        DestroyPageSet(std::exchange(HandlesOf(GetParent(window), 0)->pageSet, nullptr));
+        for (int i = 0; i < 50; ++i) {
+            blocks.push_back(GlobalAlloc(GMEM_MOVEABLE, 100));
+            std::memset(GlobalLock(blocks.back()), 0x11, 100);
+            GlobalUnlock(blocks.back());
+        }
+        return 0;
+    };
+    host.opened = [](HWND dialog) {
+        ClickTab(dialog, 1);
+        EXPECT_EQ(Send(dialog, IDC_TABS, TCM_GETITEMCOUNT), 0);
+    };
+    EXPECT_EQ(host.Run(), 1);
+    EXPECT_FALSE(blocks.empty());
+    for (const HGLOBAL block : blocks) GlobalFree(block);
+}
+
 TEST(Pages, OnesThatCannotBeCreated) {
     PagedDialog missingTemplate;
     missingTemplate.pages[1].templateName = "no such template";
@@ -188,7 +217,14 @@ TEST(Pages, OnesThatCannotBeCreated) {
     PagedDialog itself;  // a page that holds itself
     DialogItem again = {IDC_TABS, KW_KIND_PAGES | KW_VALUE_PAGES, itself.pages, 0, 1, nullptr};
     itself.pages[0].items = &again;
+    itself.pages[0].callback = HostCallback;
+    int pageCount = 0;
+    itself.callback = [&](HWND window, UINT message, WPARAM) -> INT_PTR {
+        pageCount += message == WM_DESTROY && GetParent(window);
+        return 0;
+    };
     EXPECT_EQ(itself.Run(), 0);
+    EXPECT_LT(pageCount, 40) << "long before the stack ends";
     PagedDialog negative;
     negative.pages[0].itemCount = -5;
     EXPECT_EQ(negative.Run(), 1);
