@@ -262,7 +262,7 @@ TEST_F(ClassicDialog, ListAndStartingDirectory) {
     folder.Write("outside.dxf", kDrawing);
     const auto lists = [](const char* name) {
         return [=](HWND dialog) {
-            return SendMessageA(FindControl(dialog, IDC_FILE_LIST), LB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
+            return SendMessageA(FindControl(dialog, IDC_FILE_LIST), LB_FINDSTRING, static_cast<WPARAM>(-1),
                                 reinterpret_cast<LPARAM>(name)) >= 0;
         };
     };
