@@ -14,7 +14,7 @@ static bool Reserve(GalleryItems* items, int count) {
     void* grown =
         items->array ? LocalReAlloc(items->array.get(), size, LMEM_MOVEABLE | LMEM_ZEROINIT) : LocalAlloc(LPTR, size);
     if (!grown) return false;
-    items->array.release();  // the block has moved
+    (void)items->array.release();  // the block has moved
     items->array.reset(static_cast<GalleryItem*>(grown));
     items->capacity += kGrowth;
     return true;
