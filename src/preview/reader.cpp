@@ -41,6 +41,15 @@ LoadedFile::LoadedFile(const char* fileName) : block(LoadFileToGlobal(fileName))
     if (size == 0) data = nullptr;
 }
 
+void LoadedFile::FreeAside() {
+    constexpr std::size_t kSlowToFree = 1 << 20;
+    if (!block || size < kSlowToFree) return;
+    while (GlobalUnlock(block)) {}
+    data = nullptr;
+    size = 0;
+    if (StartModuleThread([](void* memory) { GlobalFree(memory); }, block)) block = nullptr;
+}
+
 LoadedFile::~LoadedFile() {
     if (!block) return;
     while (GlobalUnlock(block)) {}  // the loader's lock and ours
@@ -55,6 +64,7 @@ HBITMAP RunDrawingReader(DWORD renderMode, const char* fileName, const RECT* tar
     {
         DrawingRun run = {renderMode, target, comment, LoadedFile(fileName), {}};
         if (run.file.data && decode(run)) bitmap = ReleaseCanvasBitmap(&run.canvas);
+        if (!MayContinue()) run.file.FreeAside();
     }
     PreviewCancel(0);
     return bitmap;

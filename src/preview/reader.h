@@ -53,6 +53,9 @@ struct LoadedFile {
     LoadedFile& operator=(const LoadedFile&) = delete;
 
     ByteView Bytes() const { return {data, size}; }
+    // Has a big block freed by a thread of its own, as that can take longer than a cancelled run may.
+    void FreeAside();
+
     // Ends the contents as a string. Deliberate: the zero is written over the block's last byte; text formats end in a
     // line break.
     ByteView AsText() const {
