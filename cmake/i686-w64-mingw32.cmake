@@ -15,7 +15,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
 # SSE2 arithmetic gives the same doubles at every optimisation level (the x87 unit keeps extra bits).
 # Windows promises a stack aligned to 4 bytes only; functions that need more for SSE align it themselves.
-set(arch_flags "-march=i686 -msse2 -mfpmath=sse -mstackrealign")
+set(arch_flags "-march=i686 -mtune=generic -msse2 -mfpmath=sse -mstackrealign")
 set(CMAKE_C_FLAGS_INIT "${arch_flags}")
 set(CMAKE_CXX_FLAGS_INIT "${arch_flags}")
 

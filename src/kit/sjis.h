@@ -39,6 +39,27 @@ struct LineWalk {
     const std::uint8_t* end;
 };
 
+// Looks at the next 32 bytes at once. A line that lies in them with its break, all below 128, is taken with the control
+// bytes behind it; most lines of drawings are such. Looks at nothing behind `end`; false leaves the walk as it was.
+inline bool TakeShortLine(LineWalk* walk, ByteView* line) {
+    if (walk->end - walk->next < 32) return false;
+    const auto* const at = reinterpret_cast<const __m128i*>(walk->next);
+    const __m128i first = _mm_loadu_si128(at), second = _mm_loadu_si128(at + 1);
+    const auto maskOf = [](__m128i a, __m128i b) {
+        return static_cast<unsigned long>(_mm_movemask_epi8(a)) | static_cast<unsigned long>(_mm_movemask_epi8(b))
+                                                                      << 16;
+    };
+    if (maskOf(first, second) != 0) return false;  // bytes from 128 up
+    const __m128i blank = _mm_set1_epi8(' '), zero = _mm_setzero_si128();
+    const unsigned long ends = maskOf(_mm_cmplt_epi8(first, blank), _mm_cmplt_epi8(second, blank));
+    const unsigned long others = ~ends | maskOf(_mm_cmpeq_epi8(first, zero), _mm_cmpeq_epi8(second, zero));
+    unsigned long length = 0, next = 0;
+    if (!_BitScanForward(&length, ends) || !_BitScanForward(&next, others & ~0ul << length)) return false;
+    *line = {walk->next, length};
+    walk->next += next;
+    return true;
+}
+
 // Takes the next line to `line` and the control bytes behind it; false at the end of the text.
 //
 // A line ends at the first byte below 32, and the bytes 1 to 31 that follow vanish with it, so only the first line can
@@ -47,6 +68,7 @@ inline bool TakeLine(LineWalk* walk, ByteView* line) {
     const std::uint8_t* const begin = walk->next;
     const std::uint8_t* const end = walk->end;
     if (begin >= end || *begin == 0) return false;
+    if (TakeShortLine(walk, line)) return true;
     const std::uint8_t* at = SkipOrdinary(begin, end);
     while (at < end && *at >= ' ') {
         at += end - at < 2 ? 1 : 2;  // a lead byte at the very end stands alone

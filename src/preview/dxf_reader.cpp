@@ -67,6 +67,7 @@ constexpr std::uint32_t HeadOf(std::uint8_t a, std::uint8_t b, std::uint8_t c) {
 constexpr std::uint32_t HashOf(std::uint32_t head) { return (head * 0x9E3779B1u) >> 24; }
 
 struct KeywordIndex {
+    bool begins[256];  // whether a row begins with the character: numbers, the other half of the lines, mostly do not
     std::int8_t first[256];
     struct {
         std::uint32_t head;
@@ -80,6 +81,7 @@ constexpr KeywordIndex MakeKeywordIndex() {
         const char* text = kKeywords[row].text;
         const std::uint32_t head = HeadOf(static_cast<std::uint8_t>(text[0]), static_cast<std::uint8_t>(text[1]),
                                           static_cast<std::uint8_t>(text[2]));
+        index.begins[head & 0xFF] = true;
         index.rows[row] = {head, index.first[HashOf(head)]};
         index.first[HashOf(head)] = static_cast<std::int8_t>(row);
     }
@@ -88,7 +90,7 @@ constexpr KeywordIndex MakeKeywordIndex() {
 constexpr KeywordIndex kKeywordIndex = MakeKeywordIndex();
 
 const Keyword* FindKeyword(ByteView line) {
-    if (line.size < 3) return nullptr;
+    if (line.size < 3 || !kKeywordIndex.begins[line.data[0]]) return nullptr;
     const std::uint32_t head = HeadOf(line.data[0], line.data[1], line.data[2]);
     for (int row = kKeywordIndex.first[HashOf(head)]; row >= 0; row = kKeywordIndex.rows[row].next) {
         if (kKeywordIndex.rows[row].head != head) continue;

@@ -47,6 +47,8 @@ TEST(Sjis, TakeLineAtEveryDistance) {
         EXPECT_EQ(LinesOf(plain + "\xe0\n" + tail), Lines{plain + "\xe0\n" + tail}) << count;
         EXPECT_EQ(LinesOf(plain + "\xb1\r" + tail + "\r"), (Lines{plain + "\xb1", tail})) << count;
         EXPECT_EQ(LinesOf(plain + std::string(1, 0) + tail), count ? Lines{plain} : Lines{}) << count;
+        EXPECT_EQ(LinesOf(plain + std::string("\r\n\0b", 4) + tail), Lines{plain}) << count;
+        EXPECT_EQ(LinesOf("a\n\r" + std::string(count, '\1') + "b\n" + tail), (Lines{"a", "b", tail})) << count;
         EXPECT_EQ(LinesOf(plain + "b\x9f"), Lines{plain + "b\x9f"}) << count;
     }
 }
