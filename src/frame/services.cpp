@@ -195,7 +195,10 @@ void StopWorkerAndPump(HWND dialog, volatile LONG* word, LONG bits, LONG request
         InterlockedOr(word, requestBits);
         PreviewCancel(0);  // on every pass: a reader that has just started raises the flag itself
         MSG message;
-        if (!PeekMessageA(&message, dialog, 0, 0, PM_REMOVE)) continue;
+        if (!PeekMessageA(&message, dialog, 0, 0, PM_REMOVE)) {
+            MsgWaitForMultipleObjects(0, nullptr, FALSE, 1, QS_ALLINPUT);
+            continue;
+        }
         if (message.message == WM_QUIT) {
             quit = true;
             exitCode = message.wParam;

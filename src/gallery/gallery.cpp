@@ -30,6 +30,11 @@ constexpr int kFrameBorders = 3;    // borders between a cell's edge and its fra
 constexpr int kPictureBorders = 4;  // and its picture
 constexpr int kCaptionSpace = 14;   // pixels below the picture
 
+constexpr UINT_PTR kProgressTimer = 1;
+constexpr UINT kProgressMilliseconds = 40;
+constexpr UINT kWorkerEnded = WM_APP;  // posted by the worker
+constexpr int kProgressRange = 100;
+
 constexpr std::size_t kPoolSlack = 1024;
 
 // What a caller asks for, see ShowGallery.
@@ -53,6 +58,8 @@ struct Gallery {
     RECT thumbnail = {};  // at the origin
     UniqueBitmap loading, noPreview, scratch;
     volatile LONG state = 0;
+    volatile LONG finished = 0;  // items that the worker has done with
+    int shown = 0;               // those of them that the dialog has drawn
     LayoutRow rows[1] = {{IDC_GALLERY_LIST, kAnchorRight | kAnchorBottom, 0, 0, {}}};
     DialogLayout layout = {rows, 1, &rememberedSize};
 };
@@ -95,33 +102,61 @@ void MakeThumbnail(Gallery& gallery, GalleryItem& item) {
     if (bitmap) StoreThumbnail(gallery, item, bitmap.get());
 }
 
+// Sends the dialog nothing, since waiting for it at each file would take longer than the thumbnails: the dialog looks
+// at `finished` by its timer.
+void FillGallery(void* argument) {
+    Gallery& gallery = *static_cast<Gallery*>(argument);
+    for (int i = 0; i < gallery.items.count && !(InterlockedOr(&gallery.state, 0) & kStopRequested); ++i) {
+        GalleryItem& item = gallery.items[i];
+        MakeThumbnail(gallery, item);
+        InterlockedOr(&item.flags, kItemFinished);
+        InterlockedExchange(&gallery.finished, i + 1);
+    }
+    const HWND dialog = gallery.dialog;
+    InterlockedExchange(&gallery.state, 0);  // the dialog may go from here on
+    PostMessageA(dialog, kWorkerEnded, 0, 0);
+}
+
+// ---- Progress
+
 void RedrawItem(const Gallery& gallery, int index) {
-    RECT cell;
+    RECT cell, client, visible;
+    GetClientRect(gallery.list, &client);
     if (SendMessageA(gallery.list, LB_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&cell)) ==
-        LB_ERR) {
+            LB_ERR ||
+        !IntersectRect(&visible, &cell, &client)) {
         return;
     }
     InvalidateRect(gallery.list, &cell, FALSE);
-    UpdateWindow(gallery.list);
 }
 
-void FillGallery(void* argument) {
-    Gallery& gallery = *static_cast<Gallery*>(argument);
+// Shows how far the worker is and the thumbnails that it has finished since the last time.
+void ShowProgress(Gallery& gallery) {
+    const bool runs = InterlockedOr(&gallery.state, 0) & kWorkerRuns;
+    const int finished = static_cast<int>(InterlockedOr(&gallery.finished, 0));
+    while (gallery.shown < finished) RedrawItem(gallery, gallery.shown++);
+    UpdateWindow(gallery.list);
     const HWND progress = GetDlgItem(gallery.dialog, IDC_GALLERY_PROGRESS);
     const HWND status = GetDlgItem(gallery.dialog, IDC_GALLERY_STATUS);
-    SendMessageA(progress, PBM_SETSTEP, 1, 0);
-    SendMessageA(progress, PBM_SETRANGE, 0, MAKELPARAM(0, 100));
-    for (int i = 0; i < gallery.items.count && !(InterlockedOr(&gallery.state, 0) & kStopRequested); ++i) {
-        GalleryItem& item = gallery.items[i];
-        SendMessageA(progress, PBM_SETPOS, static_cast<WPARAM>(MulDiv(i + 1, 100, gallery.items.count)), 0);
-        SetWindowTextA(status, item.name);
-        MakeThumbnail(gallery, item);
-        InterlockedOr(&item.flags, kItemFinished);
-        RedrawItem(gallery, i);
+    if (!runs) {
+        KillTimer(gallery.dialog, kProgressTimer);
+        ShowWindow(progress, SW_HIDE);
+        ShowWindow(status, SW_HIDE);
+    } else if (finished < gallery.items.count) {
+        const int position = MulDiv(finished + 1, kProgressRange, gallery.items.count);
+        SendMessageA(progress, PBM_SETPOS, static_cast<WPARAM>(position), 0);
+        SetWindowTextA(status, gallery.items[finished].name);
     }
-    ShowWindow(progress, SW_HIDE);
-    ShowWindow(status, SW_HIDE);
-    InterlockedExchange(&gallery.state, 0);
+}
+
+void StartWorker(Gallery& gallery) {
+    const HWND progress = GetDlgItem(gallery.dialog, IDC_GALLERY_PROGRESS);
+    SendMessageA(progress, PBM_SETSTEP, 1, 0);
+    SendMessageA(progress, PBM_SETRANGE, 0, MAKELPARAM(0, kProgressRange));
+    SetTimer(gallery.dialog, kProgressTimer, kProgressMilliseconds, nullptr);
+    InterlockedExchange(&gallery.state, kWorkerRuns);
+    if (!StartModuleThread(FillGallery, &gallery)) InterlockedExchange(&gallery.state, 0);
+    ShowProgress(gallery);
 }
 
 // ---- Opening
@@ -190,8 +225,7 @@ bool OpenGallery(Gallery& gallery) {
     StartLayout(gallery.dialog, &gallery.layout);
     FillList(gallery);
     ShowFolderInCaption(gallery);
-    InterlockedExchange(&gallery.state, kWorkerRuns);
-    if (!StartModuleThread(FillGallery, &gallery)) InterlockedExchange(&gallery.state, 0);
+    StartWorker(gallery);
     return true;
 }
 
@@ -308,6 +342,8 @@ INT_PTR CALLBACK GalleryProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lP
     switch (message) {
         case WM_INITDIALOG: return OnInitDialog(dialog, *gallery);
         case WM_COMMAND: return OnCommand(*gallery, LOWORD(wParam), HIWORD(wParam));
+        case WM_TIMER:
+        case kWorkerEnded: ShowProgress(*gallery); return FALSE;
         case WM_DRAWITEM: return OnDrawItem(*gallery, *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
         case WM_SHOWWINDOW: FollowDialogSize(dialog, &gallery->layout, message, wParam); return FALSE;
         case WM_SIZE: FollowDialogSize(dialog, &gallery->layout, message, wParam); return TRUE;
