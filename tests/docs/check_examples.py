@@ -50,7 +50,7 @@ def commands(source, options):
     if script.exists():
         objects.append(source.with_suffix(".res.o"))
         result.append([options.resource_compiler, "-c", "65001", "-I", source.parent, script, "-o", objects[-1]])
-    link = [options.compiler, *objects, options.library, "-lcomctl32", "-o", source.with_suffix(".exe")]
+    link = [options.compiler, *objects, options.library, "-o", source.with_suffix(".exe")]
     return [*result, link]
 
 
@@ -58,7 +58,8 @@ def build(source, options):
     for command in commands(source, options):
         run = subprocess.run([str(word) for word in command], capture_output=True, text=True, check=False)
         if run.returncode != 0:
-            print(f"{source.parent.name}.md: {source.name} fails\n{run.stdout}{run.stderr}")
+            messages = (run.stdout + run.stderr).splitlines()
+            print(f"{source.parent.name}.md: {source.name} fails", *messages[:20], sep="\n")
             return False
     return True
 
