@@ -3,7 +3,8 @@
 #
 #   ./demo.sh [--lang en|ja]           the demo's window on the caller's display
 #   ./demo.sh --shots [--lang en|ja]   no display needed: the demo drives itself and leaves pictures in build/demo/,
-#                                      in both languages unless one is named (also done when there is no display)
+#                                      in both languages unless one is named, at 96 and at 144 dots per inch (also
+#                                      done when there is no display, but at 96 only)
 set -euo pipefail
 cd "$(dirname "$(realpath "${BASH_SOURCE[0]}")")"
 shots=no
@@ -40,8 +41,14 @@ fi
 
 [ $shots = yes ] || echo "demo: no display here, so it drives itself on an unseen one and takes pictures"
 mkdir -p build/demo
-for each in ${language:-en ja}; do
-  echo "demo: language $each"
-  tools/winrun.sh --desktop 1280x1024 "$each" $demo --shots build/demo --lang-suffix "$each"
+resolutions=96
+[ $shots = no ] || resolutions='96 144'
+for dpi in $resolutions; do
+  for each in ${language:-en ja}; do
+    echo "demo: language $each, $dpi dots per inch"
+    suffix=$each
+    [ "$dpi" = 96 ] || suffix=${each}_$dpi
+    tools/winrun.sh --desktop "1280x1024@$dpi" "$each" $demo --shots build/demo --lang-suffix "$suffix"
+  done
 done
 echo "demo: the pictures are in build/demo/"

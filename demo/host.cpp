@@ -1,6 +1,6 @@
 // kwdemo: a small host with a button for each service of kwdialogs.dll.
 //
-//   kwdemo.exe [--samples FOLDER] [--shots FOLDER [--lang-suffix en|ja]]
+//   kwdemo.exe [--samples FOLDER] [--shots FOLDER [--lang-suffix TEXT]]
 //
 // With --shots it drives itself through the dialogs, on a copy of the samples in C:\Drawings, and leaves a PNG picture
 // of each in FOLDER.
@@ -178,7 +178,7 @@ bool ParseArguments(int count, char** arguments, Options& options) {
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
     Options options;
     if (!ParseArguments(__argc, __argv, options)) {
-        std::fputs("usage: kwdemo.exe [--samples FOLDER] [--shots FOLDER [--lang-suffix en|ja]]\n", stderr);
+        std::fputs("usage: kwdemo.exe [--samples FOLDER] [--shots FOLDER [--lang-suffix TEXT]]\n", stderr);
         return 2;
     }
     if (options.samples.empty()) options.samples = FindSamples();

@@ -1,10 +1,10 @@
 #!/bin/bash
 # Runs a 32-bit Windows program on a Linux machine and passes on its exit code.
 #
-#   tools/winrun.sh [--desktop WIDTHxHEIGHT] LANG PROGRAM.exe ARGUMENTS...
+#   tools/winrun.sh [--desktop WIDTHxHEIGHT[@DPI]] LANG PROGRAM.exe ARGUMENTS...
 #
 # LANG is en (code page 1252) or ja (code page 932). --desktop opens all windows inside one Wine desktop window, where
-# they have captions; without it, and without a window manager, they have none. A program that does not end in .exe is
+# they have captions; without it, and without a window manager, they have none. DPI is 96 unless it is named. A program that does not end in .exe is
 # a Linux command, run in the same surroundings (for instance: tools/winrun.sh en bash -c 'wine a.exe & ...').
 #
 # The program runs in the root made by tools/setup.sh, in namespaces of its own: it has its own screen, processes, /tmp
@@ -38,9 +38,12 @@ set_language() {  # LANG PREFIX
 
 # Has the programs of a Windows folder tree open their windows in a desktop of that size. The program itself could be
 # started through Wine's explorer for that, but then its exit code would be lost.
-use_desktop() {  # PREFIX WIDTHxHEIGHT
+use_desktop() {  # PREFIX WIDTHxHEIGHT[@DPI]
   printf '\n[Software\\\\Wine\\\\Explorer]\n"Desktop"="kwdialogs"\n\n[Software\\\\Wine\\\\Explorer\\\\Desktops]\n"kwdialogs"="%s"\n' \
-    "$2" >>"$1/user.reg"
+    "${2%@*}" >>"$1/user.reg"
+  case $2 in
+    *@*) printf '\n[Control Panel\\\\Desktop]\n"LogPixels"=dword:%08x\n' "${2#*@}" >>"$1/user.reg" ;;
+  esac
 }
 
 run_program() {
@@ -160,11 +163,11 @@ while :; do
     *) break ;;
   esac
 done
-[ $# -ge 2 ] || fail "usage: winrun.sh [--desktop WIDTHxHEIGHT] LANG PROGRAM ARGUMENTS..."
+[ $# -ge 2 ] || fail "usage: winrun.sh [--desktop WIDTHxHEIGHT[@DPI]] LANG PROGRAM ARGUMENTS..."
 language=$1
 shift
 case $language in en | ja) ;; *) fail "unknown language '$language' (en, ja)" ;; esac
-[[ $desktop =~ ^([0-9]+x[0-9]+)?$ ]] || fail "--desktop takes WIDTHxHEIGHT, not '$desktop'"
+[[ $desktop =~ ^([0-9]+x[0-9]+(@[0-9]+)?)?$ ]] || fail "--desktop takes WIDTHxHEIGHT[@DPI], not '$desktop'"
 
 # A program that is named without a path is looked for by Wine or in the root.
 program=

@@ -2,7 +2,6 @@
 
 #include "kit/handles.h"
 #include "kit/paths.h"
-#include "kit/sjis.h"
 
 static HTREEITEM NextNode(HWND view, WPARAM relation, HTREEITEM node) {
     return reinterpret_cast<HTREEITEM>(SendMessageA(view, TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(node)));
@@ -93,7 +92,7 @@ static bool IsNetworkPath(const std::string& path) { return path.compare(0, 2, "
 // True when neither of the first two characters is a backslash.
 static bool IsBareName(const std::string& name) {
     if (name.empty() || name[0] == '\\') return false;
-    return IsLeadByte(static_cast<std::uint8_t>(name[0])) || name[1] != '\\';
+    return IsDBCSLeadByte(static_cast<BYTE>(name[0])) || name[1] != '\\';
 }
 
 std::string StepPath(std::string name, bool inNetwork) {
@@ -110,7 +109,7 @@ static std::string StepPath(const ShellItem& item, bool inNetwork) {
 static bool BeginsWith(const std::string& path, const std::string& part) {
     const int length = static_cast<int>(part.size());
     return length > 0 && part.size() <= path.size() &&
-           CompareStringA(LOCALE_INVARIANT, NORM_IGNORECASE, path.c_str(), length, part.c_str(), length) == CSTR_EQUAL;
+           CompareStringA(LOCALE_SYSTEM_DEFAULT, NORM_IGNORECASE, path.c_str(), length, part.c_str(), length) == CSTR_EQUAL;
 }
 
 // ---- The way to a path

@@ -28,7 +28,7 @@ constexpr LONG kStopRequested = 128;
 constexpr int kColumns = 4, kRows = 3;
 constexpr int kFrameBorders = 3;    // borders between a cell's edge and its frame
 constexpr int kPictureBorders = 4;  // and its picture
-constexpr int kCaptionSpace = 14;   // pixels below the picture
+constexpr int kCaptionSpace = 14;   // below the picture, in pixels of a screen of 96 dots per inch
 
 constexpr UINT_PTR kProgressTimer = 1;
 constexpr UINT kProgressMilliseconds = 40;
@@ -66,11 +66,17 @@ struct Gallery {
 
 int BorderWidth() { return GetSystemMetrics(SM_CXBORDER); }
 
+// Grows with the caption's font.
+int CaptionHeight() {
+    static const int dotsPerInch = GetDeviceCaps(WindowDc(nullptr).dc, LOGPIXELSY);
+    return MulDiv(kCaptionSpace, dotsPerInch, USER_DEFAULT_SCREEN_DPI);
+}
+
 // The picture's place inside a cell.
 RECT PictureRect(RECT cell) {
     const int margin = kPictureBorders * BorderWidth();
     InflateRect(&cell, -margin, -margin);
-    cell.bottom -= kCaptionSpace;
+    cell.bottom -= CaptionHeight();
     return cell;
 }
 
@@ -313,7 +319,7 @@ void DrawFrameAndCaption(const GalleryItem& item, HDC dc, const RECT& frame, boo
     InflateRect(&inside, -BorderWidth(), -BorderWidth());
     FillRect(dc, &inside, GetSysColorBrush(focused ? COLOR_HIGHLIGHT : COLOR_BTNFACE));
     RECT caption = frame;
-    caption.top = frame.bottom - kCaptionSpace;  // with the gap above it, the strip is as high as its font
+    caption.top = frame.bottom - CaptionHeight();  // with the gap above it, the strip is as high as its font
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, GetSysColor(focused ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT));
     DrawTextA(dc, item.name, -1, &caption, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
@@ -327,7 +333,7 @@ INT_PTR OnDrawItem(const Gallery& gallery, const DRAWITEMSTRUCT& draw) {
     InflateRect(&frame, -kFrameBorders * BorderWidth(), -kFrameBorders * BorderWidth());
     const int saved = SaveDC(draw.hDC);
     if (!whole) {  // the picture stays as it is
-        ExcludeClipRect(draw.hDC, frame.left, frame.top, frame.right, frame.bottom - kCaptionSpace);
+        ExcludeClipRect(draw.hDC, frame.left, frame.top, frame.right, frame.bottom - CaptionHeight());
     }
     DrawFrameAndCaption(item, draw.hDC, frame, draw.itemState & ODS_FOCUS);
     if (whole) DrawPicture(gallery, item, draw.hDC, draw.rcItem);

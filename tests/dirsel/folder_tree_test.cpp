@@ -146,7 +146,7 @@ TEST(FolderNodes, StepsOfTheWay) {
     };
     for (const auto& c : cases) EXPECT_EQ(StepPath(c.name, c.inNetwork), c.path) << c.name;
     // A second byte that looks like a backslash, where the code page has such characters.
-    EXPECT_EQ(StepPath("\x95\\", true), GetACP() == 932 ? "\\\\\x95\\\\" : "\\\\\x95\\");
+    EXPECT_EQ(StepPath("\x95\\", true), GetACP() == 932 ? "\\\\\x95\\\\" : "\x95\\");
 }
 
 TEST_F(FolderTree, AcceptsTheSelectedFolder) {
