@@ -3,8 +3,8 @@
 // The library is 32-bit: build the host for x86 ("Prefer 32-bit" or -platform:x86). All text is 8-bit text in the
 // system's ANSI code page, and text fields are pointers, because the library keeps and fills the host's own buffers:
 // Marshal.StringToHGlobalAnsi makes one. Buffers, tables and delegates stay where they are until the call has returned
-// (unmanaged memory or a pinned GCHandle; a delegate in a variable and GC.KeepAlive behind the call). All calls are made
-// on the host's user-interface thread; the dialogs are modal and return on that thread.
+// (unmanaged memory or a pinned GCHandle; a delegate in a variable and GC.KeepAlive behind the call). All calls are
+// made on the host's user-interface thread; the dialogs are modal and return on that thread.
 //
 //     IntPtr path = Marshal.AllocHGlobal(KwDialogs.KW_MAX_PATH);
 //     Marshal.WriteByte(path, 0);  // no initial name
@@ -93,8 +93,8 @@ public static class KwDialogs
     // DialogItem.type, bits 0-7: what the control is.
     public const uint KW_KIND_EDIT = 1;   // text: printf format of the value; zero: the value type's own
     public const uint KW_KIND_CHECK = 2;  // text: label; checked when the value is not 0
-    public const uint KW_KIND_RADIO = 3;  // text: maximum labels, each ended by \0; the value is the checked one's index
-    public const uint KW_KIND_COMBO = 4;  // text: maximum entries, each ended by \0; the value is the selected one's index
+    public const uint KW_KIND_RADIO = 3;  // text: maximum labels, each ended by \0; value: index of the checked one
+    public const uint KW_KIND_COMBO = 4;  // text: maximum entries, each ended by \0; value: index of the selected one
     public const uint KW_KIND_LABEL = 5;  // text: label; with KW_VALUE_TEXT the printf format of the host's string
     public const uint KW_KIND_BUTTON = 6; // text: label
     public const uint KW_KIND_PAGES = 7;  // minimum: page shown first; maximum: number of pages
@@ -115,10 +115,10 @@ public static class KwDialogs
     public const uint KW_FLAG_DISABLED = 0x10000;  // disabled when the dialog opens (radio: all buttons)
     public const uint KW_FLAG_HIDDEN = 0x20000;    // hidden when the dialog opens (radio: all buttons)
     public const uint KW_FLAG_SPIN = 0x40000;      // edit fields: attach a spin button that steps by one
-    public const uint KW_FLAG_KEEP_PAGE = 0x80000; // pages: on acceptance store the index of the page shown into minimum
+    public const uint KW_FLAG_KEEP_PAGE = 0x80000; // pages: on acceptance store the page shown into minimum
 
-    // One control, or one radio group, of a dialog: 40 bytes. The host owns the table; it stays alive and writable until
-    // the dialog has ended. A range is active only when minimum and maximum differ.
+    // One control, or one radio group, of a dialog: 40 bytes. The host owns the table; it stays alive and writable
+    // until the dialog has ended. A range is active only when minimum and maximum differ.
     [StructLayout(LayoutKind.Sequential, Pack = 8)]
     public struct DialogItem
     {
@@ -130,8 +130,8 @@ public static class KwDialogs
         public IntPtr text;    // by kind, see above; may be zero
     }
 
-    // Sees every message before the library does; non-zero: handled. The window's DWLP_USER slot belongs to the library.
-    // No exception may leave it.
+    // Sees every message before the library does; non-zero: handled. The window's DWLP_USER slot belongs to the
+    // library. No exception may leave it.
     [UnmanagedFunctionPointer(CallingConvention.StdCall)]
     public delegate IntPtr DialogCallback(IntPtr dialog, uint message, IntPtr wParam, IntPtr lParam);
 

@@ -1,9 +1,10 @@
 { kwdialogs for Delphi and Free Pascal: file and directory selection, table-driven dialogs (kwdialogs.h as a unit).
 
   The library is 32-bit: build for Win32. All text is 8-bit text in the system's ANSI code page (AnsiString; in Free
-  Pascal one that is not declared as UTF-8). Records, buffers and texts stay alive until the call has returned. All calls
-  are made on the thread of the user interface; the dialogs are modal and return on that thread. The compiler's run-time
-  library traps floating-point errors, which C code expects to pass: mask them with Math.SetExceptionMask around a call.
+  Pascal one that is not declared as UTF-8). Records, buffers and texts stay alive until the call has returned. All
+  calls are made on the thread of the user interface; the dialogs are modal and return on that thread. Pascal traps
+  floating-point errors, and what runs inside a system dialog (shell extensions) expects that nobody does: mask them
+  with SetExceptionMask of unit Math around a call.
 
       var
         path: array[0..KW_MAX_PATH - 1] of AnsiChar;
@@ -133,16 +134,16 @@ type
   holds whatever the dialog left in it. }
 function kwSelectFileName(owner: HWND; modeBits, keepLongName: LongInt; request: PSelectRequest): LongWord; stdcall;
 
-{ Reads or sets the dialog style of the whole process: 0 (at start) for the Explorer style wherever the shell has it, any
-  positive value for the classic style. A negative mode changes nothing. Returns the style before the call. }
+{ Reads or sets the dialog style of the whole process: 0 (at start) for the Explorer style wherever the shell has it,
+  any positive value for the classic style. A negative mode changes nothing. Returns the style before the call. }
 function kwSelectFileGUI(mode: LongInt): LongInt; stdcall;
 
 { Lets the user choose a directory.
     owner      window that owns the modal dialog; may be 0
     title      dialog caption; nil: the template's own
     directory  at least KW_MAX_PATH bytes; in: starting directory, out: the chosen one, both with a trailing backslash
-               (the folder tree selects the parent of one that has none); a virtual folder gives the shell's name for it.
-               Nil, or a text that does not end within KW_MAX_PATH, gives 0
+               (the folder tree selects the parent of one that has none); a virtual folder gives the shell's name for
+               it. Nil, or a text that does not end within KW_MAX_PATH, gives 0
   Returns non-zero when a directory was chosen; otherwise 0 with the buffer unchanged.
   The spelling "Directry" belongs to the exported name. }
 function kwSelectDirectryName(owner: HWND; title, directory: PAnsiChar): LongWord; stdcall;

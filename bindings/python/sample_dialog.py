@@ -1,8 +1,9 @@
 """Opens a dialog of two pages, which kwdialogs runs from tables, and prints what the user entered.
 
-    py -3-32 sample_dialog.py FOLDER      with a 32-bit Python; FOLDER holds kwdialogs.dll and kwdemo.exe
+    py -3-32 sample_dialog.py [FOLDER]      with a 32-bit Python
 
-The dialog's templates are those of kwdemo.exe; a host brings its own in its resources.
+FOLDER holds kwdialogs.dll and kwdemo.exe; it is the package's bin when it is left out. The dialog's templates are those
+of kwdemo.exe; a host brings its own in its resources.
 """
 import ctypes
 import os
@@ -71,11 +72,12 @@ def edit_parameters(library, module, p):
         PageDescriptor(templateName=IDD_CUTTING_PAGE, itemCount=len(cutting), items=cutting),
         PageDescriptor(templateName=IDD_TOOL_PAGE, itemCount=len(tool), items=tool),
     )
+    paged = kw.KW_KIND_PAGES | kw.KW_VALUE_PAGES
     machine = ctypes.create_string_buffer(b"MC-5A")
     items = table(
         (IDC_PART, kw.KW_KIND_EDIT | kw.KW_VALUE_TEXT, pointer_to(p.part), 0, len(p.part), None),
         (IDC_MACHINE, kw.KW_KIND_LABEL | kw.KW_VALUE_TEXT, pointer_to(machine), 0, 0, b"Machine: %s"),
-        (IDC_PAGES, kw.KW_KIND_PAGES | kw.KW_VALUE_PAGES | kw.KW_FLAG_KEEP_PAGE, pointer_to(pages), 0, len(pages), None),
+        (IDC_PAGES, paged | kw.KW_FLAG_KEEP_PAGE, pointer_to(pages), 0, len(pages), None),
         (IDC_SIMULATE, kw.KW_KIND_BUTTON | kw.KW_VALUE_ACCEPT, None, 0, 0, None),
         (IDC_SKIP, kw.KW_KIND_BUTTON | kw.KW_VALUE_DISMISS, None, 0, 0, None),
     )
@@ -108,9 +110,10 @@ def load_resources(path):
 
 
 def main():
-    if len(sys.argv) != 2:
+    if len(sys.argv) > 2 or "-h" in sys.argv or "--help" in sys.argv:
         sys.exit(__doc__)
-    folder = os.path.abspath(sys.argv[1])
+    folder = sys.argv[1] if len(sys.argv) == 2 else os.path.join(os.path.dirname(__file__), "..", "..", "bin")
+    folder = os.path.abspath(folder)
     try:
         library = kw.load(os.path.join(folder, "kwdialogs.dll"))
         module = load_resources(os.path.join(folder, "kwdemo.exe"))

@@ -40,20 +40,24 @@ def generate(header, output):
     names = Names(header)
     lines = ['#include "kwdialogs.h"', "#include <cstddef>", "#include <cstdio>", ""]
     lines += ["template <typename Result, typename... Parameters>"]
-    lines += ["static int Count(Result(WINAPI**)(Parameters...)) { return static_cast<int>(sizeof...(Parameters)); }", ""]
+    lines += ["static int Count(Result(WINAPI**)(Parameters...)) {"]
+    lines += ["    return static_cast<int>(sizeof...(Parameters));", "}", ""]
     lines += ["int main() {"]
     lines += [f'    std::printf("constant {c} %d\\n", {c});' for c in names.constants]
     lines += [f'    std::printf("size {r} %d\\n", static_cast<int>(sizeof({r})));' for r in names.records]
     lines += [
-        f'    std::printf("field {r}.{f} %d %d\\n", static_cast<int>(offsetof({r}, {f})), static_cast<int>(sizeof({r}::{f})));'
+        f'    std::printf("field {r}.{f} %d %d\\n", static_cast<int>(offsetof({r}, {f})),\n'
+        f"                static_cast<int>(sizeof({r}::{f})));"
         for r, f in names.fields()
     ]
-    lines += [f'    std::printf("parameters {e} %d\\n", Count(static_cast<decltype(&{e})*>(nullptr)));' for e in names.exports]
+    lines += [
+        f'    std::printf("parameters {e} %d\\n", Count(static_cast<decltype(&{e})*>(nullptr)));' for e in names.exports
+    ]
     output.write_text("\n".join(lines + ["}", ""]), encoding="ascii")
 
 
 def compile_and_run(compiler, sources, commands):
-    """Writes the sources to a folder of their own, and gives what the last command there prints."""
+    """Writes the sources to a folder of their own, and gives what the last command prints (FOLDER is its name)."""
     if not shutil.which(compiler):
         print(f"skipped: needs {compiler}")
         sys.exit(0)
@@ -61,7 +65,10 @@ def compile_and_run(compiler, sources, commands):
         for name, text in sources.items():
             Path(folder, name).write_text(text, encoding="utf-8")
         for command in commands:
-            run = subprocess.run(command, cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
+            command = [word.replace("FOLDER", folder) for word in command]
+            run = subprocess.run(
+                command, cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False
+            )
             if run.returncode:
                 sys.exit(f"{' '.join(command)}\n{run.stdout}")
         return run.stdout
@@ -96,7 +103,8 @@ def python_table(names, binding):
 
 WINDOWS_UNIT = """unit Windows;  { the types that the binding takes from there, as 32-bit Windows has them }
 interface
-type HWND = LongWord; HINST = LongWord; UINT = LongWord; DWORD = LongWord; WPARAM = LongInt; LPARAM = LongInt; LRESULT = LongInt;
+type HWND = LongWord; HINST = LongWord; UINT = LongWord; DWORD = LongWord;
+  WPARAM = LongInt; LPARAM = LongInt; LRESULT = LongInt;
 implementation
 end.
 """
@@ -111,17 +119,18 @@ def pascal_table(names, binding):
     narrow = re.compile(r"(?<=: )(Pointer|P[A-Z]\w+|TDialogCallback)(?=;)")
     unit = re.sub(r"= record.*?end;", lambda record: narrow.sub("LongWord", record[0]), unit, flags=re.S)
     unit = re.sub(r"external KwDialogsDll name '\w+';", "begin Result := 0 end;", unit)  # there is no DLL to link
-    field = lambda name: {"type": "itemType"}.get(name, name)
+    own_names = {"type": "itemType"}
     lines = ["program Table;", "uses kwdialogs;", "begin"]
     lines += [f"  WriteLn('constant {c} ', {c});" for c in names.constants]
     lines += [f"  WriteLn('size {r} ', SizeOf(T{r}));" for r in names.records]
     lines += [
-        f"  WriteLn('field {r}.{f} ', PtrUInt(@T{r}(nil^).{field(f)}), ' ', SizeOf(T{r}(nil^).{field(f)}));"
+        f"  WriteLn('field {r}.{f} ', PtrUInt(@T{r}(nil^).{own}), ' ', SizeOf(T{r}(nil^).{own}));"
         for r, f in names.fields()
+        for own in [own_names.get(f, f)]
     ]
     lines += [f"  WriteLn('parameters {e} {exports.get(e)}');" for e in names.exports]
     sources = {"windows.pas": WINDOWS_UNIT, "kwdialogs.pas": unit, "table.pas": "\n".join(lines + ["end."])}
-    return compile_and_run("fpc", sources, [["fpc", "-vew", "-Sew", "table.pas"], ["./table"]])
+    return compile_and_run("fpc", sources, [["fpc", "-vew", "-Sew", "table.pas"], ["FOLDER/table"]])
 
 
 # ---- C#
@@ -132,7 +141,8 @@ def csharp_table(names, binding):
     code = re.sub(r"public struct.*?\n    }", lambda record: record[0].replace("IntPtr", "uint"), code, flags=re.S)
     lines = ["using System; using System.Reflection; using System.Runtime.InteropServices;"]
     lines += ["static class Table {"]
-    lines += ["    static void Size(Type record) { Console.WriteLine(\"size {0} {1}\", record.Name, Marshal.SizeOf(record)); }"]
+    lines += ["    static void Size(Type record) {"]
+    lines += ['        Console.WriteLine("size {0} {1}", record.Name, Marshal.SizeOf(record));', "    }"]
     lines += ["    static void Field(Type record, string name) {"]
     lines += ["        Console.WriteLine(\"field {0}.{1} {2} {3}\", record.Name, name, Marshal.OffsetOf(record, name),"]
     lines += ["            Marshal.SizeOf(record.GetField(name).FieldType));"]
@@ -141,7 +151,8 @@ def csharp_table(names, binding):
     lines += [f'        Console.WriteLine("constant {c} {{0}}", KwDialogs.{c});' for c in names.constants]
     lines += [f"        Size(typeof(KwDialogs.{r}));" for r in names.records]
     lines += [f'        Field(typeof(KwDialogs.{r}), "{f}");' for r, f in names.fields()]
-    lines += ["        foreach (MethodInfo export in typeof(KwDialogs).GetMethods(BindingFlags.Public | BindingFlags.Static))"]
+    lines += ["        BindingFlags exports = BindingFlags.Public | BindingFlags.Static;"]
+    lines += ["        foreach (MethodInfo export in typeof(KwDialogs).GetMethods(exports))"]
     lines += ['            Console.WriteLine("parameters {0} {1}", export.Name, export.GetParameters().Length);']
     lines += ["    }", "}"]
     sources = {"KwDialogs.cs": code, "Table.cs": "\n".join(lines)}

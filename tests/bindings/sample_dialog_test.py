@@ -74,7 +74,7 @@ class SampleDialog(unittest.TestCase):
         library, parameters = Library(1), sample.Parameters()
         result, page = sample.edit_parameters(library, 1, parameters)
         self.assertEqual(library.numbers, [120, 0.15, 2.5, 29.5, 1, 1, 0, 12, 4, 80, 1])
-        self.assertEqual(library.texts[:3], [b"MP-2040-01", b"Machine: %s", b"%.2lf"])
+        self.assertEqual(library.texts[:5], [b"MP-2040-01", b"Machine: %s", b"%.2lf", b"%.4lf", b"Roughing"])
         self.assertEqual(
             sample.describe(result, page, parameters).splitlines(),
             [
