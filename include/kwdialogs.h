@@ -43,13 +43,13 @@ extern "C" {
 
 /* What kwSelectFileName asks and answers: nine 32-bit words on 32-bit Windows. The host owns every buffer. */
 typedef struct SelectRequest {
-    const char* title;      /* dialog caption; null: the system's own */
+    const char* title;      /* dialog caption; null: the system's or the template's own */
     const char* filter;     /* pairs of description and pattern, each ended by NUL, the list by one more NUL */
-    const char* initialDir; /* starting directory, may be relative; null: the system's choice */
+    const char* initialDir; /* starting directory, may be relative; null: the system's choice or the current one */
     DWORD filterIndex;      /* in/out: 1-based filter pair; written back after OK and after Cancel */
     char* fileBuffer;       /* in: initial file name; out: the chosen full path */
     DWORD fileBufferSize;   /* capacity of fileBuffer in bytes, terminator included */
-    const char* defaultExt; /* extension without its dot for a name typed without one; may be null */
+    const char* defaultExt; /* without its dot, for a name typed without one (Explorer style: to save); may be null */
     DWORD sortOptions;      /* in/out, classic dialog only: KW_SORT_... */
     DWORD displayOptions;   /* in/out, classic dialog only: KW_SHOW_... */
 } SelectRequest;
@@ -57,7 +57,8 @@ typedef struct SelectRequest {
 /* Lets the user choose one file.
  *   owner         window that owns the modal dialog; may be null
  *   modeBits      KW_FILE_...
- *   keepLongName  0: the chosen path is turned into its short (8.3) form in place; else it stays long
+ *   keepLongName  0: the chosen path is turned into its short (8.3) form in place where it has one (a file that does
+ *                 not exist yet has none); else it stays long
  *   request       see above; null gives 0
  * Returns non-zero when the user confirmed a file, 0 on Cancel and when the dialog could not be shown; fileBuffer
  * then holds whatever the dialog left in it. */
@@ -90,14 +91,14 @@ unsigned int WINAPI kwSelectDirectryName(HWND owner, const char* title, char* di
 
 /* DialogItem::type, bits 8-15: the type of the host's variable. */
 #define KW_VALUE_NONE 0x000
-#define KW_VALUE_TEXT 0x100 /* char[maximum], terminator included; kinds edit and label */
+#define KW_VALUE_TEXT 0x100 /* char[maximum], terminator included; kinds edit and label (a label only reads it) */
 #define KW_VALUE_INT8 0x200 /* signed; kinds edit, check, radio and combo, as for all numbers */
 #define KW_VALUE_INT16 0x300
 #define KW_VALUE_INT32 0x400
 #define KW_VALUE_FLOAT 0x500
 #define KW_VALUE_DOUBLE 0x600
-#define KW_VALUE_ACCEPT 0x700  /* push button that ends the dialog with its own id after write-back */
-#define KW_VALUE_DISMISS 0x800 /* push button that ends the dialog with its own id without write-back */
+#define KW_VALUE_ACCEPT 0x700  /* push button that ends the dialog, not a page, with its own id, written back */
+#define KW_VALUE_DISMISS 0x800 /* the same, not written back */
 #define KW_VALUE_PAGES 0x900   /* array of PageDescriptor; kind pages only */
 
 /* DialogItem::type, bits 16-23: flags. */
@@ -117,7 +118,9 @@ typedef struct DialogItem {
     const char* text; /* by kind, see above; may be null */
 } DialogItem;
 
-/* Sees every message before the library does; non-zero: handled. The window's DWLP_USER slot belongs to the library. */
+/* Sees every message before the library does; non-zero: handled, and the system gets TRUE (so no brushes). It must let
+ * WM_DESTROY through. Messages that the set-up causes, such as EN_CHANGE, reach it before WM_INITDIALOG does. The
+ * window's DWLP_USER slot belongs to the library. */
 typedef INT_PTR(CALLBACK* DialogCallback)(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
 /* One page of a page container. */

@@ -12,9 +12,8 @@
 // Reads `fileName` and draws it into a bitmap of the target's size, which the caller then owns.
 //   renderMode               kRenderColor, kRenderTextFrames
 //   target                   size of the bitmap in pixels; without one there is no bitmap
-//   commentOut, commentSize  receives the title block or the head of the text, never more than commentSize - 1 bytes
-//   and
-//                            always ended by a zero; lines are separated by "\r\r\n"; may be null and 0
+//   commentOut, commentSize  receives the title block or the head of the text, at most commentSize - 1
+//                            bytes, always ended by a zero; lines are separated by "\r\r\n"; may be null and 0
 // Null when the file gives no picture, cannot be read, or the run was cancelled (PreviewCancel).
 using PreviewReader = HBITMAP (*)(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
                                   DWORD commentSize);
