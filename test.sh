@@ -11,6 +11,9 @@ tools/build.sh "${KWDIALOGS_PRESET:-mingw}"
 
 # shellcheck source=tools/places.sh
 . tools/places.sh
+for compiler in fpc mcs; do
+  command -v $compiler >/dev/null || echo "test.sh: skipped: a binding's test needs $compiler (tools/setup.sh --checks)"
+done
 jobs=$(nproc)
 [ ! -e "$machine_wine" ] || jobs=1  # the machine's own Wine runs one program at a time in a language
 exec ctest --test-dir "build/${KWDIALOGS_PRESET:-mingw}" --output-on-failure --no-tests=error -j "$jobs" "$@"

@@ -2,7 +2,7 @@
 # Makes the machine ready: packages that are missing, and somewhere to run 32-bit Windows programs.
 #
 #   tools/setup.sh            what building and running needs
-#   tools/setup.sh --checks   also what .ci/run needs (clang-format, clang-tidy, cppcheck)
+#   tools/setup.sh --checks   also what .ci/run needs (clang-format, clang-tidy, cppcheck, fpc, mcs)
 #
 # For Debian 12 and newer. As root it installs the packages; as an ordinary user it names them and the command to give.
 # It asks nothing, says what it does, and a second run finds everything done and takes a moment.
@@ -42,6 +42,8 @@ find_missing() {
     need clang-format "checks the layout of the sources" command -v clang-format
     need clang-tidy "static analysis" command -v clang-tidy
     need cppcheck "static analysis" command -v cppcheck
+    need fp-compiler "compiles the Pascal binding" command -v fpc
+    need mono-mcs "compiles the C# binding" command -v mcs
   fi
 }
 
