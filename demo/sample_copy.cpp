@@ -54,6 +54,21 @@ std::string CopySamples(const std::string& samples) {
     return {};
 }
 
+static constexpr char kManyPrefix[] = "_copy";
+
+void AddManyCopies(const std::string& folder, const std::string& name, int count) {
+    for (int i = 0; i < count; ++i) {
+        CopyFileA(InFolder(folder, name).c_str(), InFolder(folder, kManyPrefix + std::to_string(i) + name).c_str(),
+                  TRUE);
+    }
+}
+
+void RemoveManyCopies(const std::string& folder) {
+    for (const std::string& name : FilesOf(folder)) {
+        if (name.rfind(kManyPrefix, 0) == 0) DeleteFileA(InFolder(folder, name).c_str());
+    }
+}
+
 void RemoveSampleCopy(const std::string& folder) {
     SetCurrentDirectoryA("C:\\");  // a dialog may have moved into the folder, which then cannot be removed
     for (const std::string& name : FilesOf(folder)) {

@@ -14,6 +14,7 @@
 
 #include "png_file.h"
 #include "resource.h"
+#include "sample_copy.h"
 
 namespace {
 
@@ -169,6 +170,24 @@ Step FolderTreeShows() {
 // The gallery as it opens, with pictures still to come.
 Step GalleryShows() {
     return {"wait for the gallery", [] { return FindById(kGalleryList) != nullptr; }};
+}
+
+Step GalleryGone() {
+    return {"wait for the gallery to go", [] { return FindById(kGalleryList) == nullptr; }};
+}
+
+Step AddDrawings(int count) {
+    return {"add drawings", [=] {
+                AddManyCopies(tour.options->samples, "mounting_plate.dxf", count);
+                return true;
+            }};
+}
+
+Step RemoveDrawings() {
+    return {"remove the drawings that were added", [] {
+                RemoveManyCopies(tour.options->samples);
+                return true;
+            }};
 }
 
 // It hides its progress bar when the last picture is there.
@@ -352,9 +371,15 @@ std::vector<Step> StepsOfTour(bool japanese) {
         Shoot("explorer_no_preview"),
         SelectInExplorer("mounting_plate.dxf"),
         CommentShows("MP-2040-01"),
+        AddDrawings(600),  // else all pictures are there before one can look
         PressInPane(kPaneGallery),
         GalleryShows(),
         ShootAtOnce("gallery_loading"),
+        PressInDialog(IDCANCEL),
+        GalleryGone(),
+        RemoveDrawings(),
+        PressInPane(kPaneGallery),
+        GalleryShows(),
         GalleryComplete(),
         Shoot("gallery"),
         GrowDialog(170, 110),
