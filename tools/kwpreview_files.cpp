@@ -36,21 +36,22 @@ static std::vector<std::string> MatchingNames(const std::string& pattern) {
     return names;
 }
 
-static std::vector<Input> FilesOf(const std::string& folder, const char* pattern, InputProblem problem) {
+static std::vector<Input> FilesOf(const std::string& folder, const char* pattern) {
     std::vector<Input> files;
     for (const std::string& name : MatchingNames(JoinPath(folder.c_str(), pattern))) {
         files.push_back({JoinPath(folder.c_str(), name.c_str())});
     }
-    if (files.empty()) files.push_back({JoinPath(folder.c_str(), pattern), problem});
     return files;
 }
 
 static std::vector<Input> Expand(const std::string& argument) {
     const char* const name = FindFileName(argument.c_str());
     // Neither character can be the second byte of another one.
-    if (std::strpbrk(name, "*?")) { return FilesOf(std::string(argument.c_str(), name), name, InputProblem::noMatch); }
-    if (IsDirectoryPath(argument.c_str())) return FilesOf(argument, "*", InputProblem::emptyFolder);
-    return {{argument}};
+    const bool isPattern = std::strpbrk(name, "*?");
+    if (!isPattern && !IsDirectoryPath(argument.c_str())) return {{argument}};
+    std::vector<Input> files = isPattern ? FilesOf(std::string(argument.c_str(), name), name) : FilesOf(argument, "*");
+    if (files.empty()) files.push_back({argument, isPattern ? InputProblem::noMatch : InputProblem::emptyFolder});
+    return files;
 }
 
 std::vector<Input> FindInputs(const std::vector<std::string>& arguments) {

@@ -76,13 +76,20 @@ NoPicture CheckFile(const std::string& path, DWORD* error) {
     return size.QuadPart == 0 ? NoPicture::empty : NoPicture::none;
 }
 
-// A comment with plain line ends; control characters, which a terminal would obey, are shown as dots.
+void TrimBlanks(std::string* text) {
+    while (!text->empty() && text->back() == ' ') text->pop_back();
+}
+
+// A comment with plain line ends and without the blanks that fill fields; control characters, which a terminal would
+// obey, are shown as dots.
 std::string CleanComment(const char* comment) {
     std::string text;
     for (; *comment; ++comment) {
         const auto byte = static_cast<std::uint8_t>(*comment);
         if (*comment == '\r') continue;
-        text += byte >= 32 && byte != 127 ? *comment : *comment == '\n' || *comment == '\t' ? *comment : '.';
+        if (*comment == '\n') TrimBlanks(&text);
+        const bool isShown = (byte >= 32 && byte != 127) || *comment == '\n' || *comment == '\t';
+        text += isShown ? *comment : '.';
     }
     while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
     return text.empty() ? text : text + "\n";

@@ -21,7 +21,7 @@ static std::string Indented(const std::string& lines) {
     std::string text;
     for (std::size_t at = 0; at < lines.size();) {
         const std::size_t end = lines.find('\n', at) + 1;  // every line has one
-        text += "        " + lines.substr(at, end - at);
+        text += (end - at > 1 ? "        " : "") + lines.substr(at, end - at);
         at = end;
     }
     return text;
