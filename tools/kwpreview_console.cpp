@@ -23,6 +23,7 @@ static std::string FormatWith(DWORD flags, const void* source, DWORD error, char
 
 std::string TextWith(UINT id, const std::vector<std::string>& values) {
     std::vector<char*> pointers;
+    pointers.reserve(values.size());
     for (const std::string& value : values) pointers.push_back(const_cast<char*>(value.c_str()));
     return FormatWith(FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ARGUMENT_ARRAY, Text(id).c_str(), 0, pointers.data());
 }

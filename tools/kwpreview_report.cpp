@@ -1,5 +1,6 @@
 #include "kwpreview_report.h"
 
+#include "kit/paths.h"
 #include "kwpreview_console.h"
 #include "kwpreview_resource.h"
 
@@ -52,7 +53,8 @@ void Progress::Show(std::size_t number, const std::string& input) {
     if (count <= kFew) return;
     const bool isConsole = IsConsole(stderr);
     if (!isConsole && (number - 1) % ((count + kLines - 1) / kLines) != 0) return;
-    const std::string line = TextWith(IDS_PROGRESS, {std::to_string(number), std::to_string(count), input});
+    const char* const name = FindFileName(input.c_str());  // a path may be longer than the console is wide
+    const std::string line = TextWith(IDS_PROGRESS, {std::to_string(number), std::to_string(count), name});
     Print(stderr, line + (isConsole ? "\r" : "\n"));
     if (isConsole) shown = line.size();
 }

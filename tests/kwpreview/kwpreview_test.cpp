@@ -319,9 +319,12 @@ TEST(Kwpreview, PatternsFoldersAndNames) {
 // Names and texts come in the system's code page and go out as UTF-8.
 TEST(Kwpreview, JapaneseNames) {
     const TempFolder folder;
-    const UniqueHandle foreign(  // in neither language's code page
-        CreateFileW((L"\\\\?\\" + std::wstring(folder.path.begin(), folder.path.end()) + L"\\\xAC00.dxf").c_str(),
-                    GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+    wchar_t path[MAX_PATH] = L"";
+    const int length = MultiByteToWideChar(CP_ACP, 0, folder.At("x.dxf").c_str(), -1, path, MAX_PATH);
+    ASSERT_GT(length, 6);
+    path[length - 6] = 0xAC00;  // in neither language's code page
+    const UniqueHandle foreign(
+        CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE, nullptr));
     ASSERT_TRUE(IsOpen(foreign));
     const Result other = RunKwpreview({folder.path});
     EXPECT_EQ(other.code, 3u);
