@@ -11,6 +11,7 @@ using std::min;  // NOLINT(misc-unused-using-decls)
 #include <gdiplus.h>
 
 #include <memory>
+#include <string>
 
 namespace api = Gdiplus::DllExports;
 
@@ -33,7 +34,7 @@ struct ImageDispose {
     void operator()(Gdiplus::GpBitmap* image) const { api::GdipDisposeImage(image); }
 };
 
-bool SavePng(HBITMAP bitmap, const char* path) {
+static bool Encode(HBITMAP bitmap, const char* path) {
     static constexpr CLSID kPngEncoder = {0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0x00, 0x00, 0xf8, 0x1e, 0xf3, 0x2e}};
     wchar_t widePath[MAX_PATH];
     if (!MultiByteToWideChar(CP_ACP, 0, path, -1, widePath, MAX_PATH)) return false;
@@ -43,4 +44,13 @@ bool SavePng(HBITMAP bitmap, const char* path) {
     if (api::GdipCreateBitmapFromHBITMAP(bitmap, nullptr, &image) != Gdiplus::Ok) return false;
     const std::unique_ptr<Gdiplus::GpBitmap, ImageDispose> owner(image);
     return api::GdipSaveImageToFile(image, widePath, &kPngEncoder, nullptr) == Gdiplus::Ok;
+}
+
+bool SavePng(HBITMAP bitmap, const char* path) {
+    const std::string unfinished = std::string(path) + ".part";
+    if (Encode(bitmap, unfinished.c_str()) && MoveFileExA(unfinished.c_str(), path, MOVEFILE_REPLACE_EXISTING)) {
+        return true;
+    }
+    DeleteFileA(unfinished.c_str());
+    return false;
 }

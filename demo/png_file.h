@@ -1,8 +1,0 @@
-// Writes pictures as PNG files, by the system's own encoder.
-#pragma once
-
-#include <windows.h>
-
-// Saves a bitmap that is not selected into any device context; `path` is ANSI and an existing file is replaced.
-// False when the bitmap cannot be read or the file cannot be written.
-bool SavePng(HBITMAP bitmap, const char* path);

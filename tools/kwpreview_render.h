@@ -1,0 +1,51 @@
+// What the library shows of a file, and why it shows nothing.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "kit/handles.h"
+#include "preview/file_type.h"
+
+// Why there is no picture. The order is that of the texts IDS_WHY + n.
+enum class NoPicture {
+    none,          // there is one
+    missing,       // no such file
+    noMatch,       // a pattern that no file matches
+    emptyFolder,   // a folder without files
+    foreignName,   // a name that the system's code page cannot express
+    unreadable,    // cannot be opened: see `error`
+    device,        // no file of a disk
+    empty,         // 0 bytes
+    tooLarge,      // does not fit the memory
+    unknownKind,   // nothing tells what it is
+    kindWithout,   // a kind that shows nothing
+    titleOnly,     // kinds that show a comment and no picture
+    textOnly,      //
+    versionOnly,   //
+    damaged,       // a drawing that its reader rejects
+    badBitmap,     //
+    badCommand,    // a command file whose drawing cannot be shown
+    noMemory,      // for a picture of that size
+    blankDxf,      // read, but nothing is drawn
+    blankRecords,  //
+    blankText,     //
+    blankCommand,  //
+    notWritten,    // drawn, but the PNG file could not be written
+};
+
+struct Preview {
+    FileTypeCode kind = FT_UNREADABLE;
+    std::string comment;  // lines end in "\n"
+    UniqueBitmap bitmap;  // null unless `problem` is none
+    NoPicture problem = NoPicture::none;
+    DWORD error = 0;  // the system's code, for unreadable
+};
+
+// Draws a file as the dialogs do. `renderMode` as for readers (preview/canvas.h); a bitmap file keeps its own size.
+// A file is taken to show nothing when all of its picture is white, unless it is a bitmap file.
+Preview RenderPreview(const std::string& path, DWORD renderMode, SIZE size);
+
+// The word for a kind that scripts may rely on ("dxf"); the description is IDS_KIND + kind.
+const char* KindWord(FileTypeCode kind);

@@ -1,0 +1,9 @@
+// Writes pictures as PNG files, by the system's own encoder.
+#pragma once
+
+#include <windows.h>
+
+// Saves a bitmap that is not selected into any device context; `path` is ANSI. An existing file is replaced, but only
+// once the new one is complete. False, and nothing is left behind, when the bitmap cannot be read or the file cannot be
+// written.
+bool SavePng(HBITMAP bitmap, const char* path);
