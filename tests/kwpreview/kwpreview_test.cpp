@@ -7,8 +7,8 @@
 #include <algorithm>
 
 #include "kit/paths.h"
-#include "kwpreview_render.h"
-#include "kwpreview_resource.h"
+#include "kwpreview/render.h"
+#include "kwpreview/resource.h"
 #include "png_file.h"
 #include "preview/dispatch.h"
 #include "support/drawings.h"

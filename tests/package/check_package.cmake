@@ -15,8 +15,9 @@ file(ARCHIVE_EXTRACT INPUT ${WORK}/${name}.zip DESTINATION ${WORK}/unpacked)
 set(package ${WORK}/unpacked/${name})
 
 foreach(file IN ITEMS
-    LICENSE README.md CHANGELOG.md bin/kwdialogs.dll bin/kwdemo.exe include/kwdialogs.h
-    lib/kwdialogs.lib lib/cmake/kwdialogs/kwdialogsConfig.cmake lib/pkgconfig/kwdialogs.pc samples/mounting_plate.dxf)
+    LICENSE README.md CHANGELOG.md bin/kwdialogs.dll bin/kwdemo.exe bin/kwpreview.exe include/kwdialogs.h
+    lib/kwdialogs.lib lib/cmake/kwdialogs/kwdialogsConfig.cmake lib/pkgconfig/kwdialogs.pc samples/mounting_plate.dxf
+    docs/guide.md bindings/python/kwdialogs.py)
   if(NOT EXISTS ${package}/${file})
     message(SEND_ERROR "the package lacks ${file}")
   endif()

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "kwbench_inputs.h"
+#include "inputs.h"
 
 struct RecordedFont {
     int height, width, escapement;  // as in LOGFONTA, the height positive

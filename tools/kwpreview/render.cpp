@@ -1,4 +1,4 @@
-#include "kwpreview_render.h"
+#include "render.h"
 
 #include <algorithm>
 #include <cstdint>

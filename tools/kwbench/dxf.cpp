@@ -8,7 +8,7 @@
 
 #include "kit/handles.h"
 #include "kwbench.h"
-#include "kwbench_preview.h"
+#include "preview.h"
 
 static constexpr double kDecodeRate = 0.4;    // of the bare scan's
 static constexpr double kPreviewTime = 1.25;  // times scan and replay

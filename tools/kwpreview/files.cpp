@@ -1,4 +1,4 @@
-#include "kwpreview_files.h"
+#include "files.h"
 
 #include <windows.h>
 

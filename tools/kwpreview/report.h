@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "kwpreview_arguments.h"
-#include "kwpreview_render.h"
+#include "arguments.h"
+#include "render.h"
 
 // Prints to stdout the picture or why there is none, then kind and comment as the options ask for them.
 void PrintReport(const Options& options, const std::string& input, const std::string& png, const Preview& preview);

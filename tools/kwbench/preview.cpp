@@ -1,4 +1,4 @@
-#include "kwbench_preview.h"
+#include "preview.h"
 
 #include <windows.h>
 
@@ -7,12 +7,12 @@
 #include <vector>
 
 #include "frame/services.h"
-#include "kwbench_replay.h"
 #include "preview/backup_reader.h"
 #include "preview/canvas.h"
 #include "preview/dxf_reader.h"
 #include "preview/native_reader.h"
 #include "preview/text_reader.h"
+#include "replay.h"
 
 static constexpr RECT kLargeTarget = {0, 0, 3000, 2000};  // little of a drawing hides the rest there
 static constexpr std::size_t kQuickLargeCount = 500000;   // entities; more take half a minute

@@ -5,15 +5,15 @@
 // docs/kwpreview.md tells more; --help says the same in short.
 #include <algorithm>
 
-#include "kwpreview_arguments.h"
-#include "kwpreview_console.h"
-#include "kwpreview_files.h"
-#include "kwpreview_output.h"
-#include "kwpreview_render.h"
-#include "kwpreview_report.h"
-#include "kwpreview_resource.h"
+#include "arguments.h"
+#include "console.h"
+#include "files.h"
+#include "output.h"
 #include "png_file.h"
 #include "preview/canvas.h"
+#include "render.h"
+#include "report.h"
+#include "resource.h"
 
 // The C runtime leaves wildcards alone: a pattern that matches nothing would come to us like a file's name.
 extern "C" {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "kwpreview_files.h"
+#include "files.h"
 
 // Makes a folder and those above it that are missing. 0, or the system's error code.
 DWORD MakeFolder(const std::string& path);

@@ -1,4 +1,4 @@
-#include "kwpreview_output.h"
+#include "output.h"
 
 #include <shlobj.h>
 

@@ -1,4 +1,4 @@
-#include "kwbench_replay.h"
+#include "replay.h"
 
 #include <cctype>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "kwbench_inputs.h"
+#include "inputs.h"
 
 #include <windows.h>
 

@@ -1,8 +1,8 @@
-#include "kwpreview_report.h"
+#include "report.h"
 
+#include "console.h"
 #include "kit/paths.h"
-#include "kwpreview_console.h"
-#include "kwpreview_resource.h"
+#include "resource.h"
 
 static std::string WhyText(const Preview& preview, const std::string& png) {
     const UINT id = IDS_WHY + static_cast<UINT>(preview.problem);

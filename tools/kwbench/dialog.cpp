@@ -8,8 +8,8 @@
 
 #include "frame/module.h"
 #include "kwbench.h"
-#include "kwbench_resource.h"
 #include "kwdialogs.h"
+#include "resource.h"
 
 static constexpr double kLimit = 1.5;
 static constexpr int kFields = 60, kChecks = 20, kItems = 100;

@@ -1,4 +1,4 @@
-#include "kwpreview_console.h"
+#include "console.h"
 
 #include <io.h>
 

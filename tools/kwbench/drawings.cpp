@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "kwbench.h"
-#include "kwbench_preview.h"
+#include "preview.h"
 
 // The numbers behind a line's key, up to a text.
 static double SumOfValues(const char* at, const char* end) {

@@ -1,10 +1,10 @@
-#include "kwpreview_arguments.h"
+#include "arguments.h"
 
 #include <charconv>
 #include <cstring>
 
-#include "kwpreview_console.h"
-#include "kwpreview_resource.h"
+#include "console.h"
+#include "resource.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // What the benchmarks share: the run's settings and table, a clock, and the comparison of two series of times.
 //
-// A benchmark is a function of the shape below, in a source of its subject (kwbench_SUBJECT.cpp), declared here and
+// A benchmark is a function of the shape below, in a source of its subject (SUBJECT.cpp), declared here and
 // named in the table of kwbench.cpp. It measures a piece of the library and, in the same rounds, a floor: the least
 // that any implementation has to do. Machines are noisy, so ratios count and absolute times do not.
 #pragma once
@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "kwbench_inputs.h"
+#include "inputs.h"
 
 struct Row {
     std::string what, measured, floor = {}, ratio = {}, target = {};
