@@ -9,12 +9,13 @@ A line of the table is "constant NAME VALUE", "size RECORD BYTES", "field RECORD
 their records are replaced by 32-bit integers, which stand and count in a record as 32-bit pointers do.
 """
 import ctypes
-import importlib.util
 import re
+import runpy
 import shutil
 import subprocess
 import sys
 import tempfile
+import types
 from pathlib import Path
 
 
@@ -87,9 +88,7 @@ def with_32_bit_pointers(kind):
 
 
 def python_table(names, binding):
-    description = importlib.util.spec_from_file_location("binding", binding)
-    module = importlib.util.module_from_spec(description)
-    description.loader.exec_module(module)
+    module = types.SimpleNamespace(**runpy.run_path(binding))
     lines = [f"constant {c} {getattr(module, c)}" for c in names.constants]
     for record, fields in names.records.items():
         model = with_32_bit_pointers(getattr(module, record))

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Compiles the C examples of the documentation as a reader would compile them.
 
-    check_examples.py --docs DIR --include DIR --library FILE --compiler GCC --resource-compiler WINDRES --work DIR
+    check_examples.py --docs DIR --include DIR --import-library FILE --compiler GCC --resource-compiler WINDRES --work DIR
 
 Every code fence marked c, h or rc is a whole file and begins with its name in a comment: /* open.c */. The files of one
 document go into one folder. Each .c file is compiled with warnings as errors; one with a main function or WinMain is
@@ -50,7 +50,7 @@ def commands(source, options):
     if script.exists():
         objects.append(source.with_suffix(".res.o"))
         result.append([options.resource_compiler, "-c", "65001", "-I", source.parent, script, "-o", objects[-1]])
-    link = [options.compiler, *objects, options.library, "-o", source.with_suffix(".exe")]
+    link = [options.compiler, *objects, options.import_library, "-o", source.with_suffix(".exe")]
     return [*result, link]
 
 
@@ -66,7 +66,7 @@ def build(source, options):
 
 def main():
     parser = argparse.ArgumentParser()
-    for name in ("docs", "include", "library", "compiler", "resource-compiler", "work"):
+    for name in ("docs", "include", "import-library", "compiler", "resource-compiler", "work"):
         parser.add_argument(f"--{name}", required=True)
     options = parser.parse_args()
     work = pathlib.Path(options.work)
