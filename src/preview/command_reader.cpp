@@ -77,16 +77,27 @@ PreviewReader ReaderOf(FileTypeCode code) {
     }
 }
 
+// Takes the command file's text as the comment. Empty, too, when the path is longer than a path can be.
+std::string DrawingOf(const char* fileName, Comment* comment) {
+    const std::string named = ReadCommandFile(fileName, comment);
+    if (named.empty()) return {};
+    const std::string path = ResolveBeside(fileName, named);
+    return path.size() < KW_MAX_PATH ? path : std::string();
+}
+
 }  // namespace
+
+std::string DrawingOfCommandFile(const char* fileName) {
+    Comment none;
+    return DrawingOf(fileName, &none);
+}
 
 HBITMAP PreviewCommandFile(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
                            DWORD commentSize) {
     if (!fileName) return nullptr;
     Comment comment = ContinueComment(commentOut, commentSize);
-    const std::string named = ReadCommandFile(fileName, &comment);
-    if (named.empty()) return nullptr;
-    const std::string path = ResolveBeside(fileName, named);
-    if (path.size() >= KW_MAX_PATH) return nullptr;
+    const std::string path = DrawingOf(fileName, &comment);
+    if (path.empty()) return nullptr;
     const PreviewReader reader = ReaderOf(IdentifyFileType(path.c_str(), nullptr, 0));
     return reader ? reader(renderMode, path.c_str(), target, nullptr, 0) : nullptr;
 }

@@ -257,13 +257,15 @@ TEST(Kwpreview, Reasons) {
         {folder.Write("cut.qa", native.substr(0, native.size() - 1)), NoPicture::damaged, 1},
         {folder.Write("cut.lbk", BackupFile(40, 30, LineRecord(1, 1, 30, 20)).substr(0, 450)), NoPicture::damaged, 1},
         {folder.Write("cut.bmp", bitmap.substr(0, 60)), NoPicture::badBitmap, 1},
-        {folder.Write("a.cmd", "DIALOG_PREVIEW \"none.dxf\"\r\n"), NoPicture::badCommand, 1},
+        {folder.Write("a.cmd", "DIALOG_PREVIEW \"none.dxf\"\r\n"), NoPicture::missing, 1},
+        {folder.Write("no.cmd", "DIALOG_PREVIEW none.dxf\r\n"), NoPicture::namesNone, 1},
+        {folder.Write("self.cmd", "DIALOG_PREVIEW \"self.cmd\"\r\n"), NoPicture::namesOther, 1},
         {folder.At("blank.dxf"), NoPicture::blankDxf, 1},
         {folder.Write("left.dxf", "0\nSECTION\n2\nENTITIES\n0\nLINE\n10\n1\n20\n1\n11\n90\n21\n90\n0\nEOF\n"),
          NoPicture::blankDxf, 1},
         {folder.Write("blank.qa", NativeFile(kEditionA, 40, 30, "")), NoPicture::blankRecords, 1},
         {folder.Write("blank.exf", "GL 1 0 0 9 9 0\n"), NoPicture::blankText, 1},
-        {folder.Write("blank.cmd", "DIALOG_PREVIEW \"blank.dxf\"\r\n"), NoPicture::blankCommand, 1},
+        {folder.Write("blank.cmd", "DIALOG_PREVIEW \"blank.dxf\"\r\n"), NoPicture::blankDxf, 1},
         {folder.Write("taken.dxf", kDrawing), NoPicture::notWritten, 4},
     };
     const std::size_t before = FilesIn(folder.path);

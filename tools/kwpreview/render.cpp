@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "kit/paths.h"
+#include "preview/command_reader.h"
 #include "preview/dispatch.h"
 #include "preview/reader.h"
 
@@ -46,7 +47,7 @@ constexpr KindRow kKinds[] = {
     {FT_NCPROGRAM, "nc"},
     {FT_BACKUP, "backup", NoPicture::damaged, NoPicture::blankRecords},
     {FT_BLOCKSEQ, "blocks"},
-    {FT_COMMAND, "command", NoPicture::badCommand, NoPicture::blankCommand},
+    {FT_COMMAND, "command", NoPicture::ofNamed, NoPicture::ofNamed},
 };
 
 const KindRow& RowOf(FileTypeCode kind) {
@@ -128,6 +129,23 @@ NoPicture WhyNoBitmap(const std::string& path, DWORD renderMode, const RECT& tar
     return OpenCanvas(&canvas, renderMode, target) ? row.withoutBitmap : NoPicture::noMemory;
 }
 
+// A command file without a picture: what is wrong with the drawing that it names.
+void ExplainCommand(const std::string& path, DWORD renderMode, SIZE size, Preview* preview) {
+    preview->named = DrawingOfCommandFile(path.c_str());
+    if (preview->named.empty()) {
+        preview->problem = NoPicture::namesNone;
+        return;
+    }
+    const bool isCommand = IdentifyFileType(preview->named.c_str(), nullptr, 0) == FT_COMMAND;  // it may name itself
+    const Preview named = isCommand ? Preview() : RenderPreview(preview->named, renderMode, size);
+    if (named.problem == NoPicture::none) {
+        preview->problem = NoPicture::namesOther;
+        return;
+    }
+    preview->whyNamed = named.problem;
+    preview->error = named.error;
+}
+
 }  // namespace
 
 const char* KindWord(FileTypeCode kind) { return RowOf(kind).word; }
@@ -152,5 +170,6 @@ Preview RenderPreview(const std::string& path, DWORD renderMode, SIZE size) {
         preview.problem = row.blank;
         preview.bitmap.reset();
     }
+    if (preview.problem == NoPicture::ofNamed) ExplainCommand(path, renderMode, size, &preview);
     return preview;
 }

@@ -26,13 +26,14 @@ enum class NoPicture {
     versionOnly,   //
     damaged,       // a drawing that its reader rejects
     badBitmap,     //
-    badCommand,    // a command file whose drawing cannot be shown
+    namesNone,     // a command file without a drawing
     noMemory,      // for a picture of that size
     blankDxf,      // read, but nothing is drawn
     blankRecords,  //
     blankText,     //
-    blankCommand,  //
+    ofNamed,       // a command file: see `named` and `whyNamed`
     notWritten,    // drawn, but the PNG file could not be written
+    namesOther,    // a command file that names something that it cannot show: see `named`
 };
 
 struct Preview {
@@ -40,7 +41,9 @@ struct Preview {
     std::string comment;  // lines end in "\n"
     UniqueBitmap bitmap;  // null unless `problem` is none
     NoPicture problem = NoPicture::none;
-    DWORD error = 0;  // the system's code, for unreadable
+    DWORD error = 0;    // the system's code, for unreadable
+    std::string named;  // the drawing that a command file without a picture names
+    NoPicture whyNamed = NoPicture::none;
 };
 
 // Draws a file as the dialogs do. `renderMode` as for readers (preview/canvas.h); a bitmap file keeps its own size.

@@ -4,15 +4,20 @@
 #include "kit/paths.h"
 #include "resource.h"
 
-static std::string WhyText(const Preview& preview, const std::string& png) {
-    const UINT id = IDS_WHY + static_cast<UINT>(preview.problem);
-    if (preview.problem == NoPicture::unreadable) return TextWith(id, {SystemMessage(preview.error)});
-    if (preview.problem == NoPicture::notWritten) return TextWith(id, {png});
-    return Text(id);
+static std::string WhyText(const Preview& preview, NoPicture problem, const std::string& png) {
+    const UINT id = IDS_WHY + static_cast<UINT>(problem);
+    switch (problem) {
+        case NoPicture::unreadable: return TextWith(id, {SystemMessage(preview.error)});
+        case NoPicture::ofNamed: return TextWith(id, {preview.named, WhyText(preview, preview.whyNamed, png)});
+        case NoPicture::namesOther: return TextWith(id, {preview.named});
+        case NoPicture::notWritten: return TextWith(id, {png});
+        default: return Text(id);
+    }
 }
 
 static std::string FirstLine(const std::string& input, const std::string& png, const Preview& preview) {
-    if (preview.problem != NoPicture::none) return TextWith(IDS_NO_PICTURE, {input, WhyText(preview, png)});
+    if (preview.problem != NoPicture::none)
+        return TextWith(IDS_NO_PICTURE, {input, WhyText(preview, preview.problem, png)});
     BITMAP size = {};
     GetObjectA(preview.bitmap.get(), sizeof(size), &size);
     return TextWith(IDS_PICTURE, {input, png, std::to_string(size.bmWidth), std::to_string(size.bmHeight)});
