@@ -109,7 +109,8 @@ static std::string StepPath(const ShellItem& item, bool inNetwork) {
 static bool BeginsWith(const std::string& path, const std::string& part) {
     const int length = static_cast<int>(part.size());
     return length > 0 && part.size() <= path.size() &&
-           CompareStringA(LOCALE_SYSTEM_DEFAULT, NORM_IGNORECASE, path.c_str(), length, part.c_str(), length) == CSTR_EQUAL;
+           CompareStringA(LOCALE_SYSTEM_DEFAULT, NORM_IGNORECASE, path.c_str(), length, part.c_str(), length) ==
+               CSTR_EQUAL;
 }
 
 // ---- The way to a path
