@@ -50,33 +50,26 @@ TEST_F(StringCache, FlushesWhenAllSlotsAreTaken) {
     EXPECT_STREQ(Get(0), "text 0");
 }
 
-TEST_F(StringCache, ModulesAreKeptApart) {
-    EXPECT_STREQ(LoadResString(module, 110), "text 10");
+TEST_F(StringCache, KeepsModulesApartAndCutsLongTexts) {
+    EXPECT_STREQ(Get(10), "text 10");
     EXPECT_FALSE(LoadResString(ThisModule(), 110));
-    EXPECT_TRUE(LoadResString(ThisModule(), IDS_LOADING));
     EXPECT_FALSE(LoadResString(module, IDS_LOADING));
-}
-
-TEST_F(StringCache, CutsLongTexts) {
-    EXPECT_EQ(std::string(LoadResString(module, 701)), std::string(125, 'a') + "b");
+    EXPECT_EQ(std::string(Get(601)), std::string(125, 'a') + "b");
     EXPECT_FALSE(LoadResString(nullptr, 0));  // teardown
     EXPECT_STREQ(Get(3), "text 3") << "made again after the teardown";
 }
 
-TEST(ResString, CopyIsBounded) {
-    const std::string whole = LoadResString(ThisModule(), IDS_NO_PREVIEW);
-    char text[9] = "########";
-    CopyResString(IDS_NO_PREVIEW, text, 6);
-    EXPECT_EQ(std::string(text), whole.substr(0, std::string(text).size()));
-    EXPECT_EQ(text[6], '#');
-    CopyResString(9999, text, sizeof(text));
-    EXPECT_STREQ(text, "");
-}
-
-// Both languages hold every text that is shown.
+// Both languages hold every text that is shown; copies are bounded.
 TEST(ResString, EveryTextIsThere) {
     for (const UINT id : {IDS_OVERWRITE, IDS_LOADING, IDS_NO_PREVIEW, IDS_TEXT_FACE, IDS_DRAWING_NAME,
                           IDS_DRAWING_NUMBER, IDS_DESIGNER, IDS_INVALID_VALUE, IDS_INITIAL_ERROR})
         EXPECT_TRUE(LoadResString(ThisModule(), id)) << id;
     EXPECT_TRUE(strstr(LoadResString(ThisModule(), IDS_OVERWRITE), "%s"));
+    const std::string whole = LoadResString(ThisModule(), IDS_NO_PREVIEW);
+    char text[9] = "########";
+    CopyResString(IDS_NO_PREVIEW, text, 6);
+    EXPECT_EQ(text, whole.substr(0, strlen(text)));
+    EXPECT_EQ(text[6], '#');
+    CopyResString(9999, text, sizeof(text));
+    EXPECT_STREQ(text, "");
 }
