@@ -112,10 +112,7 @@ TEST(IdentifyFileType, Texts) {
 }
 
 TEST(IsTextBuffer, Table) {
-    const struct {
-        std::string bytes;
-        bool isText;
-    } cases[] = {
+    const std::pair<std::string, bool> cases[] = {
         // clang-format off
         {"", true}, {"a\tb\r\n~ ", true}, {"\x1f", false}, {{"\0", 1}, false}, {"\x7f", false},
         {"ab\x1a", true}, {"a\x1a" "b", false}, {"\x1a", true},                                // end-of-file mark
@@ -124,30 +121,8 @@ TEST(IsTextBuffer, Table) {
         {"\x81\x3f", false}, {"\x81\x7f", false}, {"\x81\xfd", false}, {"a\x81", false}, {"\x83\x5c\x83", false},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        const GuardBlock block(c.bytes);
-        EXPECT_EQ(IsTextBuffer(block.data, block.size), c.isText) << testing::PrintToString(c.bytes);
+    for (const auto& [bytes, isText] : cases) {
+        const GuardBlock block(bytes);
+        EXPECT_EQ(IsTextBuffer(block.data, block.size), isText) << testing::PrintToString(bytes);
     }
-}
-
-TEST(SplitLines, Table) {
-    const struct {
-        const char* text;
-        const char* delimiters;
-        int pieces;
-        std::string expected;  // zeros shown as '0'
-    } cases[] = {
-        {"abc", ",", 1, "abc"},     {"", ",", 1, ""},     {"a,b;c", ",;", 3, "a0b0c"},
-        {"a,b;c", ";", 2, "a,b0c"}, {",,", ",", 3, "00"}, {"a\nb\n", "\n", 3, "a0b0"},
-        {"abc", "", 1, "abc"},
-    };
-    for (const auto& c : cases) {
-        std::string buffer = c.text;
-        EXPECT_EQ(SplitLines(buffer.data(), c.delimiters), c.pieces) << c.text;
-        for (char& byte : buffer) byte = byte ? byte : '0';
-        EXPECT_EQ(buffer, c.expected);
-    }
-    char text[] = "a";
-    EXPECT_EQ(SplitLines(nullptr, ","), 0);
-    EXPECT_EQ(SplitLines(text, nullptr), 0);
 }

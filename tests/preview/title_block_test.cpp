@@ -42,7 +42,6 @@ TEST(TitleBlock, EveryFormat) {
         const std::string plain = with("name", "\x83\x5c\x94\x5c", "who %s");
         const std::string whole = Blocks("name", "\x83\x5c\x94\x5c", "who %s");
         EXPECT_EQ(CommentOf(c.reader, plain, 999), whole) << c.what;
-        EXPECT_EQ(CommentOf(c.reader, c.file, 999), Blocks("", "", "")) << c.what;
         EXPECT_EQ(CommentOf(c.reader, with(as(60), "", ""), 999), Blocks(as(c.longest), as(60 - c.slot), "")) << c.what;
         EXPECT_EQ(CommentOf(c.reader, with(as(3 * c.slot), as(40), as(c.slot)), 999),
                   Blocks(as(c.longest), as(c.longest), as(c.longest)))
