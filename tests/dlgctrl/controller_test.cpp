@@ -162,11 +162,10 @@ TEST(Controller, ManyLeaveNothingBehind) {
                               {nullptr, MAKEINTRESOURCEA(IDD_PAGE_TWO), nullptr, 1, &bad}};
     const auto run = [&](int count) {
         for (int i = 0; i < count; ++i) {
-            const int pageCount = i % 4 == 3 ? 2 : 1;
+            const double pageCount = i % 4 == 3 ? 2 : 1;
             HostDialog host;
-            host.items = {
-                {IDC_FIELD, KW_KIND_EDIT | KW_VALUE_DOUBLE | KW_FLAG_SPIN, &number, 0, 5, nullptr},
-                {IDC_TABS, KW_KIND_PAGES | KW_VALUE_PAGES, pages, 0, static_cast<double>(pageCount), nullptr}};
+            host.items = {{IDC_FIELD, KW_KIND_EDIT | KW_VALUE_DOUBLE | KW_FLAG_SPIN, &number, 0, 5, nullptr},
+                          {IDC_TABS, KW_KIND_PAGES | KW_VALUE_PAGES, pages, 0, pageCount, nullptr}};
             host.endWith = i % 2 ? IDOK : IDCANCEL;
             host.shown = i % 25 == 0;
             EXPECT_EQ(host.Run(IDD_SMALL), i % 4 == 1);

@@ -103,8 +103,7 @@ TEST(CheckFields, Table) {
 TEST(CheckFields, OneAndAll) {
     std::int32_t one = 1, two = 2;
     HostDialog host;
-    host.items = {
-        NumberField(&one), {IDC_LABEL, KW_KIND_LABEL, nullptr, 0, 0, nullptr}, NumberField(&two, 0, IDC_OTHER_FIELD)};
+    host.items = {NumberField(&one), NumberField(&two, 0, IDC_OTHER_FIELD)};
     host.opened = [&](HWND dialog) {
         const auto check = [&](int index) {
             SetDlgItemTextA(dialog, IDC_FIELD, "1+1");
@@ -112,17 +111,12 @@ TEST(CheckFields, OneAndAll) {
             const int done = CheckFields(dialog, index);
             return std::to_string(done) + " " + TextOf(dialog, IDC_FIELD) + " " + TextOf(dialog, IDC_OTHER_FIELD);
         };
-        for (const auto& [index, shown] : {std::pair{2, "1 1+1 4"}, {-1, "1 2 4"}, {3, "0 1+1 2+2"}, {-2, "0 1+1 2+2"}})
+        for (const auto& [index, shown] : {std::pair{1, "1 1+1 4"}, {-1, "1 2 4"}, {2, "0 1+1 2+2"}, {-2, "0 1+1 2+2"}})
             EXPECT_EQ(check(index), shown) << index;
         host.items[0].value = nullptr;
         EXPECT_EQ(check(-1), "0 1+1 2+2") << "stopped before the second";
-        host.items[0].value = &one;
-        DestroyWindow(GetDlgItem(dialog, IDC_FIELD));
-        EXPECT_EQ(CheckFields(dialog, 0), 0);
-        EXPECT_EQ(CheckFields(GetDesktopWindow(), -1), 0);
     };
     EXPECT_EQ(host.Run(), 1);
-    EXPECT_EQ(one, 1) << "a field that is gone stores nothing";
 }
 
 static HWND SpinOf(HWND dialog, int fieldId) {
