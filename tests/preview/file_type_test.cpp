@@ -85,12 +85,11 @@ TEST(IdentifyFileType, Texts) {
         {"a", Qa(4), 300, ",,"}, {"a", qj, 300, ",,"},
         // a field ends where its slot does
         {"a", With(fields(qj, 144, 42), 144, as(60)), 300, as(41) + "," + as(18) + ",who"},
-        {"a", With(fields(qj, 144, 42), 144, as(200)), 300, as(41) + "," + as(41) + "," + as(41)},
         {"a", With(fields(qf, 576, 48), 576, as(200)), 300, as(47) + "," + as(47) + "," + as(47)},
         {"a", kBackup + std::string(1, 0) + as(400), 300, as(259)}, {"a", kBackup, 300, ""},
         // never more than size - 2
         {"a", fields(qj, 144, 42), 10, "name,num"}, {"a", fields(qj, 144, 42), 2, ""},
-        {"a", fields(qj, 144, 42), 1, ""}, {"a", fields(qj, 144, 42), 0, ""}, {"a", kBackup + as(9), 1, ""},
+        {"a", fields(qj, 144, 42), 0, ""}, {"a", kBackup + as(9), 1, ""},
         {"a", kBackup + std::string(1, 0) + as(400), 5, "AAA"},
         // texts as one line, size - 1 of them; none for the rest
         {"a", "ab\r\ncd\te", 300, "ab  cd\te"}, {"a", "ab\r\ncd\te", 5, "ab  "}, {"a", "N1\nG01", 300, "N1 G01"},

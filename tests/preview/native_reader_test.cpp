@@ -66,19 +66,16 @@ TEST(NativeReader, Layers) {
 }
 
 TEST(NativeReader, SheetAndOrigin) {
-    const auto moved = [](double x, double y) {
-        return LineRecord(2 + x, 3 + y, 90 + x, 50 + y) + PointRecord(5 + x, 50 + y) +
-               ArcRecord(50 + x, 30 + y, 20, 0, 300) +
-               TextRecord({static_cast<float>(20 + x), static_cast<float>(30 + y), 8, 8, 1, 0}, 0, "abc");
-    };
-    const std::string plain = NativeFile(kEditionA, 100, 60, moved(0, 0));
-    const auto file = [&](const char* start, std::initializer_list<double> sheet, double x, double y) {
+    const auto file = [](const char* start, std::initializer_list<double> sheet, float x, float y) {
+        const std::string records = LineRecord(2 + x, 3 + y, 90 + x, 50 + y) + PointRecord(5 + x, 50 + y) +
+                                    ArcRecord(50 + x, 30 + y, 20, 0, 300) +
+                                    TextRecord({20 + x, 30 + y, 8, 8, 1, 0}, 0, "abc");
         std::string numbers;
         for (const double number : sheet) numbers += Raw(number);
-        return Put(NativeFile(kEditionB, 0, 0, moved(x, y)), {{0, start}, {32, numbers}});
+        return Put(NativeFile(kEditionB, 0, 0, records), {{0, start}, {32, numbers}});
     };
     for (const DWORD mode : {0, 1}) {  // texts, frames
-        const std::string picture = Shown(plain, 100, 60, mode);
+        const std::string picture = Shown(file("", {100, 60}, 0, 0), 100, 60, mode);
         EXPECT_TRUE(HasInk(picture));
         EXPECT_EQ(Shown(file("LMOX", {1100, 560, 1000, 500, 7, 9}, 1000, 500), 100, 60, mode), picture);
         EXPECT_EQ(Shown(file("LMOS", {100, 60, 77, 55, 70, 50}, 0, 0), 100, 60, mode), picture)
