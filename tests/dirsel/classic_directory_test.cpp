@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
 
 #include "frame/services.h"
 #include "kwdialogs.h"
@@ -39,28 +40,24 @@ protected:
     void TearDown() override { kwSelectFileGUI(0); }
 };
 
-// Goes into a folder of the list by its name.
-static DialogStep Enter(const std::string& name) {
-    return [=](HWND dialog) {
+TEST_F(ClassicDirectory, ReturnsTheDirectoryShown) {
+    const std::string work = folder.MakeFolder("WORK"), drive = folder.path.substr(0, 3);
+    folder.Write("WORK\\Dummy.TXT", "an existing one is as good");
+    const DialogStep enter = [=](HWND dialog) {  // goes into a folder of the list
         const HWND list = GetDlgItem(dialog, IDC_DIRECTORY_LIST);
-        const auto text = reinterpret_cast<LPARAM>(name.c_str());
-        if (SendMessageA(list, LB_SELECTSTRING, static_cast<WPARAM>(-1), text) == LB_ERR) return false;
+        if (SendMessageA(list, LB_SELECTSTRING, 0, reinterpret_cast<LPARAM>("[work]")) == LB_ERR) return false;
         SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDC_DIRECTORY_LIST, LBN_DBLCLK), reinterpret_cast<LPARAM>(list));
         return true;
     };
-}
-
-TEST_F(ClassicDirectory, ReturnsTheDirectoryShown) {
-    const std::string work = folder.MakeFolder("WORK");
-    for (const std::string& start : {work, work + "\\"}) {
-        EXPECT_EQ(Run(start, {Press(IDOK)}), 1u);
-        EXPECT_EQ(Normal(directory), Normal((work + "\\").c_str())) << start;
+    const DialogStep wait = Check([](HWND) {});
+    const std::tuple<std::string, DialogStep, std::string> cases[] = {{work, wait, work + "\\"},
+                                                                      {work + "\\", wait, work + "\\"},
+                                                                      {folder.path, enter, work + "\\"},
+                                                                      {drive, wait, drive}};
+    for (const auto& [start, step, end] : cases) {
+        EXPECT_EQ(Run(start, {step, Press(IDOK)}), 1u);
+        EXPECT_EQ(Normal(directory), Normal(end.c_str())) << start;
     }
-    folder.Write("WORK\\Dummy.TXT", "an existing one is as good");
-    EXPECT_EQ(Run(folder.path, {Enter("[work]"), Press(IDOK)}), 1u);
-    EXPECT_EQ(Normal(directory), Normal((work + "\\").c_str()));
-    EXPECT_EQ(Run(folder.path.substr(0, 3), {Press(IDOK)}), 1u);
-    EXPECT_EQ(Normal(directory), Normal(folder.path.substr(0, 3).c_str()));
 }
 
 TEST_F(ClassicDirectory, AnyStartWillDo) {
@@ -77,20 +74,18 @@ TEST_F(ClassicDirectory, AnyStartWillDo) {
 }
 
 TEST_F(ClassicDirectory, ShowsDirectoriesAndDrivesOnly) {
-    Run(folder.path,
-        {Check([](HWND dialog) {
-             EXPECT_EQ(ControlText(dialog, IDC_FILE_NAME), "Dummy.TXT");
-             RECT client, rect, overlap;
-             GetClientRect(dialog, &client);
-             MapWindowPoints(dialog, nullptr, reinterpret_cast<POINT*>(&client), 2);
-             for (const int id : {IDC_FILE_LABEL, IDC_FILE_NAME, IDC_FILE_LIST, IDC_TYPE_LABEL, IDC_TYPE_COMBO,
-                                  IDC_READ_ONLY, IDC_HELP_BUTTON}) {
-                 GetWindowRect(GetDlgItem(dialog, id), &rect);
-                 EXPECT_FALSE(IsWindowVisible(GetDlgItem(dialog, id)) && IntersectRect(&overlap, &rect, &client)) << id;
-             }
-             const HWND focus = GetFocus();
-             GetWindowRect(focus, &rect);
-             EXPECT_TRUE(IntersectRect(&overlap, &rect, &client)) << GetDlgCtrlID(focus);
-         }),
-         Press(IDCANCEL)});
+    const auto look = [](HWND dialog) {
+        EXPECT_EQ(ControlText(dialog, IDC_FILE_NAME), "Dummy.TXT");
+        RECT client, rect, overlap;
+        GetClientRect(dialog, &client);
+        MapWindowPoints(dialog, nullptr, reinterpret_cast<POINT*>(&client), 2);
+        for (const int id : {IDC_FILE_LABEL, IDC_FILE_NAME, IDC_FILE_LIST, IDC_TYPE_LABEL, IDC_TYPE_COMBO,
+                             IDC_READ_ONLY, IDC_HELP_BUTTON}) {
+            GetWindowRect(GetDlgItem(dialog, id), &rect);
+            EXPECT_FALSE(IsWindowVisible(GetDlgItem(dialog, id)) && IntersectRect(&overlap, &rect, &client)) << id;
+        }
+        GetWindowRect(GetFocus(), &rect);
+        EXPECT_TRUE(IntersectRect(&overlap, &rect, &client)) << GetDlgCtrlID(GetFocus());
+    };
+    Run(folder.path, {Check(look), Press(IDCANCEL)});
 }

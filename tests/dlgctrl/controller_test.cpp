@@ -8,27 +8,24 @@
 #include "dlgctrl/items.h"
 #include "support/handle_counts.h"
 
-static const DialogItem kAcceptItem = {IDC_BUTTON, KW_KIND_BUTTON | KW_VALUE_ACCEPT, nullptr, 0, 0, nullptr};
-static const DialogItem kDismissItem = {IDC_OTHER_BUTTON, KW_KIND_BUTTON | KW_VALUE_DISMISS, nullptr, 0, 0, nullptr};
-
 TEST(Controller, Endings) {
     const struct {
         std::vector<int> commands;  // in this order, while the callback holds all OK and Cancel but the last back
         int result, stored;
     } cases[] = {
-        {{IDOK}, 1, 5},
-        {{IDCANCEL}, 0, 1},
-        {{IDC_BUTTON}, IDC_BUTTON, 5},
-        {{IDC_OTHER_BUTTON}, IDC_OTHER_BUTTON, 1},
+        // clang-format off
+        {{IDOK}, 1, 5}, {{IDCANCEL}, 0, 1}, {{IDC_BUTTON}, IDC_BUTTON, 5}, {{IDC_OTHER_BUTTON}, IDC_OTHER_BUTTON, 1},
         {{IDC_BUTTON, IDC_OTHER_BUTTON}, IDC_OTHER_BUTTON, 1},  // a later button replaces an earlier one
-        {{IDC_BUTTON, IDCANCEL}, IDC_BUTTON, 1},                // plain Cancel and OK do not
-        {{IDC_OTHER_BUTTON, IDOK}, IDC_OTHER_BUTTON, 5},
+        {{IDC_BUTTON, IDCANCEL}, IDC_BUTTON, 1}, {{IDC_OTHER_BUTTON, IDOK}, IDC_OTHER_BUTTON, 5},  // OK and Cancel do not
+        // clang-format on
     };
     for (const auto& c : cases) {
         std::int32_t number = 1;
         std::size_t held = 0;
         HostDialog host;
-        host.items = {{IDC_FIELD, KW_KIND_EDIT | KW_VALUE_INT32, &number, 0, 0, nullptr}, kAcceptItem, kDismissItem};
+        host.items = {NumberField(&number),
+                      {IDC_BUTTON, KW_KIND_BUTTON | KW_VALUE_ACCEPT, nullptr, 0, 0, nullptr},
+                      {IDC_OTHER_BUTTON, KW_KIND_BUTTON | KW_VALUE_DISMISS, nullptr, 0, 0, nullptr}};
         host.opened = [&](HWND dialog) {
             SetDlgItemTextA(dialog, IDC_FIELD, "5");
             PostMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(c.commands[0]), 0);
@@ -46,22 +43,17 @@ TEST(Controller, Endings) {
 }
 
 TEST(Controller, OddTables) {
-    EXPECT_EQ(HostDialog().Run(), 1) << "none";
-    HostDialog negative;
-    negative.callback = [](HWND dialog, UINT message, WPARAM) -> INT_PTR {
-        if (message == WM_INITDIALOG) { EXPECT_EQ(ItemCountOf(dialog), 0); }
-        return 0;
-    };
-    runningHost = &negative;
+    HostDialog noTable;
+    runningHost = &noTable;
     const char* const name = MAKEINTRESOURCEA(IDD_CONTROLS);
-    EXPECT_EQ(kwDlgBoxCtrl(ThisModule(), name, nullptr, nullptr, -3, HostCallback), 1);
     EXPECT_EQ(kwDlgBoxCtrl(ThisModule(), "no such template", nullptr, nullptr, 0, HostCallback), -1);
-    EXPECT_EQ(kwDlgBoxCtrl(ThisModule(), name, nullptr, nullptr, 0x7FFFFFFF, HostCallback), 0);
+    for (const auto& [count, result] : {std::pair{-3, 1}, {0, 1}, {2, 0}, {0x7FFFFFFF, 0}})  // without a table
+        EXPECT_EQ(kwDlgBoxCtrl(ThisModule(), name, nullptr, nullptr, count, HostCallback), result) << count;
 
     std::int32_t one = 1, two = 2;
-    HostDialog twice;  // commands reach the first of two items with one id
-    twice.items = {{IDC_FIELD, KW_KIND_EDIT | KW_VALUE_INT32, &one, 0, 5, nullptr},
-                   {IDC_FIELD, KW_KIND_EDIT | KW_VALUE_INT32, &two, 0, 0, nullptr}};
+    HostDialog twice;  // commands reach the first of two items with one id; OK keeps its own meaning
+    twice.items = {
+        NumberField(&one, 5), NumberField(&two), {IDOK, KW_KIND_BUTTON | KW_VALUE_DISMISS, nullptr, 0, 0, nullptr}};
     twice.opened = [](HWND dialog) {
         EXPECT_EQ(TextOf(dialog, IDC_FIELD), "2");
         SetDlgItemTextA(dialog, IDC_FIELD, "9");
@@ -70,21 +62,15 @@ TEST(Controller, OddTables) {
     EXPECT_EQ(twice.Run(), 1);
     EXPECT_EQ(one, 5);
     EXPECT_EQ(two, 5);
-
-    HostDialog okItem;  // OK and Cancel keep their own meaning
-    okItem.items = {{IDOK, KW_KIND_BUTTON | KW_VALUE_DISMISS, nullptr, 0, 0, nullptr}};
-    EXPECT_EQ(okItem.Run(), 1);
 }
 
 TEST(Controller, CallbackSeesMessagesFirst) {
     std::int32_t number = 1;
     HostDialog host;
-    host.items = {{IDC_FIELD, KW_KIND_EDIT | KW_VALUE_INT32, &number, 0, 5, nullptr}};
-    bool takes = false, told = false;
-    LRESULT answer = 0;
+    host.items = {NumberField(&number, 5)};
+    bool takes = false;
     host.callback = [&](HWND dialog, UINT message, WPARAM wParam) -> INT_PTR {
         if (message == WM_INITDIALOG) {
-            told = true;
             EXPECT_EQ(TextOf(dialog, IDC_FIELD), "1") << "after the items";
             EXPECT_EQ(ItemTable(dialog), host.items.data());
         }
@@ -96,7 +82,7 @@ TEST(Controller, CallbackSeesMessagesFirst) {
         LeaveField(dialog, IDC_FIELD);
         EXPECT_EQ(TextOf(dialog, IDC_FIELD), "9") << "the callback has taken it";
         const auto procedure = reinterpret_cast<DLGPROC>(GetWindowLongPtrA(dialog, DWLP_DLGPROC));
-        answer = procedure(dialog, WM_APP + 1, 0, 0);
+        EXPECT_EQ(procedure(dialog, WM_APP + 1, 0, 0), TRUE);
         takes = false;
         EXPECT_EQ(FocusControl(dialog, IDC_FIELD), 1);
         EXPECT_EQ(GetFocus(), GetDlgItem(dialog, IDC_FIELD));
@@ -104,8 +90,6 @@ TEST(Controller, CallbackSeesMessagesFirst) {
         EXPECT_EQ(FocusControl(dialog, IDC_MISSING), 0);
     };
     EXPECT_EQ(host.Run(), 1);
-    EXPECT_TRUE(told);
-    EXPECT_EQ(answer, TRUE);
     EXPECT_EQ(ItemTable(GetDesktopWindow()), nullptr);
 }
 
@@ -125,30 +109,27 @@ TEST(Controller, CallbacksThatInterfere) {
         {"destroys the window", [](HWND window) { DestroyWindow(window); }},
         {"ends the dialog", [=](HWND window) { EndDialog(dialogOf(window), 77); }},
         {"accepts", [=](HWND window) { SendMessageA(dialogOf(window), WM_COMMAND, IDOK, 0); }},
-        {"cancels", [=](HWND window) { SendMessageA(dialogOf(window), WM_COMMAND, IDCANCEL, 0); }},
-        {"sets up again", [=](HWND window) { ConstructItems(dialogOf(window), -1); }},
-        {"checks and stores", [=](HWND window) { CheckFields(dialogOf(window), -1), WriteBackItems(window, -1); }},
+        {"sets up, checks and stores",
+         [=](HWND w) { ConstructItems(dialogOf(w), -1), CheckFields(dialogOf(w), -1), WriteBackItems(w, -1); }},
         {"destroys a field", [](HWND window) { DestroyWindow(GetDlgItem(window, IDC_FIELD)); }},
         {"initialises again", [=](HWND window) { SendMessageA(dialogOf(window), WM_INITDIALOG, 0, 0); }},
-        {"runs another dialog", [=](HWND) { EXPECT_EQ(HostDialog().Run(), 1); }},
+        {"runs another dialog", [=](HWND) { EXPECT_EQ(HostDialog().Run(IDD_SMALL), 1); }},
     };
+    const auto isTextSet = [](UINT m, WPARAM w) { return m == WM_COMMAND && w == MAKEWPARAM(IDC_FIELD, EN_CHANGE); };
     const struct {
         const char* when;
-        std::function<bool(HWND window, UINT message, WPARAM wParam)> is;
+        bool onPage;
+        std::function<bool(UINT message, WPARAM wParam)> is;
     } moments[] = {
-        {"text is set",
-         [](HWND, UINT m, WPARAM w) { return m == WM_COMMAND && w == MAKEWPARAM(IDC_FIELD, EN_CHANGE); }},
-        {"a page's text is set",
-         [](HWND d, UINT m, WPARAM w) {
-             return m == WM_COMMAND && w == MAKEWPARAM(IDC_FIELD, EN_CHANGE) && GetParent(d);
-         }},
-        {"a dialog opens", [](HWND d, UINT m, WPARAM) { return m == WM_INITDIALOG && !GetParent(d); }},
-        {"a page opens", [](HWND d, UINT m, WPARAM) { return m == WM_INITDIALOG && GetParent(d); }},
-        {"a page is shown", [](HWND d, UINT m, WPARAM w) { return m == WM_SHOWWINDOW && w && GetParent(d); }},
-        {"OK", [](HWND d, UINT m, WPARAM w) { return m == WM_COMMAND && w == IDOK && !GetParent(d); }},
-        {"OK on a page", [](HWND d, UINT m, WPARAM w) { return m == WM_COMMAND && w == IDOK && GetParent(d); }},
-        {"a page is destroyed", [](HWND d, UINT m, WPARAM) { return m == WM_DESTROY && GetParent(d); }},
-        {"a dialog is destroyed", [](HWND d, UINT m, WPARAM) { return m == WM_DESTROY && !GetParent(d); }},
+        {"text is set", false, isTextSet},
+        {"a page's text is set", true, isTextSet},
+        {"a dialog opens", false, [](UINT m, WPARAM) { return m == WM_INITDIALOG; }},
+        {"a page opens", true, [](UINT m, WPARAM) { return m == WM_INITDIALOG; }},
+        {"a page is shown", true, [](UINT m, WPARAM w) { return m == WM_SHOWWINDOW && w; }},
+        {"OK", false, [](UINT m, WPARAM w) { return m == WM_COMMAND && w == IDOK; }},
+        {"OK on a page", true, [](UINT m, WPARAM w) { return m == WM_COMMAND && w == IDOK; }},
+        {"a page is destroyed", true, [](UINT m, WPARAM) { return m == WM_DESTROY; }},
+        {"a dialog is destroyed", false, [](UINT m, WPARAM) { return m == WM_DESTROY; }},
     };
     for (const auto& act : acts) {
         for (const auto& moment : moments) {
@@ -156,16 +137,15 @@ TEST(Controller, CallbacksThatInterfere) {
             bool done = false;
             HostDialog host;
             host.items = {{IDC_FIELD, KW_KIND_EDIT | KW_VALUE_INT32 | KW_FLAG_SPIN, &number, 0, 5, nullptr},
-                          {IDC_TABS, KW_KIND_PAGES | KW_VALUE_PAGES | KW_FLAG_KEEP_PAGE, pages, 1, 2, nullptr},
-                          {IDC_PLAIN, KW_KIND_PAGES | KW_VALUE_PAGES, pages, 0, 2, nullptr}};
+                          {IDC_TABS, KW_KIND_PAGES | KW_VALUE_PAGES | KW_FLAG_KEEP_PAGE, pages, 1, 2, nullptr}};
             host.callback = [&](HWND window, UINT message, WPARAM wParam) -> INT_PTR {
-                if (!done && moment.is(window, message, wParam)) {
+                if (!done && moment.onPage == (GetParent(window) != nullptr) && moment.is(message, wParam)) {
                     done = true;
                     act.act(window);
                 }
                 return 0;
             };
-            host.Run();
+            host.Run(IDD_SMALL);
             EXPECT_TRUE(done);
             MSG message;
             while (PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) {}
@@ -178,32 +158,23 @@ TEST(Controller, ManyLeaveNothingBehind) {
     std::int32_t pageNumber = 2;
     DialogItem good = {IDC_FIELD, KW_KIND_EDIT | KW_VALUE_INT32 | KW_FLAG_SPIN, &pageNumber, 0, 0, nullptr};
     DialogItem bad = {IDC_FIELD, KW_KIND_EDIT | KW_VALUE_INT32, nullptr, 0, 0, nullptr};
+    PageDescriptor pages[] = {{nullptr, MAKEINTRESOURCEA(IDD_PAGE_TWO), nullptr, 1, &good},
+                              {nullptr, MAKEINTRESOURCEA(IDD_PAGE_TWO), nullptr, 1, &bad}};
     const auto run = [&](int count) {
         for (int i = 0; i < count; ++i) {
-            DialogItem* const second = i % 4 == 3 ? &bad : &good;
-            PageDescriptor pages[] = {{nullptr, MAKEINTRESOURCEA(IDD_PAGE_TWO), nullptr, 1, &good},
-                                      {nullptr, MAKEINTRESOURCEA(IDD_PAGE_TWO), nullptr, 1, second}};
+            const double pageCount = i % 4 == 3 ? 2 : 1;
             HostDialog host;
             host.items = {{IDC_FIELD, KW_KIND_EDIT | KW_VALUE_DOUBLE | KW_FLAG_SPIN, &number, 0, 5, nullptr},
-                          {IDC_TABS, KW_KIND_PAGES | KW_VALUE_PAGES, pages, 0, 2, nullptr}};
+                          {IDC_TABS, KW_KIND_PAGES | KW_VALUE_PAGES, pages, 0, pageCount, nullptr}};
             host.endWith = i % 2 ? IDOK : IDCANCEL;
-            host.shown = i % 10 == 0;
+            host.shown = i % 25 == 0;
             EXPECT_EQ(host.Run(IDD_SMALL), i % 4 == 1);
         }
     };
-    const auto memory = [] {
-        std::size_t size = 0;
-        PROCESS_HEAP_ENTRY entry = {};
-        while (HeapWalk(GetProcessHeap(), &entry)) size += entry.wFlags & PROCESS_HEAP_ENTRY_BUSY ? entry.cbData : 0;
-        return size;
-    };
     run(20);  // what the system keeps from its first dialogs
     const HandleCounts before = CountHandles();
-    const std::size_t memoryBefore = memory();
+    const int blocks = CountHeapBlocks();
     run(500);
-    const HandleCounts after = CountHandles();
-    EXPECT_NEAR(after.gdi, before.gdi, 10);
-    EXPECT_NEAR(after.user, before.user, 10);
-    EXPECT_NEAR(after.kernel, before.kernel, 10);
-    EXPECT_LT(memory(), memoryBefore + 16000) << "a context or a page set is larger than 32 bytes";
+    ExpectNothingLeft(before, 10);
+    EXPECT_LT(CountHeapBlocks() - blocks, 100) << "less than one in five dialogs";
 }

@@ -48,6 +48,10 @@ inline int HostDialog::Run(int templateId) {
     return result;
 }
 
+inline DialogItem NumberField(std::int32_t* number, double maximum = 0, int id = IDC_FIELD) {
+    return {id, KW_KIND_EDIT | KW_VALUE_INT32, number, 0, maximum, nullptr};
+}
+
 inline std::string TextOf(HWND dialog, int id) {
     std::string text(70000, '\0');
     text.resize(GetDlgItemTextA(dialog, id, text.data(), static_cast<int>(text.size())));

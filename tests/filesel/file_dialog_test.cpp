@@ -30,6 +30,7 @@ protected:
     char file[MAX_PATH] = "";
     SelectRequest request = {"A title", "Drawings\0*.dxf\0Anything\0*.*\0", folder.path.c_str(), 2, file, MAX_PATH,
                              nullptr,   KW_SORT_NAME | KW_SORT_DATE,        KW_SHOW_TIME};
+    RECT pane = {};  // the size of the pane's picture; see MeasurePane
 
     unsigned Run(int modeBits, std::vector<DialogStep> steps, int keepLongName = 1) {
         const std::string before = CurrentDirectory();
@@ -38,19 +39,21 @@ protected:
         EXPECT_EQ(CurrentDirectory(), before);
         return result;
     }
+    void MeasurePane() {
+        const auto measure = [&](HWND dialog) { GetClientRect(FindControl(dialog, IDC_PREVIEW_PICTURE), &pane); };
+        Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {Check(measure), Press(IDCANCEL)});
+    }
+    // What the pane has to show for a drawing. Made before the dialog opens: a reader on this thread would stop the
+    // pane's.
+    PaneContents DrawingOf(const std::string& path) {
+        MeasurePane();
+        std::string comment(32767, '\0');
+        const std::string picture = TakePicture(ReadDxfPreview(2, path.c_str(), &pane, comment.data(), 32767));
+        return {picture, comment.c_str()};
+    }
     void TearDown() override { kwSelectFileGUI(0); }
 };
-class ExplorerDialog : public FileDialog {
-protected:
-    // The size of the pane's picture.
-    RECT PaneTarget() {
-        RECT target = {};
-        Run(KW_FILE_OPEN | KW_FILE_PREVIEW,
-            {Check([&](HWND dialog) { GetClientRect(FindControl(dialog, IDC_PREVIEW_PICTURE), &target); }),
-             Press(IDCANCEL)});
-        return target;
-    }
-};
+class ExplorerDialog : public FileDialog {};
 class ClassicDialog : public FileDialog {
     void SetUp() override { kwSelectFileGUI(1); }
 };
@@ -74,17 +77,6 @@ static DialogStep ChooseFilter(int index) {
     };
 }
 
-static std::string Placeholder(const RECT& target) {
-    return TakePicture(CreatePlaceholderBitmap(2, LoadResString(ThisModule(), IDS_NO_PREVIEW), target));
-}
-
-// What the pane has to show for a drawing. Made before the dialog opens: a reader on this thread would stop the pane's.
-static PaneContents DrawingOf(const std::string& path, const RECT& target) {
-    std::string comment(32767, '\0');
-    const std::string picture = TakePicture(ReadDxfPreview(2, path.c_str(), &target, comment.data(), 32767));
-    return {picture, comment.c_str()};
-}
-
 // Waits until the pane shows that and keeps it: a picture comes shortly before its comment.
 static DialogStep PaneShows(const PaneContents& expected, int looks = 10) {
     return [=, seen = 0](HWND dialog) mutable {
@@ -98,23 +90,19 @@ static const std::string kDrawing = DxfDrawing(90, 60, "0 CIRCLE|10 40|20 30|40 
 
 TEST_F(ExplorerDialog, PaneShowsTheSelectedFile) {
     const std::string part = folder.Write("part.dxf", kDrawing), locked = folder.Write("locked.dxf", kDrawing);
-    folder.Write("empty.dxf", "");
     folder.Write("random.dat", WithFlippedBytes(std::string(3000, '\1'), 1));
     folder.Write("notes.txt", "one\r\ntwo\r\n\n");
-    folder.Write("picture.bmp",
-                 BitmapFile(2, 2, 24, "", std::string("\0\0\0\xff\xff\xff\0\0\xff\xff\xff\0\0\0\0\0", 16)));
     const HANDLE owner = CreateFileA(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    const RECT target = PaneTarget();
-    const PaneContents drawing = DrawingOf(part, target);
+    const PaneContents drawing = DrawingOf(part);
     EXPECT_TRUE(HasInk(drawing.picture));
-    const std::string nothing = Placeholder(target);
+    const std::string nothing =
+        TakePicture(CreatePlaceholderBitmap(2, LoadResString(ThisModule(), IDS_NO_PREVIEW), pane));
     const auto deletePart = [=](HWND) { EXPECT_TRUE(DeleteFileA(part.c_str())) << "a shown file is closed"; };
     EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW,
                   {SelectFile("part.dxf"), PaneShows(drawing), SelectFile("locked.dxf"), PaneShows({nothing, ""}),
                    SelectFile("notes.txt"), PaneShows({nothing, "one\r\ntwo\r\n"}), SelectFile("random.dat"),
-                   PaneShows({nothing, ""}), SelectFile("picture.bmp"), PaneShows({Picture(".#", "#."), ""}),
-                   SelectFile("empty.dxf"), PaneShows({nothing, ""}), SelectFile("part.dxf"), PaneShows(drawing),
-                   Check(deletePart), SelectFile("notes.txt"), Press(IDOK)}),
+                   PaneShows({nothing, ""}), SelectFile("part.dxf"), PaneShows(drawing), Check(deletePart),
+                   SelectFile("notes.txt"), Press(IDOK)}),
               1u);
     EXPECT_STREQ(file, folder.At("notes.txt").c_str());
     EXPECT_EQ(PreviewCancel(-1), 0);
@@ -122,34 +110,26 @@ TEST_F(ExplorerDialog, PaneShowsTheSelectedFile) {
 }
 
 TEST_F(ExplorerDialog, AChoiceInTheGalleryClosesIt) {
-    folder.Write("one.dxf", kDrawing);
-    folder.Write("two.dxf", kDrawing);
-    folder.Write("three.txt", "not of this filter");
+    for (const char* name : {"one.dxf", "two.dxf", "three.txt"}) folder.Write(name, kDrawing);
     const auto openGallery = [](HWND dialog) {
         PostMessageA(FindControl(dialog, IDC_PREVIEW_GALLERY), BM_CLICK, 0, 0);
         return true;
     };
-    int listed = 0;
-    const auto choose = [&](int line) {
-        return [&, line](HWND dialog) {
-            const HWND list = FindControl(dialog, IDC_GALLERY_LIST);
-            if (!list) return false;
-            listed = static_cast<int>(SendMessageA(list, LB_GETCOUNT, 0, 0));
-            SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(line), 0);
-            SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDC_GALLERY_LIST, LBN_SELCHANGE),
-                         reinterpret_cast<LPARAM>(list));
-            return true;
-        };
+    const auto choose = [](HWND dialog) {
+        const HWND list = FindControl(dialog, IDC_GALLERY_LIST);
+        if (!list) return false;
+        EXPECT_EQ(SendMessageA(list, LB_GETCOUNT, 0, 0), 2) << "what the selected filter lets through";
+        SelectLine(dialog, IDC_GALLERY_LIST, 1);
+        return true;
+    };
+    const auto unchanged = [](HWND dialog) {
+        return IsFileDialog(dialog) && WindowText(FileNameField(dialog)).find("one.dxf") != std::string::npos;
     };
     request.filterIndex = 1;
-    EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {SelectFile("one.dxf"), openGallery, choose(1), Press(IDOK)}), 1u);
-    EXPECT_STREQ(file, folder.At("two.dxf").c_str());
-    EXPECT_EQ(listed, 2) << "what the selected filter lets through";
-    file[0] = '\0';
-    EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW,
-                  {SelectFile("one.dxf"), openGallery, choose(1), Press(IDCANCEL), SelectFile("one.dxf"), Press(IDOK)}),
+    EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {SelectFile("one.dxf"), openGallery, choose, Press(IDCANCEL),
+                                                   unchanged, openGallery, choose, Press(IDOK)}),
               1u);
-    EXPECT_STREQ(file, folder.At("one.dxf").c_str()) << "a cancelled gallery changes nothing";
+    EXPECT_STREQ(file, folder.At("two.dxf").c_str());
 }
 
 TEST_F(ExplorerDialog, TheLastSelectionWins) {
@@ -162,7 +142,7 @@ TEST_F(ExplorerDialog, TheLastSelectionWins) {
             text.insert(text.rfind("  0\r\nENDSEC"), body);  // the last one is done first, were it not for the wait
         folder.Write(std::to_string(i) + ".dxf", text);
     }
-    const PaneContents last = DrawingOf(folder.At("3.dxf"), PaneTarget());
+    const PaneContents last = DrawingOf(folder.At("3.dxf"));
     std::vector<DialogStep> steps;
     for (int i = 0; i < 8; ++i) steps.push_back(SelectFile(std::to_string(i % 4) + ".dxf"));
     steps.insert(steps.end(), {PaneShows(last, 150), SelectFile("2.dxf"), Press(IDCANCEL)});  // closed while it runs
@@ -174,20 +154,17 @@ TEST_F(ExplorerDialog, OpensATypedName) {
     WriteWholeFile(path, kDrawing);
     char shortPath[MAX_PATH] = "";
     ASSERT_TRUE(GetShortPathNameA(path.c_str(), shortPath, MAX_PATH));
-    for (const int pane : {0, KW_FILE_PREVIEW})
-        for (const int keepLongName : {0, 1}) {
-            request.filterIndex = 1;
-            EXPECT_EQ(Run(KW_FILE_OPEN | pane, {ChooseFilter(1), TypeFileName(path), Press(IDOK)}, keepLongName), 1u);
-            EXPECT_STREQ(file, keepLongName ? path.c_str() : shortPath);
-            EXPECT_EQ(request.filterIndex, 2u);
-            file[0] = '\0';
-        }
-    EXPECT_EQ(request.sortOptions, DWORD{KW_SORT_NAME | KW_SORT_DATE}) << "left alone";
-}
-
-TEST_F(ExplorerDialog, FilterIndexComesBackAfterCancel) {
+    for (const int keepLongName : {0, 1}) {
+        request.filterIndex = 1;
+        const int mode = KW_FILE_OPEN | (keepLongName ? KW_FILE_PREVIEW : 0);
+        EXPECT_EQ(Run(mode, {ChooseFilter(1), TypeFileName(path), Press(IDOK)}, keepLongName), 1u);
+        EXPECT_STREQ(file, keepLongName ? path.c_str() : shortPath);
+        EXPECT_EQ(request.filterIndex, 2u);
+        file[0] = '\0';
+    }
     EXPECT_EQ(Run(KW_FILE_OPEN, {ChooseFilter(0), Press(IDCANCEL)}), 0u);
-    EXPECT_EQ(request.filterIndex, 1u);
+    EXPECT_EQ(request.filterIndex, 1u) << "comes back after Cancel too";
+    EXPECT_EQ(request.sortOptions, DWORD{KW_SORT_NAME | KW_SORT_DATE}) << "left alone";
 }
 
 TEST_F(ExplorerDialog, Save) {
@@ -212,11 +189,8 @@ TEST_F(ExplorerDialog, Save) {
         const char* chosen;  // null: cancelled
     } cases[] = {
         // clang-format off
-        {"a new name", 0, nullptr, {TypeFileName("new"), Press(IDOK)}, "new"},
-        {"the extension is added", 0, "dxf", {TypeFileName("new"), Press(IDOK)}, "new.dxf"},
+        {"the extension is added", KW_FILE_PREVIEW, "dxf", {TypeFileName("new"), Press(IDOK)}, "new.dxf"},
         {"unless there is one", 0, "dxf", {TypeFileName("new.x"), Press(IDOK)}, "new.x"},
-        {"with the pane", KW_FILE_PREVIEW, "dxf", {TypeFileName("new"), Press(IDOK)}, "new.dxf"},
-        {"cancelled", 0, "dxf", {Press(IDCANCEL)}, nullptr},
         {"the question: no, then yes", 0, "dxf",
          {TypeFileName("old"), Press(IDOK), question, Answer(IDCANCEL), nameIsStill("old.dxf"), Press(IDOK),
           Answer(IDOK)}, "old.dxf"},
@@ -235,58 +209,92 @@ TEST_F(ExplorerDialog, Save) {
     }
 }
 
+static LRESULT InList(HWND dialog, UINT message, WPARAM wParam = 0, const char* text = nullptr) {
+    return SendMessageA(FindControl(dialog, IDC_FILE_LIST), message, wParam, reinterpret_cast<LPARAM>(text));
+}
+
+static std::string Listed(HWND dialog) {
+    std::string lines;
+    char line[600];
+    for (LRESULT i = 0; i < InList(dialog, LB_GETCOUNT); ++i) {
+        InList(dialog, LB_GETTEXT, static_cast<WPARAM>(i), line);
+        lines += std::string(line) + "|";
+    }
+    return lines;
+}
+
+static void Toggle(HWND dialog, std::initializer_list<int> boxes) {
+    for (const int box : boxes) SendMessageA(FindControl(dialog, box), BM_CLICK, 0, 0);
+}
+
 TEST_F(ClassicDialog, OptionsGoInAndOut) {
-    const auto click = [](std::initializer_list<int> ids) {
-        return Check([ids = std::vector<int>(ids)](HWND dialog) {
-            for (const int id : ids) SendMessageA(FindControl(dialog, id), BM_CLICK, 0, 0);
-        });
-    };
-    std::string checked;
-    const auto read = Check([&](HWND dialog) {
+    const auto readAndClick = [](HWND dialog) {
         EXPECT_FALSE(FindControl(dialog, IDC_PREVIEW_COMMENT)) << "the classic dialog has no pane";
+        std::string checked;
         for (int id = IDC_SORT_NAME; id <= IDC_SHOW_COMMENT; ++id)
             checked += SendMessageA(FindControl(dialog, id), BM_GETCHECK, 0, 0) ? '1' : '0';
-    });
-    EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW,
-                  {read, click({IDC_SORT_NAME, IDC_SORT_SIZE, IDC_SHOW_TIME, IDC_SHOW_SIZE, IDC_SHOW_COMMENT}),
-                   ChooseFilter(0), Press(IDCANCEL)}),
-              0u);
-    EXPECT_EQ(checked, "10010010");
+        EXPECT_EQ(checked, "10010010");
+        Toggle(dialog, {IDC_SORT_NAME, IDC_SORT_SIZE, IDC_SHOW_TIME, IDC_SHOW_SIZE, IDC_SHOW_COMMENT});
+    };
+    EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {Check(readAndClick), ChooseFilter(0), Press(IDCANCEL)}), 0u);
     EXPECT_EQ(request.sortOptions, DWORD{KW_SORT_SIZE | KW_SORT_DATE});
     EXPECT_EQ(request.displayOptions, DWORD{KW_SHOW_SIZE | KW_SHOW_COMMENT});
     EXPECT_EQ(request.filterIndex, 1u);
 }
 
-TEST_F(ClassicDialog, ListAndStartingDirectory) {
+TEST_F(ClassicDialog, ListSortsShowsAndSelects) {
+    folder.Write("big.b", std::string(2000, 'x'));
+    folder.Write("small.a", "G90\r\nG01");
+    folder.Write("with blank.a", "");
+    // The second byte of the first two-byte character is a backslash, of the next one a blank's look-alike.
+    const bool isJapanese = GetACP() == 932;
+    const std::string japanese = isJapanese ? "\x95\x5c\x81\x40.a" : "x";
+    folder.Write(japanese, "");
+    request.sortOptions = KW_SORT_NAME, request.displayOptions = 0;
+    const auto look = [&](HWND dialog) {
+        EXPECT_EQ(Listed(dialog), "big.b|small.a|with blank.a\t|" + japanese + "|");
+        Toggle(dialog, {IDC_SHOW_SIZE});
+        EXPECT_EQ(Listed(dialog), "big.b\t2,000|small.a\t8|with blank.a\t0|" + japanese + "\t0|");
+        Toggle(dialog, {IDC_SHOW_COMMENT});
+        EXPECT_EQ(Listed(dialog).substr(0, 45), "big.b\t2,000\t" + std::string(33, 'x'));
+        Toggle(dialog, {IDC_SHOW_COMMENT, IDC_SORT_NAME, IDC_SORT_SIZE});
+        EXPECT_EQ(Listed(dialog).rfind("big.b"), Listed(dialog).size() - 12);
+        for (const int id : {IDC_DRIVE_TOTAL, IDC_DRIVE_FREE, IDC_DRIVE_USED})
+            EXPECT_EQ(ControlText(dialog, id).back(), 'B') << id;
+    };
+    const auto select = [](const std::string& name) {
+        return Check([=](HWND dialog) {
+            const LRESULT line = InList(dialog, LB_FINDSTRING, static_cast<WPARAM>(-1), name.c_str());
+            SelectLine(dialog, IDC_FILE_LIST, static_cast<int>(line));
+            EXPECT_EQ(ControlText(dialog, IDC_FILE_NAME), name);
+            Toggle(dialog, {IDC_SHOW_DATE});
+            EXPECT_EQ(InList(dialog, LB_GETCURSEL), line > 0 ? line : LB_ERR) << "kept, but for the first line";
+        });
+    };
+    EXPECT_EQ(Run(KW_FILE_OPEN, {Check(look), select("with blank.a"), select("big.b"), select("small.a"),
+                                 select(japanese), Press(IDOK)}),
+              1u);
+    EXPECT_EQ(file, folder.At(japanese));
+    EXPECT_EQ(request.sortOptions, DWORD{KW_SORT_SIZE});
+}
+
+TEST_F(ClassicDialog, StartsInAnyDirectory) {
     WriteWholeFile(folder.MakeFolder("sub") + "\\inside.dxf", kDrawing);
     folder.Write("outside.dxf", kDrawing);
     const auto lists = [](const char* name) {
-        return [=](HWND dialog) {
-            return SendMessageA(FindControl(dialog, IDC_FILE_LIST), LB_FINDSTRING, static_cast<WPARAM>(-1),
-                                reinterpret_cast<LPARAM>(name)) >= 0;
-        };
-    };
-    const auto selectLine = [](const char* line, const char* name) {
-        return Check([=](HWND dialog) {
-            const HWND list = FindControl(dialog, IDC_FILE_LIST);
-            const LRESULT index = SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line));
-            SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(index), 0);
-            SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDC_FILE_LIST, LBN_SELCHANGE), reinterpret_cast<LPARAM>(list));
-            EXPECT_EQ(ControlText(dialog, IDC_FILE_NAME), name);
-        });
+        return [=](HWND dialog) { return InList(dialog, LB_FINDSTRING, static_cast<WPARAM>(-1), name) >= 0; };
     };
     const std::string before = CurrentDirectory(), withoutDrive = folder.path.substr(2) + "\\sub";
     SetCurrentDirectoryA(folder.path.c_str());
     const struct {
-        const char* directory;
-        const char* listed;
-    } cases[] = {{"sub", "inside.dxf"}, {nullptr, "outside.dxf"}, {withoutDrive.c_str(), "inside.dxf"}};
+        const char *directory, *listed, *chosen;
+    } cases[] = {{"sub", "inside.dxf", "sub\\inside.dxf"},
+                 {nullptr, "outside.dxf", "outside.dxf"},
+                 {withoutDrive.c_str(), "inside.dxf", "sub\\inside.dxf"}};
     for (const auto& c : cases) {
         request.initialDir = c.directory;
-        EXPECT_EQ(Run(KW_FILE_OPEN, {lists(c.listed), selectLine("a b.dxf\t12\t13", "a b.dxf"), selectLine("a b", "a"),
-                                     TypeFileName(c.listed), Press(IDOK)}),
-                  1u);
-        EXPECT_EQ(file, std::string(folder.path + (c.listed[0] == 'i' ? "\\sub\\" : "\\") + c.listed));
+        EXPECT_EQ(Run(KW_FILE_OPEN, {lists(c.listed), TypeFileName(c.listed), Press(IDOK)}), 1u);
+        EXPECT_EQ(file, folder.At(c.chosen));
         file[0] = '\0';
     }
     EXPECT_EQ(Run(0, {TypeFileName("new.dxf"), Press(IDOK)}), 1u) << "saved under a name that there is not";
@@ -296,22 +304,17 @@ TEST_F(ClassicDialog, ListAndStartingDirectory) {
 TEST_F(ExplorerDialog, ManyLeaveNothingBehind) {
     const std::string path = folder.Write("part.dxf", kDrawing);
     folder.Write("b.dxf", "");
-    const DialogStep shown = PaneShows(DrawingOf(path, PaneTarget()), 1);
+    const DialogStep shown = PaneShows(DrawingOf(path), 1);
     const auto run = [&](int count) {
         for (int i = 0; i < count; ++i) {
-            kwSelectFileGUI(i % 4 != 0);
-            if (i % 4 != 0) Run(KW_FILE_OPEN, {Press(IDCANCEL)});
-            else if (i % 8 == 0) Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {SelectFile("part.dxf"), Press(IDCANCEL)});
-            else
-                Run(KW_FILE_OPEN | KW_FILE_PREVIEW,
-                    {SelectFile("part.dxf"), shown, SelectFile("b.dxf"), Press(IDCANCEL)});
+            kwSelectFileGUI(i % 10 != 0);
+            std::vector<DialogStep> steps = {Press(IDCANCEL)};
+            if (i % 10 == 0) steps = {SelectFile("part.dxf"), shown, SelectFile("b.dxf"), Press(IDCANCEL)};
+            Run(KW_FILE_OPEN | KW_FILE_PREVIEW, steps);
         }
     };
-    run(16);  // what the system keeps from its first dialogs
+    run(11);  // what the system keeps from its first dialogs
     const HandleCounts before = CountHandles();
     run(200);
-    const HandleCounts after = CountHandles();
-    EXPECT_NEAR(after.gdi, before.gdi, 10);
-    EXPECT_NEAR(after.user, before.user, 10);
-    EXPECT_NEAR(after.kernel, before.kernel, 10);
+    ExpectNothingLeft(before, 5);
 }

@@ -2,14 +2,14 @@
 
 #include <windows.h>
 
-#include <commctrl.h>
 #include <gtest/gtest.h>
 
+#include "frame/services.h"
 #include "gallery/gallery_items.h"
+#include "kit/handles.h"
 #include "resources/resource.h"
 #include "support/dialog_driver.h"
 #include "support/handle_counts.h"
-#include "support/picture.h"
 #include "support/samples.h"
 #include "support/temp_folder.h"
 
@@ -25,18 +25,16 @@ TEST(GalleryItems, FoldersAndLists) {
     const TempFolder folder;
     for (const char* name : {"b.dxf", "A.DXF", "c.txt", "d e.exf"}) folder.Write(name, kDrawing);
     folder.MakeFolder("folder.dxf");
-    const bool isJapanese = GetACP() == 932;
-    const std::string backslash = isJapanese ? "\x95\x5c.dxf" : "z.dxf";  // in a character's second byte
+    const std::string backslash = GetACP() == 932 ? "\x95\x5c.dxf" : "z.dxf";  // in a character's second byte
     folder.Write(backslash, kDrawing);
     const struct {
         const char* patterns;
         std::string names;
     } cases[] = {
-        {"*.dxf", "A.DXF|b.dxf|" + backslash + "|"},
+        // clang-format off
+        {"*.dxf", "A.DXF|b.dxf|" + backslash + "|"}, {"*.none", ""}, {"", ""}, {"*.exf; *.txt", "c.txt|d e.exf|"},
         {";;*.txt; ;c*.*;", "c.txt|c.txt|"},  // a file counts for each pattern that it matches
-        {"*.exf; *.txt", "c.txt|d e.exf|"},
-        {"*.none", ""},
-        {"", ""},
+        // clang-format on
     };
     for (const auto& c : cases) {
         GalleryItems items;
@@ -71,25 +69,18 @@ static LRESULT InList(HWND dialog, UINT message, WPARAM wParam = 0, LPARAM lPara
     return SendMessageA(FindControl(dialog, IDC_GALLERY_LIST), message, wParam, lParam);
 }
 
-// Selects as a user does: the list box tells its dialog.
 static DialogStep Select(int index, int notification = LBN_SELCHANGE) {
-    return [=](HWND dialog) {
-        InList(dialog, LB_SETCURSEL, static_cast<WPARAM>(index));
-        SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(MAKELONG(IDC_GALLERY_LIST, notification)),
-                     reinterpret_cast<LPARAM>(FindControl(dialog, IDC_GALLERY_LIST)));
-        return true;
-    };
+    return Check([=](HWND dialog) { SelectLine(dialog, IDC_GALLERY_LIST, index, notification); });
 }
 
-// How dark an item's cell is on the screen, drawn afresh into a bitmap.
+// How dark an item's cell is on the screen.
 static int DarkPixels(HWND dialog, int index) {
     RECT cell = {};
     InList(dialog, LB_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&cell));
-    const HDC dc = GetDC(FindControl(dialog, IDC_GALLERY_LIST));
+    const WindowDc list(FindControl(dialog, IDC_GALLERY_LIST));
     int dark = 0;
     for (int y = cell.top; y < cell.bottom - 20; ++y)
-        for (int x = cell.left; x < cell.right; ++x) dark += GetPixel(dc, x, y) == RGB(0, 0, 0);
-    ReleaseDC(FindControl(dialog, IDC_GALLERY_LIST), dc);
+        for (int x = cell.left; x < cell.right; ++x) dark += GetPixel(list.dc, x, y) == RGB(0, 0, 0);
     return dark;
 }
 
@@ -98,87 +89,65 @@ TEST_F(GalleryDialog, ShowsPicturesAndReturnsTheChoice) {
     folder.Write("b.dxf", kDrawing);
     folder.Write("c.bmp", "BM");
     lstrcpyA(result, "B.DXF");
-    int blank = -1, drawn = -1, none = -1;
-    std::string caption;
     const auto look = [&](HWND dialog) {
         EXPECT_EQ(InList(dialog, LB_GETCOUNT), 3);
         EXPECT_EQ(InList(dialog, LB_GETCURSEL), 1) << "the name that came in";
         for (int i = 0; i < 3; ++i) EXPECT_EQ(InList(dialog, LB_GETITEMDATA, static_cast<WPARAM>(i)), i);
-        blank = DarkPixels(dialog, 0), drawn = DarkPixels(dialog, 1), none = DarkPixels(dialog, 2);
-        caption = WindowText(dialog);
+        EXPECT_EQ(DarkPixels(dialog, 0), 0);
+        EXPECT_GT(DarkPixels(dialog, 1), 50);
+        EXPECT_GT(DarkPixels(dialog, 2), 10) << "the placeholder's text";
+        EXPECT_EQ(WindowText(dialog).rfind(folder.path + " - ", 0), 0u) << WindowText(dialog);
+        EXPECT_EQ(GetFocus(), FindControl(dialog, IDC_GALLERY_LIST));
     };
     EXPECT_EQ(Run({IsComplete, Check(look), Select(0), Press(IDOK)}), 1);
     EXPECT_STREQ(result, "a.dxf");
-    EXPECT_EQ(blank, 0);
-    EXPECT_GT(drawn, 50);
-    EXPECT_GT(none, 10) << "the placeholder's text";
-    EXPECT_EQ(caption.compare(0, folder.path.size() + 3, folder.path + " - "), 0) << caption;
-    EXPECT_GT(caption.size(), folder.path.size() + 3);
-
     EXPECT_EQ(Run({Select(2, LBN_DBLCLK)}), 1) << "a double click is OK";
     EXPECT_STREQ(result, "c.bmp");
     EXPECT_EQ(Run({Select(0), Press(IDCANCEL)}), 0);
     EXPECT_STREQ(result, "c.bmp") << "Cancel changes nothing";
-    EXPECT_EQ(Run({Select(0), Press(IDOK)}, "*.*", 4), 1);
-    EXPECT_STREQ(result, "a.d") << "cut to the buffer";
+    const auto typeB = [](HWND dialog) { InList(dialog, WM_CHAR, 'b'); };
+    EXPECT_EQ(Run({Check(typeB), Press(IDOK)}, "*.*", 4), 1);
+    EXPECT_STREQ(result, "b.d") << "by the keyboard; cut to the buffer";
     EXPECT_EQ(Run({}, "*.none"), 0) << "no file, no dialog";
 }
 
 TEST_F(GalleryDialog, ManyFilesStopWhileWorking) {
     for (int i = 0; i < 1500; ++i) folder.Write(std::to_string(i) + ".dxf", i % 3 ? kDrawing : "");
     lstrcpyA(result, "1499.dxf");
-    int count = 0;
     const auto look = [&](HWND dialog) {
-        count = static_cast<int>(InList(dialog, LB_GETCOUNT));
+        EXPECT_EQ(InList(dialog, LB_GETCOUNT), 1500);
         EXPECT_FALSE(IsComplete(dialog)) << "else this test stops nothing";
         DeleteFileA(folder.At("1400.dxf").c_str());  // gone between listing and reading
     };
     EXPECT_EQ(Run({Check(look), Press(IDOK)}), 1);
-    EXPECT_EQ(count, 1500);
     EXPECT_STREQ(result, "1499.dxf");
 }
 
 TEST_F(GalleryDialog, RemembersItsSize) {
     folder.Write("a.dxf", kDrawing);
-    RECT before = {}, listBefore = {}, after = {}, listAfter = {}, again = {};
-    bool wasMaximized = false;
-    const auto rects = [](HWND dialog, RECT* window, RECT* list) {
-        GetWindowRect(dialog, window);
-        GetWindowRect(FindControl(dialog, IDC_GALLERY_LIST), list);
+    SIZE before = {}, listBefore = {}, now = {}, list = {};
+    const auto measure = [&](HWND dialog) {
+        POINT position;
+        GetWindowPosSize(dialog, &position, &now);
+        GetWindowPosSize(FindControl(dialog, IDC_GALLERY_LIST), &position, &list);
     };
     const auto grow = [&](HWND dialog) {
-        rects(dialog, &before, &listBefore);
-        SetWindowPos(dialog, nullptr, 0, 0, before.right - before.left + 60, before.bottom - before.top + 40,
-                     SWP_NOMOVE | SWP_NOZORDER);
-        rects(dialog, &after, &listAfter);
+        measure(dialog);
+        before = now, listBefore = list;
+        SetWindowPos(dialog, nullptr, 0, 0, now.cx + 60, now.cy + 40, SWP_NOMOVE | SWP_NOZORDER);
     };
     EXPECT_EQ(Run({Check(grow), Press(IDCANCEL)}), 0);
-    EXPECT_EQ(listAfter.right - listBefore.right, 60);
-    EXPECT_EQ(listAfter.bottom - listBefore.bottom, 40);
-    EXPECT_EQ(listAfter.top, listBefore.top);
-    const auto maximize = [&](HWND dialog) {
-        GetWindowRect(dialog, &again);
-        ShowWindow(dialog, SW_MAXIMIZE);
-    };
+    const auto maximize = [&](HWND dialog) { measure(dialog), ShowWindow(dialog, SW_MAXIMIZE); };
     EXPECT_EQ(Run({Check(maximize), Press(IDCANCEL)}), 0);
-    EXPECT_EQ(again.right - again.left, after.right - after.left);
-    EXPECT_EQ(again.bottom - again.top, after.bottom - after.top);
+    EXPECT_TRUE(now.cx == before.cx + 60 && now.cy == before.cy + 40);
+    EXPECT_TRUE(list.cx == listBefore.cx + 60 && list.cy == listBefore.cy + 40);
     const auto restore = [&](HWND dialog) {
-        wasMaximized = IsZoomed(dialog);
+        EXPECT_TRUE(IsZoomed(dialog));
         ShowWindow(dialog, SW_RESTORE);
+        measure(dialog);
     };
     EXPECT_EQ(Run({Check(restore), Press(IDCANCEL)}), 0);
-    EXPECT_TRUE(wasMaximized);
-}
-
-TEST_F(GalleryDialog, KeyboardReachesNames) {
-    for (const char* name : {"alpha.dxf", "beta.dxf", "gamma.dxf"}) folder.Write(name, kDrawing);
-    const auto type = [](HWND dialog) {
-        EXPECT_EQ(GetFocus(), FindControl(dialog, IDC_GALLERY_LIST));
-        InList(dialog, WM_CHAR, 'g');
-    };
-    EXPECT_EQ(Run({Check(type), Press(IDOK)}), 1);
-    EXPECT_STREQ(result, "gamma.dxf");
+    EXPECT_TRUE(now.cx - list.cx == before.cx - listBefore.cx && now.cy - list.cy == before.cy - listBefore.cy);
 }
 
 TEST_F(GalleryDialog, LeaksNothing) {
@@ -189,8 +158,5 @@ TEST_F(GalleryDialog, LeaksNothing) {
         EXPECT_EQ(isOk ? Run({Press(IDOK)}) : Run({IsComplete, Press(IDCANCEL)}), isOk);
         if (i == 0) before = CountHandles();
     }
-    const HandleCounts after = CountHandles();
-    EXPECT_EQ(after.gdi, before.gdi);
-    EXPECT_EQ(after.user, before.user);
-    EXPECT_LE(after.kernel, before.kernel + 2) << "a thread that is just leaving may still be there";
+    ExpectNothingLeft(before, 2);  // a thread that is just leaving may still be there
 }

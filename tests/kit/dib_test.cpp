@@ -12,7 +12,7 @@ static const std::string kPalette("\xff\xff\xff\0\0\0\0\0", 8);
 // Both show the same: a dark pixel at the lower left and one at the upper right.
 static const std::string kTrueColor =
     BitmapFile(4, 2, 24, "", kBlack + kWhite + kWhite + kWhite + kWhite + kWhite + kWhite + kBlack);
-static const std::string kIndexed = BitmapFile(4, 2, 8, kPalette, std::string("\1\0\0\0\0\0\0\1", 8));
+static const std::string kPixels("\1\0\0\0\0\0\0\1", 8), kIndexed = BitmapFile(4, 2, 8, kPalette, kPixels);
 
 static std::string Shown(const std::string& file) {
     const GuardBlock block(file);
@@ -21,13 +21,11 @@ static std::string Shown(const std::string& file) {
 
 TEST(Dib, Pictures) {
     const std::string expected = Picture("...#", "#...");
-    EXPECT_EQ(Shown(kTrueColor), expected);
-    EXPECT_EQ(Shown(kIndexed), expected);
-    EXPECT_EQ(Shown(BitmapFile(4, 2, 8, kPalette + std::string(1600, '\0'), std::string("\1\0\0\0\0\0\0\1", 8))),
-              expected)
-        << "more colours than 8 bits can name";
-    EXPECT_EQ(Shown(BitmapFile(4, -2, 8, kPalette, std::string("\0\0\0\1\1\0\0\0", 8))), expected);  // top down
-    EXPECT_EQ(Shown(BitmapFile(4, 2, 1, kPalette, std::string("\x80\0\0\0\x10\0\0\0", 8))), expected);
+    for (const std::string& file :
+         {kTrueColor, kIndexed, BitmapFile(4, 2, 8, kPalette + std::string(1600, '\0'), kPixels),  // too many colours
+          BitmapFile(4, -2, 8, kPalette, std::string("\0\0\0\1\1\0\0\0", 8)),                      // top down
+          BitmapFile(4, 2, 1, kPalette, std::string("\x80\0\0\0\x10\0\0\0", 8))})
+        EXPECT_EQ(Shown(file), expected) << file.size();
 }
 
 TEST(Dib, WhatDoesNotFitGivesNothing) {

@@ -7,17 +7,14 @@
 #include <cstring>
 #include <limits>
 #include <random>
+#include <tuple>
 
 #include "support/guard_block.h"
 
 static constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 TEST(Numbers, ParseDecimal) {
-    const struct {
-        const char* text;
-        double value;
-        std::size_t used;
-    } cases[] = {
+    const std::tuple<const char*, double, std::size_t> cases[] = {
         // clang-format off
         {"12.5", 12.5, 4}, {"-.5", -0.5, 3}, {"+3", 3, 2}, {"5.", 5, 2}, {"00012", 12, 5}, {"0", 0, 1},
         {"   7", 7, 4}, {"  -7.25 ", -7.25, 7}, {"12abc", 12, 2}, {"1,5", 1, 1}, {"1 2", 1, 1},
@@ -28,12 +25,11 @@ TEST(Numbers, ParseDecimal) {
         {"0x10", 0, 1}, {"inf", 0, 0}, {"-infinity", 0, 0}, {"nan", 0, 0}, {"NAN(1)", 0, 0}, {"abc", 0, 0},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        const GuardBlock text((std::string(c.text)));  // no zero behind it: the end is the view's
+    for (const auto& [string, value, length] : cases) {
+        const GuardBlock text((std::string(string)));  // no zero behind it: the end is the view's
         std::size_t used = 99;
-        EXPECT_EQ(ParseDecimal(text.View(), &used), c.value) << c.text;
-        EXPECT_EQ(used, c.used) << c.text;
-        EXPECT_EQ(ParseDecimal(text.View()), c.value) << c.text;
+        EXPECT_EQ(ParseDecimal(text.View(), &used), value) << string;
+        EXPECT_EQ(used, length) << string;
     }
 }
 
@@ -50,23 +46,16 @@ TEST(Numbers, ParseDecimalIsRightToTheLastBit) {
             << text;
     }
     const std::string zeros(400, '0');
-    const struct {
-        std::string text;
-        double value;
-    } cases[] = {{"1" + zeros, kInfinity},           {"0." + zeros + "1", 0},
-                 {"1" + zeros + "e-800", 0},         {"0." + zeros + "1e800", kInfinity},
-                 {"-1" + zeros + "1.5", -kInfinity}, {"1" + zeros + "e-400", 1}};
-    for (const auto& c : cases)
-        EXPECT_EQ(ParseDecimal({reinterpret_cast<const std::uint8_t*>(c.text.data()), c.text.size()}), c.value)
-            << c.text;
+    const std::pair<std::string, double> cases[] = {
+        {"1" + zeros, kInfinity},           {"0." + zeros + "1", 0},
+        {"1" + zeros + "e-800", 0},         {"0." + zeros + "1e800", kInfinity},
+        {"-1" + zeros + "1.5", -kInfinity}, {"1" + zeros + "e-400", 1}};
+    for (const auto& [text, value] : cases)
+        EXPECT_EQ(ParseDecimal({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()}), value) << text;
 }
 
 TEST(Numbers, OutOfRangeBecomesTheProcessorsIndefinite) {
-    const struct {
-        double value;
-        std::int32_t narrow;
-        std::int64_t wide;
-    } cases[] = {
+    const std::tuple<double, std::int32_t, std::int64_t> cases[] = {
         // clang-format off
         {0.9, 0, 0}, {-0.9, 0, 0}, {-1.5, -1, -1},
         {2147483647.9, INT32_MAX, INT32_MAX}, {2147483648.0, INT32_MIN, 2147483648},
@@ -76,9 +65,9 @@ TEST(Numbers, OutOfRangeBecomesTheProcessorsIndefinite) {
         {-kInfinity, INT32_MIN, INT64_MIN}, {std::nan(""), INT32_MIN, INT64_MIN},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(TruncToInt32(c.value), c.narrow) << c.value;
-        EXPECT_EQ(TruncToInt64(c.value), c.wide) << c.value;
+    for (const auto& [value, narrow, wide] : cases) {
+        EXPECT_EQ(TruncToInt32(value), narrow) << value;
+        EXPECT_EQ(TruncToInt64(value), wide) << value;
     }
     EXPECT_EQ(LowInt32(0x100000005), 5);
     EXPECT_EQ(LowInt32(0x80000000), INT32_MIN);

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 TEST(Paths, TrailBackslashesAreNoSeparators) {
     const struct {
         const char* path;
@@ -27,18 +29,11 @@ TEST(Paths, TrailBackslashesAreNoSeparators) {
 }
 
 TEST(Paths, Join) {
-    const struct {
-        const char *folder, *name, *path;
-    } cases[] = {
-        {"", "a", "a"},
-        {"C:", "a", "C:a"},
-        {"C:\\", "a", "C:\\a"},
-        {"C:\\b", "a", "C:\\b\\a"},
-        {"b", "\\a", "\\a"},
-        {"b", "D:a", "D:a"},
-        {"b", "/a", "/a"},
-        {"b", "", "b\\"},
-        {"Ren\xb1", "a", "Ren\xb1\\a"},
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        // clang-format off
+        {"", "a", "a"}, {"C:", "a", "C:a"}, {"C:\\", "a", "C:\\a"}, {"C:\\b", "a", "C:\\b\\a"}, {"b", "\\a", "\\a"},
+        {"b", "D:a", "D:a"}, {"b", "/a", "/a"}, {"b", "", "b\\"}, {"Ren\xb1", "a", "Ren\xb1\\a"},
+        // clang-format on
     };
-    for (const auto& c : cases) EXPECT_EQ(JoinPath(c.folder, c.name), c.path) << c.folder << " " << c.name;
+    for (const auto& [folder, name, path] : cases) EXPECT_EQ(JoinPath(folder, name), path) << folder << " " << name;
 }

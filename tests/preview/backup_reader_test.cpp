@@ -24,7 +24,7 @@ TEST(BackupReader, Elements) {
         std::vector<Stroke> strokes;
     } cases[] = {
         // clang-format off
-        {"none", "", {}}, {"line", line, {drawn}},
+        {"none", "", {}}, {"points", PointRecord(3, 2.7) + PointRecord(39.4, 29), {PointStroke(3, 2.7), PointStroke(39.4, 29)}},
         {"pens", LineRecord(0, 5, 40, 5, 0x25) + LineRecord(0, 9, 40, 9, 0xFF6F) + ArcRecord(20, 15, 12, 10, 200, 0x30),
          {LineStroke(2, 0, 5, 40, 5), LineStroke(6, 0, 9, 40, 9), ArcStroke(3, 20, 15, 12, 10, 200)}},
         {"flags that do not hide", head(0, "\1\0") + head(0, "\xFF\x3F"), {drawn}},
@@ -42,30 +42,19 @@ TEST(BackupReader, Elements) {
         {"no characters", CountedTextRecord({10, 15, 3, 2, .5, 0}, 0, 0), {FrameStroke(10, 15, 10, 18, 10, 15)}},
         {"the last x", text(2, 0) + text(3, 2), {FrameStroke(-2.5, 15, 10, 18, 10, 15), FrameStroke(-2.5, 12, 10, 15, 10, 15)}},
         {"the last y, before the rotation", text(0, 1, 90) + text(2, 3), {FrameStroke(10, 13.5, 22.5, 16.5, 10, 15, 90), FrameStroke(-2.5, 13.5, 10, 16.5, 10, 15)}},
+        // a justification that is none keeps what the last element left on its axis, whatever its kind
+        {"a line's x", line + text(3, 0), {drawn, FrameStroke(2, 15, 30, 18, 10, 15)}},
+        {"a hidden line's is not", line + Put(LineRecord(7, 7, 8, 8), {{1, "\x40"}}) + text(3, 0), {drawn, FrameStroke(2, 15, 30, 18, 10, 15)}},
+        {"a line's y", line + text(0, 3), {drawn, FrameStroke(10, 2.7, 22.5, 20, 10, 15)}},
+        {"an arc's x", ArcRecord(20, 15, 8, 0, 90) + text(3, 0), {ArcStroke(0, 20, 15, 8, 0, 90), FrameStroke(20, 15, 8, 18, 10, 15)}},
         {"no last element", text(3, 0), {FrameStroke(0, 15, 0, 18, 10, 15)}},
         // clang-format on
     };
     for (const auto& c : cases) EXPECT_EQ(Elements(c.records), Rendered(40, 30, c.strokes)) << c.what;
-    EXPECT_EQ(Elements(PointRecord(3, 2.7) + PointRecord(39.4, 29)),
-              Elements(LineRecord(3, 2.7, 4, 2.7) + LineRecord(39, 29, 40, 29)));
     EXPECT_EQ(Shown(Put(BackupFile(0, 0, LineRecord(102, 52.7, 130, 70)),
                         {{410, Raw(100.0) + Raw(50.0) + Raw(140.0) + Raw(80.0)}})),
               Rendered(40, 30, {drawn}))
         << "a sheet elsewhere";
-}
-
-// A justification that is none keeps what the last element left on its axis, whatever its kind.
-TEST(BackupReader, FramesKeepTheLastElement) {
-    const std::string line = LineRecord(2, 2.7, 30, 20), hidden = Put(LineRecord(7, 7, 8, 8), {{1, "\x40"}});
-    const auto text = [](unsigned horizontal, unsigned vertical) {
-        return CountedTextRecord({10, 15, 3, 2, .5, 0}, Justified(horizontal, vertical), 5);
-    };
-    const Stroke drawn = LineStroke(0, 2, 2.7, 30, 20), keepsX = FrameStroke(2, 15, 30, 18, 10, 15);
-    EXPECT_EQ(Elements(line + text(3, 0)), Rendered(40, 30, {drawn, keepsX}));
-    EXPECT_EQ(Elements(line + hidden + text(3, 0)), Rendered(40, 30, {drawn, keepsX}));
-    EXPECT_EQ(Elements(line + text(0, 3)), Rendered(40, 30, {drawn, FrameStroke(10, 2.7, 22.5, 20, 10, 15)}));
-    EXPECT_EQ(Elements(ArcRecord(20, 15, 8, 0, 90) + text(3, 0)),
-              Rendered(40, 30, {ArcStroke(0, 20, 15, 8, 0, 90), FrameStroke(20, 15, 8, 18, 10, 15)}));
 }
 
 // Lines have no end marks of their own: the word holds the low half of what the last arc's end angle left there.

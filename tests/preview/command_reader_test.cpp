@@ -15,37 +15,22 @@ static std::string Show(const std::string& path) {
     return TakePicture(PreviewCommandFile(0, path.c_str(), &kTarget, nullptr, 0));
 }
 
-// Makes a folder the current one for the length of a scope.
-struct CurrentFolder {
-    char before[MAX_PATH] = "";
-    explicit CurrentFolder(const std::string& path) {
-        GetCurrentDirectoryA(sizeof(before), before);
-        SetCurrentDirectoryA(path.c_str());
-    }
-    ~CurrentFolder() { SetCurrentDirectoryA(before); }
-    CurrentFolder(const CurrentFolder&) = delete;
-    CurrentFolder& operator=(const CurrentFolder&) = delete;
-};
-
 static const std::string kKey = "DIALOG_PREVIEW";
 static std::string Line(const std::string& path) { return kKey + " \"" + path + "\"\r\n"; }
+
+static const std::string kDrawing = DxfDrawing(16, 8, "0 LINE|10 2|20 2.7|11 9|21 2.7");
 
 TEST(CommandReader, FollowsTheLine) {
     const TempFolder folder;
     const std::string sub = folder.MakeFolder("sub"), elsewhere = folder.MakeFolder("elsewhere");
-    const std::string records = LineRecord(2, 2.7, 9, 2.7),
-                      drawing = DxfDrawing(16, 8, "0 LINE|10 2|20 2.7|11 9|21 2.7");
-    const std::string other = DxfDrawing(16, 8, "0 LINE|10 3|20 5.7|11 12|21 5.7");
-    folder.Write("part.dxf", drawing);
-    folder.Write("sub\\part.dxf", drawing);
+    const std::string records = LineRecord(2, 2.7, 9, 2.7), other = DxfDrawing(16, 8, "0 POINT|10 3|20 5.7");
+    for (const char* name : {"part.dxf", "sub\\part.dxf", "a b'c.dxf"}) folder.Write(name, kDrawing);
     folder.Write("part.qa", NativeFile(kEditionA, 16, 8, records));
     folder.Write("part.lms", NativeFile(kEditionB, 16, 8, records));
     folder.Write("part.exf", "AR 0,0,16,8\nGL 0,2,2.7,9,2.7,0\n");
     folder.Write("part.lbk", BackupFile(16, 8, records));
     folder.Write("part.txt", "text");
     folder.Write("part.bmp", BitmapFile(1, 1, 24, "", std::string(4, '\0')));
-    folder.Write("a b'c.dxf", drawing);
-    folder.Write("other.dxf", other);
     folder.Write("elsewhere\\part.dxf", other);
     folder.Write("part.cmd", Line("part.dxf"));
     const auto padded = [&](std::size_t size) {  // the same file, its path that long
@@ -55,10 +40,7 @@ TEST(CommandReader, FollowsTheLine) {
         return path.insert(folder.path.size(), pad);
     };
     const std::string part = Line("part.dxf");
-    const struct {
-        std::string text;
-        bool drawn;
-    } cases[] = {
+    const std::pair<std::string, bool> cases[] = {
         // clang-format off
         {part, true}, {Line("sub\\part.dxf"), true}, {Line("sub/part.dxf"), true}, {Line("sub\\..\\part.dxf"), true},
         {Line(".\\part.dxf"), true}, {Line(folder.At("part.dxf")), true}, {Line(folder.At("part.dxf").substr(2)), true},
@@ -85,70 +67,56 @@ TEST(CommandReader, FollowsTheLine) {
     const std::string command = folder.At("a.cmd");
     const std::string expected = TakePicture(ReadDxfPreview(0, folder.At("part.dxf").c_str(), &kTarget, nullptr, 0));
     ASSERT_TRUE(HasInk(expected));
+    char before[MAX_PATH] = "", now[MAX_PATH] = "";
+    GetCurrentDirectoryA(sizeof(before), before);
     for (const std::string& from : {elsewhere, folder.path}) {
-        const CurrentFolder current(from);
-        for (const auto& c : cases) {
-            folder.Write("a.cmd", c.text);
-            EXPECT_EQ(Show(command), c.drawn ? expected : "") << c.text.substr(0, 300);
-            char now[MAX_PATH] = "";
-            GetCurrentDirectoryA(sizeof(now), now);
-            EXPECT_EQ(now, from);
+        SetCurrentDirectoryA(from.c_str());
+        for (const auto& [text, isDrawn] : cases) {
+            folder.Write("a.cmd", text);
+            EXPECT_EQ(Show(command), isDrawn ? expected : "") << text.substr(0, 300);
         }
+        GetCurrentDirectoryA(sizeof(now), now);
+        EXPECT_EQ(now, from);
     }
-    EXPECT_FALSE(PreviewCommandFile(0, nullptr, &kTarget, nullptr, 0));
-    const CurrentFolder current(folder.path);
     EXPECT_EQ(Show("part.cmd"), expected) << "a command file in the current directory";
     folder.Write("sub\\up.cmd", Line("..\\part.dxf"));
     EXPECT_EQ(Show("sub\\up.cmd"), expected) << "in a folder below";
+    EXPECT_FALSE(PreviewCommandFile(0, nullptr, &kTarget, nullptr, 0));
+    SetCurrentDirectoryA(before);
 }
 
 // Folders whose name ends in a byte that stands for half a character in another language, and folders far down.
 TEST(CommandReader, Folders) {
     const TempFolder folder;
-    const std::string drawing = DxfDrawing(16, 8, "0 LINE|10 2|20 2.7|11 9|21 2.7");
     const std::string special = GetACP() == 932 ? "\x83\x5c" : "Ren\xe9";
     folder.MakeFolder(special);
-    const std::string named = folder.Write(special + "\\" + special + ".dxf", drawing);
-    folder.Write(special + "\\part.dxf", drawing);
+    folder.Write(special + "\\" + special + ".dxf", kDrawing);
+    folder.Write(special + "\\part.dxf", kDrawing);
     folder.Write(special + "\\a.cmd", Line("part.dxf"));
     folder.Write(special + "\\b.cmd", Line(special + ".dxf"));
-    EXPECT_TRUE(HasInk(TakePicture(ReadDxfPreview(0, named.c_str(), &kTarget, nullptr, 0))));
     EXPECT_TRUE(HasInk(Show(folder.At(special + "\\a.cmd")))) << "beside the command file";
     EXPECT_TRUE(HasInk(Show(folder.At(special + "\\b.cmd")))) << "a name that ends in such a byte";
     const std::string deep = std::string(80, 'd') + "\\" + std::string(80, 'e'), side(60, 's');
-    folder.MakeFolder(std::string(80, 'd'));
-    folder.MakeFolder(deep);
-    folder.MakeFolder(side);
-    folder.Write(side + "\\part.dxf", drawing);
+    for (const std::string& name : {std::string(80, 'd'), deep, side}) folder.MakeFolder(name);
+    folder.Write(side + "\\part.dxf", kDrawing);
     folder.Write(deep + "\\a.cmd", Line("..\\..\\" + side + "\\part.dxf"));
     EXPECT_TRUE(HasInk(Show(folder.At(deep + "\\a.cmd")))) << "too long only until the path is resolved";
 }
 
 TEST(CommandReader, Comment) {
-    const std::string tooLong = Line(std::string(300, 'x'));
-    const struct {
-        std::string text;
-        std::size_t size;
-        std::string comment;
-    } cases[] = {
-        // clang-format off
-        {"REM\r\n\r\n" + Line("x") + "END\n", 100, "REM\r\r\nDIALOG_PREVIEW \"x\"\r\r\nEND\r\r\n"},
-        {"0123456789\nabc\n01234567890123456789\n", 10, "abc\r\r\n"},  // later, shorter lines still fit
-        {"abc\ndef\n", 14, "abc\r\r\ndef\r\r\n"}, {"abc\ndef\n", 13, "abc\r\r\n"}, {"a\n", 5, ""}, {"a\n", 1, ""}, {"", 9, ""},
-        {tooLong, 400, tooLong.substr(0, tooLong.size() - 2) + "\r\r\n"}, {"\x83\x0a\x62\n\x83\x5c\n", 100, "\x83\x0a\x62\r\r\n\x83\x5c\r\r\n"},
-        // clang-format on
-    };
     const TempFolder folder;
-    for (const auto& c : cases) {
-        const GuardBlock comment(c.size);  // zero, as its callers have it
-        EXPECT_FALSE(PreviewCommandFile(0, folder.Write("a.cmd", c.text).c_str(), nullptr, comment.Text(),
-                                        static_cast<DWORD>(c.size)));
-        EXPECT_EQ(std::string(comment.Text(), c.size), c.comment + std::string(c.size - c.comment.size(), '\0'))
-            << c.text;
-    }
+    const auto comment = [&](const std::string& text, DWORD size) {
+        const GuardBlock out(size);  // zero, as its callers have it
+        PreviewCommandFile(0, folder.Write("a.cmd", text).c_str(), nullptr, out.Text(), size);
+        return std::string(out.Text(), strnlen(out.Text(), size));
+    };
+    const std::string tooLong = Line(std::string(300, 'x')), text = "REM\r\n\r\n" + Line("x") + "END\n";
+    EXPECT_EQ(comment(text, 100), "REM\r\r\nDIALOG_PREVIEW \"x\"\r\r\nEND\r\r\n");
+    EXPECT_EQ(comment(text, 20), "REM\r\r\nEND\r\r\n") << "what fits";
+    EXPECT_EQ(comment(tooLong, 400), tooLong.substr(0, tooLong.size() - 2) + "\r\r\n");
     folder.Write("part.qa", Put(NativeFile(kEditionA, 9, 9, ""), {{106, "name"}}));
-    char comment[100] = "";
+    char out[100] = "";
     const std::string path = folder.Write("a.cmd", Line("part.qa"));
-    EXPECT_NE(TakePicture(PreviewCommandFile(0, path.c_str(), &kTarget, comment, sizeof(comment))), "");
-    EXPECT_STREQ(comment, "DIALOG_PREVIEW \"part.qa\"\r\r\n") << "the drawing's title block stays out of it";
+    EXPECT_NE(TakePicture(PreviewCommandFile(0, path.c_str(), &kTarget, out, sizeof(out))), "");
+    EXPECT_STREQ(out, "DIALOG_PREVIEW \"part.qa\"\r\r\n") << "the drawing's title block stays out of it";
 }

@@ -2,19 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include "support/guard_block.h"
+#include "support/drawings.h"
 #include "support/picture.h"
 #include "support/samples.h"
-#include "support/temp_folder.h"
 
-static const TempFolder& Folder() {
-    static const TempFolder folder;
-    return folder;
-}
-
-static std::string Shown(const std::string& dxf, RECT target = {0, 0, 16, 8}, DWORD mode = 0) {
-    const std::string path = Folder().Write("a.dxf", dxf);
-    return TakePicture(ReadDxfPreview(mode, path.c_str(), &target, nullptr, 0));
+static std::string Shown(const std::string& dxf, int width = 16, int height = 8, DWORD mode = 0) {
+    return Drawn(ReadDxfPreview, dxf, width, height, mode);
 }
 
 // The picture of entities on a sheet of 16 x 8 units, one pixel each.
@@ -23,15 +16,11 @@ static std::string Entities(const std::string& entities) { return Shown(DxfDrawi
 static const std::string kLower = "0 LINE|10 2|20 2.7|11 9|21 2.7";
 static const std::string kUpper = "0 LINE|10 3|20 5.7|11 12|21 5.7";
 static const std::string kWide = "0 LINE|10 0|20 2.7|11 100|21 2.7|6 ";  // a line type follows
-static const std::string kBlank =
-    Picture("................", "................", "................", "................", "................",
-            "................", "................", "................");
-
-static std::string Rows(const std::string& upper, const std::string& lower) {  // where the two lines stand
-    std::string picture = kBlank;
-    return picture.replace(3 * 17, 16, upper).replace(6 * 17, 16, lower);
-}
 static const std::string kNone = "................", kLowerRow = "..#######.......", kUpperRow = "...#########....";
+static std::string Rows(const std::string& upper, const std::string& lower) {  // where the two lines stand
+    return Picture(kNone, kNone, kNone, upper, kNone, kNone, lower, kNone);
+}
+static const std::string kBlank = Rows(kNone, kNone);
 
 TEST(DxfReader, Entities) {
     const std::string line = Rows(kNone, kLowerRow), both = Rows(kUpperRow, kLowerRow);
@@ -61,7 +50,7 @@ TEST(DxfReader, Entities) {
 }
 
 TEST(DxfReader, SameDrawings) {
-    const auto wide = [](const std::string& e) { return Shown(DxfDrawing(100, 8, e), {0, 0, 100, 8}); };
+    const auto wide = [](const std::string& e) { return Shown(DxfDrawing(100, 8, e), 100, 8); };
     const std::string circle = "0 CIRCLE|10 8|20 4.2|40 3";
     const struct {
         const char* what;
@@ -72,14 +61,11 @@ TEST(DxfReader, SameDrawings) {
         {"a negative radius", circle, "0 CIRCLE|10 8|20 4.2|40 -3"},
         {"a circle without its x takes what stands there", circle, "0 INSERT|10 8|0 CIRCLE|20 4.2|40 3"},
         {"an arc too", "0 ARC|10 8|20 1.2|40 5|50 0|51 180", "0 INSERT|10 8|0 ARC|20 1.2|40 5|50 0|51 180"},
-        {"line types by the beginning of the name", kWide + "CENTER", kWide + "CENTERX2"},
+        {"by the beginning of the name", kWide + "CENTER", kWide + "CENTERX2"}, {"DOT", kWide + "DOT", kWide + "DOTTED"},
         {"DASHDOT comes before DASHED and DOT", kWide + "CENTER", kWide + "DASHDOT2"},
-        {"DOT", kWide + "DOT", kWide + "DOTTED"},
-        {"unknown line types are solid", kWide, kWide + "BYLAYER"},
-        {"CONTINUOUS", kWide, kWide + "CONTINUOUS2"},
-        {"PHANTOM and DIVIDE", kWide + "PHANTOM", kWide + "DIVIDE"},
+        {"unknown ones are solid", kWide, kWide + "BYLAYER"}, {"CONTINUOUS", kWide, kWide + "CONTINUOUS2"},
+        {"PHANTOM and DIVIDE", kWide + "PHANTOM", kWide + "DIVIDE"}, {"BORDER", kWide + "BORDER", kWide + "CENTER"},
         {"the line type ends with its entity", kWide + "DOT|" + kUpper, kUpper + "|" + kWide + "DOT"},
-        {"BORDER", kWide + "BORDER", kWide + "CENTER"},
         // clang-format on
     };
     for (const auto& c : cases) {
@@ -131,7 +117,7 @@ TEST(DxfReader, TextPlacement) {
         return "0 TEXT|40 8|1 " + string + "|" + groups + "|";
     };
     const auto shown = [](const std::string& entities, DWORD mode) {
-        return Shown(DxfDrawing(80, 60, entities + "0 X"), {0, 0, 80, 60}, mode);
+        return Shown(DxfDrawing(80, 60, entities + "0 X"), 80, 60, mode);
     };
     const struct {
         const char* what;
@@ -144,8 +130,7 @@ TEST(DxfReader, TextPlacement) {
         {"right", text("10 40.2|20 30.2|72 2"), text("10 8.2|20 30.2"), 0},
         {"centred with a width factor", text("10 40.2|20 30.2|72 1|41 .5"), text("10 32.2|20 30.2|41 .5"), 0},
         {"bottom as baseline", text("10 9.2|20 30.2|73 1"), text("10 9.2|20 30.2"), 0},
-        {"middle", text("10 9.2|20 30.2|73 2"), text("10 9.2|20 26.2"), 0},
-        {"top", text("10 9.2|20 30.2|73 3"), text("10 9.2|20 22.2"), 0},
+        {"middle", text("10 9.2|20 30.2|73 2"), text("10 9.2|20 26.2"), 0}, {"top", text("10 9.2|20 30.2|73 3"), text("10 9.2|20 22.2"), 0},
         {"centred along a turned line", text("10 40.2|20 30.2|72 1|50 90"), text("10 40.2|20 14.2|50 90"), 0},
         {"an unknown justification keeps the last x", text("10 9.2|20 40.2") + text("10 30.2|20 20.2|72 7"),
          text("10 9.2|20 40.2") + text("10 9.2|20 20.2"), 0},
@@ -178,43 +163,18 @@ TEST(DxfReader, Comment) {
         std::size_t size;
         std::string comment;
     } cases[] = {
+        // clang-format off
         {"every line with a soft break", "one\r\n;two\n\n three\n", 100, "one\r\r\n;two\r\r\n three\r\r\n"},
         {"an empty first line", "\r\none\n", 100, "\r\r\none\r\r\n"},
         {"later, shorter lines still fit", "0123456789\nabc\n01234567890123456789\n", 10, "abc\r\r\n"},
         {"room for the last byte", "abc\ndef\n", 14, "abc\r\r\ndef\r\r\n"},
-        {"one byte less", "abc\ndef\n", 13, "abc\r\r\n"},
+        {"one byte less", "abc\ndef\n", 13, "abc\r\r\n"}, {"none", "a\n", 1, ""},
         {"a two-byte character that holds a line end", "\x83\x0a\x62\nb\n", 100, "\x83\x0a\x62\r\r\nb\r\r\n"},
         {"up to the end of the drawing", "a\nEOF\nb\n", 100, "a\r\r\nEOF\r\r\n"},
-        {"none", "a\n", 1, ""},
+        // clang-format on
     };
-    const RECT target = {0, 0, 4, 4};
-    for (const auto& c : cases) {
-        const GuardBlock comment(std::string(c.size, '#'));
-        const std::string path = Folder().Write("a.dxf", c.text);
-        const UniqueBitmap bitmap(ReadDxfPreview(0, path.c_str(), &target, comment.Text(), static_cast<DWORD>(c.size)));
-        EXPECT_EQ(std::string(comment.Text(), c.size), c.comment + std::string(c.size - c.comment.size(), '\0'))
-            << c.what;
-    }
+    for (const auto& c : cases) EXPECT_EQ(CommentOf(ReadDxfPreview, c.text, c.size, true), c.comment) << c.what;
     char cleared[3] = "##";
-    EXPECT_FALSE(ReadDxfPreview(0, Folder().At("missing").c_str(), &target, cleared, 3));
+    EXPECT_FALSE(ReadDxfPreview(0, "missing", nullptr, cleared, 3));
     EXPECT_STREQ(cleared, "");
-    EXPECT_FALSE(ReadDxfPreview(2, Folder().Write("a.dxf", "a\n").c_str(), nullptr, nullptr, 0)) << "no target";
-    EXPECT_EQ(PreviewCancel(-1), 0);
-}
-
-static void ReadInThread(void* parameter) {
-    const RECT target = {0, 0, 30, 20};
-    const HBITMAP bitmap = ReadDxfPreview(2, Folder().At("large.dxf").c_str(), &target, nullptr, 0);
-    InterlockedExchange(static_cast<volatile LONG*>(parameter), bitmap ? 2 : 0);
-    if (bitmap) DeleteObject(bitmap);
-}
-
-TEST(DxfReader, Cancel) {
-    std::string lines;
-    for (int i = 0; i < 60000; ++i) lines += Dxf(kLower);
-    Folder().Write("large.dxf", Dxf("0 SECTION|2 ENTITIES") + lines);
-    volatile LONG state = 1;
-    ASSERT_TRUE(StartModuleThread(ReadInThread, const_cast<LONG*>(&state)));
-    while (state == 1) PreviewCancel(0);
-    EXPECT_EQ(state, 0) << "a cancelled run gives no bitmap";
 }

@@ -97,6 +97,13 @@ DialogStep Check(std::function<void(HWND dialog)> look) {
     };
 }
 
+void SelectLine(HWND dialog, int listId, int line, int notification) {
+    const HWND list = FindControl(dialog, listId);
+    SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(line), 0);
+    SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(MAKELONG(listId, notification)),
+                 reinterpret_cast<LPARAM>(list));
+}
+
 struct ControlSearch {
     int id;
     const char* className;  // null: any
@@ -157,12 +164,4 @@ bool SelectListedFile(HWND dialog, const std::string& name) {
 
 PaneContents ReadPane(HWND dialog) {
     return {ControlPicture(dialog, IDC_PREVIEW_PICTURE), ControlText(dialog, IDC_PREVIEW_COMMENT)};
-}
-
-void PumpMessages() {
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
 }

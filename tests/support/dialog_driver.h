@@ -22,6 +22,9 @@ DialogStep TypeFileName(std::string text);  // into the file-name field of a fil
 DialogStep SelectFile(std::string name);    // in the list of an Explorer-style dialog, as soon as it is listed there
 DialogStep Check(std::function<void(HWND dialog)> look);
 
+// Selects a line of a list box as a user does: the list box tells its dialog.
+void SelectLine(HWND dialog, int listId, int line, int notification = LBN_SELCHANGE);
+
 // A control by its id anywhere below the dialog; null when there is none.
 HWND FindControl(HWND dialog, int id);
 HWND FileNameField(HWND dialog);  // of a file dialog of either style; null when the dialog is none
@@ -39,6 +42,3 @@ struct PaneContents {
     std::string picture, comment;
 };
 PaneContents ReadPane(HWND dialog);
-
-// Lets the messages that wait flow.
-void PumpMessages();

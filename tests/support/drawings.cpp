@@ -82,6 +82,12 @@ std::string CommentOf(PreviewReader reader, const std::string& file, std::size_t
     return comment;
 }
 
+Stroke PointStroke(double x, double y) {
+    Stroke stroke = {0, {}};
+    stroke.primitive.SetPoint(x, y);
+    return stroke;
+}
+
 Stroke LineStroke(unsigned pen, double x1, double y1, double x2, double y2, std::uint32_t marks) {
     Stroke stroke = {pen, {}};
     stroke.primitive.SetLine(x1, y1, x2, y2);

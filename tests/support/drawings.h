@@ -60,6 +60,7 @@ struct Stroke {
     unsigned pen;
     PreviewPrimitive primitive;
 };
+Stroke PointStroke(double x, double y);
 Stroke LineStroke(unsigned pen, double x1, double y1, double x2, double y2, std::uint32_t marks = 0);
 Stroke ArcStroke(unsigned pen, double x, double y, double radius, double start, double end, std::uint32_t marks = 0);
 Stroke FrameStroke(double x1, double y1, double x2, double y2, double centreX, double centreY, double angle = 0);

@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <gtest/gtest.h>
+
 static BOOL CALLBACK CountChild(HWND, LPARAM count) { return ++*reinterpret_cast<int*>(count); }
 
 static BOOL CALLBACK CountWindow(HWND window, LPARAM count) {
@@ -40,4 +42,24 @@ HandleCounts CountHandles() {
     GetProcessHandleCount(process, &kernel);
     return {gdi ? static_cast<int>(gdi) : CountGdiObjects(), user ? static_cast<int>(user) : CountWindowsAndMenus(),
             kernel ? static_cast<int>(kernel) : CountKernelHandles()};
+}
+
+void ExpectNothingLeft(const HandleCounts& before, int most) {
+    const HandleCounts after = CountHandles();
+    EXPECT_LE(after.gdi, before.gdi + most);
+    EXPECT_LE(after.user, before.user + most);
+    EXPECT_LE(after.kernel, before.kernel + most);
+}
+
+int CountHeapBlocks() {
+    HANDLE heaps[64];
+    const DWORD count = GetProcessHeaps(64, heaps);
+    int blocks = 0;
+    for (DWORD i = 0; i < count && i < 64; ++i) {
+        PROCESS_HEAP_ENTRY entry = {};
+        HeapLock(heaps[i]);
+        while (HeapWalk(heaps[i], &entry)) blocks += entry.wFlags & PROCESS_HEAP_ENTRY_BUSY ? 1 : 0;
+        HeapUnlock(heaps[i]);
+    }
+    return blocks;
 }

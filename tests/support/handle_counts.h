@@ -8,3 +8,9 @@ struct HandleCounts {
 };
 
 HandleCounts CountHandles();
+
+// Fails the test when the process holds more than `most` objects of a kind on top of `before`.
+void ExpectNothingLeft(const HandleCounts& before, int most);
+
+// Blocks in use in all heaps.
+int CountHeapBlocks();

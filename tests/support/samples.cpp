@@ -2,9 +2,9 @@
 
 #include <windows.h>
 
-#include <cstring>
 #include <random>
 
+#include "support/drawings.h"
 #include "support/temp_folder.h"
 
 std::string Dxf(const std::string& pairs) {
@@ -29,23 +29,12 @@ std::string BytesAt(std::size_t size, std::initializer_list<std::pair<std::size_
     return bytes;
 }
 
-template <typename T>
-static std::string Raw(const T& record) {
-    return {reinterpret_cast<const char*>(&record), sizeof(record)};
-}
-
 std::string BitmapFile(int width, int height, int bitsPerPixel, const std::string& palette, const std::string& pixels) {
-    BITMAPFILEHEADER file = {};
-    BITMAPINFOHEADER info = {};
-    std::memcpy(&file.bfType, "BM", 2);
-    file.bfOffBits = static_cast<DWORD>(sizeof(file) + sizeof(info) + palette.size());
-    file.bfSize = file.bfOffBits + static_cast<DWORD>(pixels.size());
-    info.biSize = sizeof(info);
-    info.biWidth = width;
-    info.biHeight = height;
-    info.biPlanes = 1;
-    info.biBitCount = static_cast<WORD>(bitsPerPixel);
-    info.biClrUsed = static_cast<DWORD>(palette.size() / 4);
+    const auto offset = static_cast<DWORD>(sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER) + palette.size());
+    const BITMAPFILEHEADER file = {0x4D42, offset + static_cast<DWORD>(pixels.size()), 0, 0, offset};  // "BM"
+    const auto colors = static_cast<DWORD>(palette.size() / 4);
+    const BITMAPINFOHEADER info = {sizeof(info), width, height, 1, static_cast<WORD>(bitsPerPixel), BI_RGB, 0, 0, 0,
+                                   colors,       0};
     return Raw(file) + Raw(info) + palette + pixels;
 }
 
