@@ -29,19 +29,15 @@ TEST(DxfReader, Entities) {
         std::string entities, picture;
     } cases[] = {
         // clang-format off
-        {"line", kLower, line}, {"lines", kLower + "|" + kUpper, both},
+        {"lines", kLower + "|" + kUpper, both},
         {"points", "0 POINT|10 2|20 2.7|0 POINT|10 15|20 5.7", Rows("...............#", "..#.............")},
         {"what lacks a group is dropped",
          "0 LINE|10 2|20 2.7|11 9|0 POINT|10 3|0 ARC|10 8|20 4|40 3|50 0|0 TEXT|10 1|20 1|40 5|" + kLower, line},
         {"slots of a dropped item do not count", "0 LINE|10 2|20 2.7|0 LINE|11 9|21 2.7|0 POINT", kBlank},
         {"unknown entities", "0 INSERT|10 1|20 1|11 5|21 5|" + kLower + "|0 SPLINE|10 1|20 1", line},
-        {"blanks and a sign before a number", "0 LINE|10   +2|20 2.7e0|11  9.0|21 0.27E1", line},
         {"what is no number is 0", "0 POINT|10 abc|20 2.7", Rows(kNone, "#...............")},
-        {"letters that differ in case", "0 line|10 2|20 2.7|11 9|21 2.7", kBlank},
         {"longer names", "0 LINEX|10 2|20 2.7|11 9|21 2.7", line},
-        {"comments and empty lines change nothing", "0 LINE|10 2|999 LINE|999 EOF?no|20 2.7|11 9|21 2.7", kBlank},
-        {"layers may be called anything but a keyword", "0 LINE|8 10|10 2|20 2.7|11 9|21 2.7", line},
-        {"a value that begins like a keyword is one", kLower + "|1 EOFX|" + kUpper, Rows(kNone, kNone)},
+        {"a value that begins like a keyword is one", kLower + "|1 EOFX|" + kUpper, kBlank},
         {"the end of the section", kLower + "|0 ENDSEC|" + kUpper, line},
         {"the end of the file", kLower + "|0 EOF|" + kUpper, line},
         // clang-format on
@@ -60,11 +56,8 @@ TEST(DxfReader, SameDrawings) {
         {"circle and arc", circle, "0 ARC|10 8|20 4.2|40 3|50 0|51 360"},
         {"a negative radius", circle, "0 CIRCLE|10 8|20 4.2|40 -3"},
         {"a circle without its x takes what stands there", circle, "0 INSERT|10 8|0 CIRCLE|20 4.2|40 3"},
-        {"an arc too", "0 ARC|10 8|20 1.2|40 5|50 0|51 180", "0 INSERT|10 8|0 ARC|20 1.2|40 5|50 0|51 180"},
-        {"by the beginning of the name", kWide + "CENTER", kWide + "CENTERX2"}, {"DOT", kWide + "DOT", kWide + "DOTTED"},
-        {"DASHDOT comes before DASHED and DOT", kWide + "CENTER", kWide + "DASHDOT2"},
-        {"unknown ones are solid", kWide, kWide + "BYLAYER"}, {"CONTINUOUS", kWide, kWide + "CONTINUOUS2"},
-        {"PHANTOM and DIVIDE", kWide + "PHANTOM", kWide + "DIVIDE"}, {"BORDER", kWide + "BORDER", kWide + "CENTER"},
+        {"line types by the beginning of the name", kWide + "CENTER", kWide + "CENTERX2"},
+        {"unknown ones are solid", kWide, kWide + "BYLAYER"},
         {"the line type ends with its entity", kWide + "DOT|" + kUpper, kUpper + "|" + kWide + "DOT"},
         // clang-format on
     };
@@ -72,12 +65,10 @@ TEST(DxfReader, SameDrawings) {
         EXPECT_EQ(wide(c.a), wide(c.b)) << c.what;
         EXPECT_TRUE(HasInk(wide(c.a))) << c.what;
     }
-    std::string seen;  // DASHDOT, DIVIDE, DASHED, DOT, HIDDEN and solid are six different lines
-    for (const char* name : {"CENTER", "PHANTOM", "DASHED", "DOT", "HIDDEN", "CONTINUOUS"}) {
-        const std::string row = wide(kWide + name).substr(6 * 101, 101);
-        EXPECT_EQ(seen.find(row), std::string::npos) << name;
-        seen += row;
-    }
+    const std::pair<const char*, unsigned> pens[] = {
+        {"DASHED", 2}, {"CENTER", 3}, {"PHANTOM", 4}, {"DOT", 5}, {"HIDDEN", 6}};
+    for (const auto& [name, pen] : pens)
+        EXPECT_EQ(wide(kWide + name), Rendered(100, 8, {LineStroke(pen, 0, 2.7, 100, 2.7)})) << name;
 }
 
 TEST(DxfReader, SectionsAndExtents) {
@@ -90,10 +81,8 @@ TEST(DxfReader, SectionsAndExtents) {
         // clang-format off
         {"before the entities nothing is drawn", extents + kUpper + "|0 ENDSEC|" + open + kLower + "|0 EOF", line},
         {"no end is an end", extents + open + kLower + "|0 X", line},
-        {"an item that nothing completes", extents + open + kLower + "|0 X|" + kUpper, line},
         {"the first complete pair counts",
          extents + "9 $EXTMIN|10 4|20 4|9 $EXTMAX|10 99|20 99|" + open + kLower + "|0 X", line},
-        {"before it, the later minimum", "9 $EXTMIN|10 7|20 7|" + extents + open + kLower + "|0 X", line},
         {"an incomplete maximum", "9 $EXTMAX|10 99|" + extents + open + kLower + "|0 X", line},
         {"a maximum alone begins at 0", "9 $EXTMAX|10 16|20 8|" + open + kLower + "|0 X", line},
         {"among the entities they wipe what stood there",
@@ -105,10 +94,8 @@ TEST(DxfReader, SectionsAndExtents) {
     EXPECT_EQ(Shown("0\nSECTION\n2\nENTITIES\n  0\nLINE\n10\n2\n20\n2.7\n11\n9\n21\n2.7\n  0\n"), Shown("x\n"))
         << "columns";
     std::string text = DxfDrawing(16, 8, kLower);
-    for (std::size_t at; (at = text.find("\r\n")) != std::string::npos;) text.replace(at, 2, "\n");
-    EXPECT_EQ(Shown(text), line) << "other line ends";
-    EXPECT_EQ(Shown(text.insert(text.find(" 10\n2\n") + 4, "; a remark\n\n\n")), line) << "remarks between the lines";
-    for (const std::string nothing : {"", "x", "\n\n"}) EXPECT_FALSE(HasInk(Shown(nothing))) << nothing;
+    text.insert(text.find(" 10\r\n2\r\n") + 5, "; a remark\n\n\n");
+    EXPECT_EQ(Shown(text), line) << "remarks between the lines";
 }
 
 // Texts, drawn alike when they must begin at the same place.
@@ -126,23 +113,17 @@ TEST(DxfReader, TextPlacement) {
     } cases[] = {
         // clang-format off
         {"defaults", text("10 40.2|20 30.2"), text("10 40.2|20 30.2|50 0|41 1|51 0|72 0|73 0"), 0},
-        {"centred: half of 4 x 8 to the left", text("10 40.2|20 30.2|72 1"), text("10 24.2|20 30.2"), 0},
         {"right", text("10 40.2|20 30.2|72 2"), text("10 8.2|20 30.2"), 0},
         {"centred with a width factor", text("10 40.2|20 30.2|72 1|41 .5"), text("10 32.2|20 30.2|41 .5"), 0},
         {"bottom as baseline", text("10 9.2|20 30.2|73 1"), text("10 9.2|20 30.2"), 0},
-        {"middle", text("10 9.2|20 30.2|73 2"), text("10 9.2|20 26.2"), 0}, {"top", text("10 9.2|20 30.2|73 3"), text("10 9.2|20 22.2"), 0},
+        {"top", text("10 9.2|20 30.2|73 3"), text("10 9.2|20 22.2"), 0},
         {"centred along a turned line", text("10 40.2|20 30.2|72 1|50 90"), text("10 40.2|20 14.2|50 90"), 0},
-        {"an unknown justification keeps the last x", text("10 9.2|20 40.2") + text("10 30.2|20 20.2|72 7"),
-         text("10 9.2|20 40.2") + text("10 9.2|20 20.2"), 0},
-        {"and y",
-         text("10 9.2|20 40.2") + text("10 30.2|20 20.2|73 9"), text("10 9.2|20 40.2") + text("10 30.2|20 40.2"), 0},
         {"frames stand at the point", text("10 40.2|20 30.2"),
          "0 LINE|6 HIDDEN|10 40.2|20 30.2|11 40.2|21 38.2|0 LINE|6 HIDDEN|10 40.2|20 38.2|11 72.2|21 38.2|"
          "0 LINE|6 HIDDEN|10 72.2|20 38.2|11 72.2|21 30.2|0 LINE|6 HIDDEN|10 72.2|20 30.2|11 40.2|21 30.2|", 1},
         {"%%d is one cell", text("10 9.2|20 9.2", "%%dabc"), text("10 9.2|20 9.2"), 1},
         {"%%065 is one", text("10 9.2|20 9.2", "abc%%065"), text("10 9.2|20 9.2"), 1},
-        {"a lone % is one each", text("10 9.2|20 9.2", "%ab%"), text("10 9.2|20 9.2"), 1},
-        {"a two-byte character is two", text("10 9.2|20 9.2", "\x83\x5c\x94\x5c"), text("10 9.2|20 9.2"), 1},
+        {"a lone % is one, a two-byte character two", text("10 9.2|20 9.2", "%\x83\x5c%"), text("10 9.2|20 9.2"), 1},
         {"cut off control codes", text("10 9.2|20 9.2", "abc%%"), text("10 9.2|20 9.2", "abcde"), 1},
         {"at most 127 characters", text("10 9.2|20 9.2|41 .01", std::string(500, 'a')),
          text("10 9.2|20 9.2|41 .01", std::string(127, 'a')), 1},
@@ -153,7 +134,6 @@ TEST(DxfReader, TextPlacement) {
         EXPECT_TRUE(HasInk(shown(c.a, c.mode))) << c.what;
     }
     EXPECT_NE(shown(text("10 9.2|20 9.2", "abcde"), 1), shown(text("10 9.2|20 9.2"), 1));
-    EXPECT_NE(shown(text("10 9.2|20 30.2|50 30"), 0), shown(text("10 9.2|20 30.2"), 0));
 }
 
 TEST(DxfReader, Comment) {
@@ -165,16 +145,11 @@ TEST(DxfReader, Comment) {
     } cases[] = {
         // clang-format off
         {"every line with a soft break", "one\r\n;two\n\n three\n", 100, "one\r\r\n;two\r\r\n three\r\r\n"},
-        {"an empty first line", "\r\none\n", 100, "\r\r\none\r\r\n"},
         {"later, shorter lines still fit", "0123456789\nabc\n01234567890123456789\n", 10, "abc\r\r\n"},
         {"room for the last byte", "abc\ndef\n", 14, "abc\r\r\ndef\r\r\n"},
         {"one byte less", "abc\ndef\n", 13, "abc\r\r\n"}, {"none", "a\n", 1, ""},
-        {"a two-byte character that holds a line end", "\x83\x0a\x62\nb\n", 100, "\x83\x0a\x62\r\r\nb\r\r\n"},
         {"up to the end of the drawing", "a\nEOF\nb\n", 100, "a\r\r\nEOF\r\r\n"},
         // clang-format on
     };
     for (const auto& c : cases) EXPECT_EQ(CommentOf(ReadDxfPreview, c.text, c.size, true), c.comment) << c.what;
-    char cleared[3] = "##";
-    EXPECT_FALSE(ReadDxfPreview(0, "missing", nullptr, cleared, 3));
-    EXPECT_STREQ(cleared, "");
 }
