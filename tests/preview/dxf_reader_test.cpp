@@ -10,39 +10,33 @@ static std::string Shown(const std::string& dxf, int width = 16, int height = 8,
     return Drawn(ReadDxfPreview, dxf, width, height, mode);
 }
 
-// The picture of entities on a sheet of 16 x 8 units, one pixel each.
-static std::string Entities(const std::string& entities) { return Shown(DxfDrawing(16, 8, entities)); }
-
 static const std::string kLower = "0 LINE|10 2|20 2.7|11 9|21 2.7";
 static const std::string kUpper = "0 LINE|10 3|20 5.7|11 12|21 5.7";
 static const std::string kWide = "0 LINE|10 0|20 2.7|11 100|21 2.7|6 ";  // a line type follows
-static const std::string kNone = "................", kLowerRow = "..#######.......", kUpperRow = "...#########....";
-static std::string Rows(const std::string& upper, const std::string& lower) {  // where the two lines stand
-    return Picture(kNone, kNone, kNone, upper, kNone, kNone, lower, kNone);
-}
-static const std::string kBlank = Rows(kNone, kNone);
+static const Stroke kLowerLine = LineStroke(0, 2, 2.7, 9, 2.7), kUpperLine = LineStroke(0, 3, 5.7, 12, 5.7);
 
 TEST(DxfReader, Entities) {
-    const std::string line = Rows(kNone, kLowerRow), both = Rows(kUpperRow, kLowerRow);
     const struct {
         const char* what;
-        std::string entities, picture;
+        std::string entities;
+        std::vector<Stroke> strokes;
     } cases[] = {
         // clang-format off
-        {"lines", kLower + "|" + kUpper, both},
-        {"points", "0 POINT|10 2|20 2.7|0 POINT|10 15|20 5.7", Rows("...............#", "..#.............")},
+        {"lines", kLower + "|" + kUpper, {kLowerLine, kUpperLine}},
+        {"points", "0 POINT|10 2|20 2.7|0 POINT|10 15|20 5.7", {PointStroke(2, 2.7), PointStroke(15, 5.7)}},
         {"what lacks a group is dropped",
-         "0 LINE|10 2|20 2.7|11 9|0 POINT|10 3|0 ARC|10 8|20 4|40 3|50 0|0 TEXT|10 1|20 1|40 5|" + kLower, line},
-        {"slots of a dropped item do not count", "0 LINE|10 2|20 2.7|0 LINE|11 9|21 2.7|0 POINT", kBlank},
-        {"unknown entities", "0 INSERT|10 1|20 1|11 5|21 5|" + kLower + "|0 SPLINE|10 1|20 1", line},
-        {"what is no number is 0", "0 POINT|10 abc|20 2.7", Rows(kNone, "#...............")},
-        {"longer names", "0 LINEX|10 2|20 2.7|11 9|21 2.7", line},
-        {"a value that begins like a keyword is one", kLower + "|1 EOFX|" + kUpper, kBlank},
-        {"the end of the section", kLower + "|0 ENDSEC|" + kUpper, line},
-        {"the end of the file", kLower + "|0 EOF|" + kUpper, line},
+         "0 LINE|10 2|20 2.7|11 9|0 POINT|10 3|0 ARC|10 8|20 4|40 3|50 0|0 TEXT|10 1|20 1|40 5|" + kLower,
+         {kLowerLine}},
+        {"slots of a dropped item do not count", "0 LINE|10 2|20 2.7|0 LINE|11 9|21 2.7|0 POINT", {}},
+        {"unknown entities", "0 INSERT|10 1|20 1|11 5|21 5|" + kLower + "|0 SPLINE|10 1|20 1", {kLowerLine}},
+        {"what is no number is 0", "0 POINT|10 abc|20 2.7", {PointStroke(0, 2.7)}},
+        {"longer names", "0 LINEX|10 2|20 2.7|11 9|21 2.7", {kLowerLine}},
+        {"a value that begins like a keyword is one", kLower + "|1 EOFX|" + kUpper, {}},
+        {"the end of the section", kLower + "|0 ENDSEC|" + kUpper, {kLowerLine}},
+        {"the end of the file", kLower + "|0 EOF|" + kUpper, {kLowerLine}},
         // clang-format on
     };
-    for (const auto& c : cases) EXPECT_EQ(Entities(c.entities), c.picture) << c.what;
+    for (const auto& c : cases) EXPECT_EQ(Shown(DxfDrawing(16, 8, c.entities)), Rendered(16, 8, c.strokes)) << c.what;
 }
 
 TEST(DxfReader, SameDrawings) {
@@ -73,25 +67,23 @@ TEST(DxfReader, SameDrawings) {
 
 TEST(DxfReader, SectionsAndExtents) {
     const std::string extents = "9 $EXTMIN|10 0|20 0|9 $EXTMAX|10 16|20 8|", open = "0 SECTION|2 ENTITIES|";
-    const std::string line = Rows(kNone, kLowerRow), a3 = "0 LINE|10 52.5|20 113.3|11 236.25|21 113.3|0 X";
-    const struct {
-        const char* what;
-        std::string pairs, picture;
-    } cases[] = {
+    const std::pair<const char*, std::string> cases[] = {
         // clang-format off
-        {"before the entities nothing is drawn", extents + kUpper + "|0 ENDSEC|" + open + kLower + "|0 EOF", line},
-        {"no end is an end", extents + open + kLower + "|0 X", line},
+        {"before the entities nothing is drawn", extents + kUpper + "|0 ENDSEC|" + open + kLower + "|0 EOF"},
+        {"no end is an end", extents + open + kLower + "|0 X"},
         {"the first complete pair counts",
-         extents + "9 $EXTMIN|10 4|20 4|9 $EXTMAX|10 99|20 99|" + open + kLower + "|0 X", line},
-        {"an incomplete maximum", "9 $EXTMAX|10 99|" + extents + open + kLower + "|0 X", line},
-        {"a maximum alone begins at 0", "9 $EXTMAX|10 16|20 8|" + open + kLower + "|0 X", line},
+         extents + "9 $EXTMIN|10 4|20 4|9 $EXTMAX|10 99|20 99|" + open + kLower + "|0 X"},
+        {"an incomplete maximum", "9 $EXTMAX|10 99|" + extents + open + kLower + "|0 X"},
+        {"a maximum alone begins at 0", "9 $EXTMAX|10 16|20 8|" + open + kLower + "|0 X"},
         {"among the entities they wipe what stood there",
-         open + "0 LINE|10 9|20 250|11 400|21 9|" + extents + kLower + "|0 X", line},
-        {"the default sheet", open + a3, Shown(Dxf("9 $EXTMIN|10 0|20 0|9 $EXTMAX|10 420|20 297|" + open + a3))},
+         open + "0 LINE|10 9|20 250|11 400|21 9|" + extents + kLower + "|0 X"},
         // clang-format on
     };
-    for (const auto& c : cases) EXPECT_EQ(Shown(Dxf(c.pairs) + "\n"), c.picture) << c.what;
-    EXPECT_EQ(Shown("0\nSECTION\n2\nENTITIES\n  0\nLINE\n10\n2\n20\n2.7\n11\n9\n21\n2.7\n  0\n"), Shown("x\n"))
+    const std::string line = Rendered(16, 8, {kLowerLine});
+    for (const auto& [what, pairs] : cases) EXPECT_EQ(Shown(Dxf(pairs) + "\n"), line) << what;
+    const std::string a3 = open + "0 LINE|10 52.5|20 113.3|11 236.25|21 113.3|0 X";
+    EXPECT_EQ(Shown(Dxf(a3)), Shown(Dxf("9 $EXTMIN|10 0|20 0|9 $EXTMAX|10 420|20 297|" + a3))) << "the default sheet";
+    EXPECT_FALSE(HasInk(Shown("0\nSECTION\n2\nENTITIES\n  0\nLINE\n10\n2\n20\n2.7\n11\n9\n21\n2.7\n  0\n")))
         << "columns";
     std::string text = DxfDrawing(16, 8, kLower);
     text.insert(text.find(" 10\r\n2\r\n") + 5, "; a remark\n\n\n");
@@ -113,7 +105,6 @@ TEST(DxfReader, TextPlacement) {
     } cases[] = {
         // clang-format off
         {"defaults", text("10 40.2|20 30.2"), text("10 40.2|20 30.2|50 0|41 1|51 0|72 0|73 0"), 0},
-        {"right", text("10 40.2|20 30.2|72 2"), text("10 8.2|20 30.2"), 0},
         {"centred with a width factor", text("10 40.2|20 30.2|72 1|41 .5"), text("10 32.2|20 30.2|41 .5"), 0},
         {"bottom as baseline", text("10 9.2|20 30.2|73 1"), text("10 9.2|20 30.2"), 0},
         {"top", text("10 9.2|20 30.2|73 3"), text("10 9.2|20 22.2"), 0},

@@ -29,11 +29,14 @@ TEST(NativeReader, Elements) {
         {"other kinds", type("\0\0") + type("\3\0") + type("\5\0") + type("\x10\0") + kUpper, {kUpperLine}},
         {"what hides", status("\1\0") + status("\0\x40") + status("\0\x80") + kUpper, {kUpperLine}},
         {"what does not", status("\xFE\x3F"), {kLowerLine}}, {"a filler as status", status("\xA5\x25"), {kLowerLine}},
+        {"pens and end marks", LineRecord(10, 50, 190, 50, 0x0A50) + ArcRecord(100, 10, 90, 20, 160, 0x1160),
+         {LineStroke(5, 10, 50, 190, 50, EndMarkWord(2, 1)), ArcStroke(6, 100, 10, 90, 20, 160, EndMarkWord(1, 2))}},
+        {"bits beside them", LineRecord(10, 50, 190, 50, 0xE40F), {LineStroke(0, 10, 50, 190, 50)}},
         // clang-format on
     };
     for (const auto& c : cases)
         for (const NativeEdition edition : {kEditionA, kEditionB})
-            EXPECT_EQ(Shown(NativeFile(edition, 16, 8, c.records), 16, 8), Rendered(16, 8, c.strokes))
+            EXPECT_EQ(Shown(NativeFile(edition, 200, 120, c.records), 200, 120), Rendered(200, 120, c.strokes))
                 << c.what << " " << edition;
 }
 
@@ -71,31 +74,11 @@ TEST(NativeReader, SheetAndOrigin) {
         for (const double number : sheet) numbers += Raw(number);
         return Put(NativeFile(kEditionB, 0, 0, records), {{0, start}, {32, numbers}});
     };
-    for (const DWORD mode : {0, 1}) {  // texts, frames
-        const std::string picture = Shown(file("", {100, 60}, 0, 0), 100, 60, mode);
-        EXPECT_TRUE(HasInk(picture));
-        EXPECT_EQ(Shown(file("LMOX", {1100, 560, 1000, 500, 7, 9}, 1000, 500), 100, 60, mode), picture);
-        EXPECT_EQ(Shown(file("LMOS", {100, 60, 77, 55, 70, 50}, 0, 0), 100, 60, mode), picture)
-            << "with an origin the sheet begins at (0, 0), whatever its minimum says";
-    }
-}
-
-TEST(NativeReader, PensAndEndMarks) {
-    const struct {
-        unsigned attributes, pen;
-        std::uint32_t marks;
-    } cases[] = {{0x010F, 0, EndMarkWord(1, 0)},
-                 {0x0A50, 5, EndMarkWord(2, 1)},
-                 {0x1160, 6, EndMarkWord(1, 2)},
-                 {0xE4F0, 15, EndMarkWord(0, 0)}};
-    for (const auto& c : cases) {
-        const std::string records =
-            LineRecord(10, 50, 190, 50, c.attributes) + ArcRecord(100, 10, 90, 20, 160, c.attributes);
-        const std::vector<Stroke> strokes = {LineStroke(c.pen, 10, 50, 190, 50, c.marks),
-                                             ArcStroke(c.pen, 100, 10, 90, 20, 160, c.marks)};
-        EXPECT_EQ(Shown(NativeFile(kEditionA, 200, 120, records), 200, 120), Rendered(200, 120, strokes))
-            << std::hex << c.attributes;
-    }
+    const std::string picture = Shown(file("", {100, 60}, 0, 0), 100, 60);
+    EXPECT_TRUE(HasInk(picture));
+    EXPECT_EQ(Shown(file("LMOX", {1100, 560, 1000, 500, 7, 9}, 1000, 500), 100, 60), picture);
+    EXPECT_EQ(Shown(file("LMOS", {100, 60, 77, 55, 70, 50}, 0, 0), 100, 60), picture)
+        << "with an origin the sheet begins at (0, 0), whatever its minimum says";
 }
 
 // Small letters in their full-width form.
@@ -188,17 +171,11 @@ TEST(NativeReader, TextFillers) {
     const auto text = [](const std::string& string, unsigned link) {
         return TextRecord({5, 30, 8, 4, 0, 0}, 0, string, link);
     };
-    const struct {
-        const char* what;
-        std::string records, text;
-    } cases[] = {
-        {"a text's own", filled(text("abcdefghij", 0)), Wide("abcdefghij")},
-        {"reached already", filled(ContinuationRecord(more)) + text(most, 1), Wide(most + more)},
-        {"not reached yet", text(most, 2) + filled(ContinuationRecord(more)),
-         Wide(most + more) + dot + dot + dot + dot},
+    const auto shown = [](const std::string& records) {
+        return Shown(NativeFile(kEditionA, 250, 60, records), 250, 60);
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(Shown(NativeFile(kEditionA, 250, 60, c.records), 250, 60),
-                  Rendered(250, 60, {TextStroke(5, 38, 8, 2, 0, 0, c.text)}))
-            << c.what;
+    const auto drawn = [](const std::string& wide) { return Rendered(250, 60, {TextStroke(5, 38, 8, 2, 0, 0, wide)}); };
+    EXPECT_EQ(shown(filled(ContinuationRecord(more)) + text(most, 1)), drawn(Wide(most + more)));
+    EXPECT_EQ(shown(text(most, 2) + filled(ContinuationRecord(more))),
+              drawn(Wide(most + more) + dot + dot + dot + dot));
 }

@@ -6,6 +6,7 @@
 #include <functional>
 #include <limits>
 #include <random>
+#include <set>
 #include <tuple>
 
 #include "frame/services.h"
@@ -40,7 +41,6 @@ TEST(ViewTransform, Fits) {
         {{0, 0, 100, 50}, {0, 0, 200, 200}, {0, -25, 100, 75}, 2},             // wide: bands above and below
         {{0, 0, 50, 100}, {0, 0, 200, 200}, {-25, 0, 75, 100}, 2},             // tall: bands left and right
         {{0, 0, 100, 100}, {10, 20, 60, 120}, {0, -50, 100, 150}, .5},         // a target away from 0
-        {kDefaultSheet, {0, 0, 210, 150}, {0, -1.5, 420, 298.5}, .5},
         // clang-format on
     };
     for (const auto& c : cases) {
@@ -54,8 +54,11 @@ TEST(ViewTransform, Fits) {
     }
     const ViewTransform view = {0, 0, 20, 10, 5, 7, 45, 27, 2, 2};  // each axis is rounded its own way
     const std::tuple<double, double, LONG, LONG> points[] = {
-        {0, 0, 5, 27},       {0.24, 0.25, 5, 27}, {0.25, 0.74, 6, 27}, {1, 0.75, 7, 26},
-        {-0.7, -0.2, 5, 27}, {-1, -1, 4, 29},     {20, 10, 45, 8},     {1e300, 0, INT32_MIN + 5, 27}};
+        {0.24, 0.25, 5, 27},
+        {0.25, 0.74, 6, 27},
+        {1, 0.75, 7, 26},
+        {-1, -1, 4, 29},
+        {1e300, 1e300, INT32_MIN + 5, INT32_MIN + 27}};  // beyond a number's range they wrap
     for (const auto& [x, y, column, row] : points) {
         const POINT p = MapPoint(view, x, y);
         EXPECT_TRUE(p.x == column && p.y == row) << x << " " << y;
@@ -70,13 +73,11 @@ TEST(ClipSegmentToWindow, Table) {
         double a, b, c, d;
     } cases[] = {
         // clang-format off
-        {1, 2, 3, 4, true, 1, 2, 3, 4}, {0, 0, 10, 10, true, 0, 0, 10, 10},                     // inside, on the edge
-        {-5, 5, 15, 5, true, 0, 5, 10, 5}, {5, -5, 5, 15, true, 5, 0, 5, 10},                   // through two edges
-        {15, 5, -5, 5, true, 10, 5, 0, 5}, {-5, -5, 15, 15, true, 0, 0, 10, 10},
-        {-5, 0, 5, 10, true, 0, 5, 5, 10}, {2, 12, 14, 0, true, 4, 10, 10, 4},
-        {-10, -5, 20, 25, true, 0, 5, 5, 10},                                                  // takes the second pass
-        {-5, 1, -1, 9, false, 0, 0, 0, 0}, {11, 1, 12, 9, false, 0, 0, 0, 0}, {1, 11, 9, 12, false, 0, 0, 0, 0},
-        {1, -1, 9, -2, false, 0, 0, 0, 0}, {-5, 8, 5, 20, false, 0, 0, 0, 0},  // 0 / 0
+        {0, 0, 10, 10, true, 0, 0, 10, 10},                                     // on the edge
+        {-5, 5, 15, 5, true, 0, 5, 10, 5}, {5, 15, 5, -5, true, 5, 10, 5, 0},   // through two edges
+        {-10, -5, 20, 25, true, 0, 5, 5, 10},                                   // takes the second pass
+        {-5, 1, -1, 9, false, 0, 0, 0, 0}, {1, 11, 9, 12, false, 0, 0, 0, 0},
+        {-5, 8, 5, 20, false, 0, 0, 0, 0},                                      // 0 / 0
         // clang-format on
     };
     for (auto c : cases) {
@@ -98,10 +99,6 @@ TEST(DrawPreviewPrimitive, Pictures) {
         // clang-format off
         {"points inside, on the edge and outside", {PointStroke(2, 2.5), PointStroke(0, 4), PointStroke(7.1, 2), PointStroke(3, -.1)},
          Picture("........", "#.......", "..#.....", ".......#")},
-        {"clipped line", {LineStroke(0, -4, 0, 12, 8)}, Picture("........", "...#....", ".##.....", "#.......")},
-        {"unknown marks", {LineStroke(0, 1, 2.5, 6, 2.5, EndMarkWord(3, 9))},
-         Picture("........", "........", ".#####..", "........")},
-        {"invisible lines", {LineStroke(0, -4, 0, -1, 4), LineStroke(0, 0, 5, 8, 5)}, blank},
         {"mark at the first, clipped end", {LineStroke(0, -90, 2.5, 90, 2.5, EndMarkWord(kMarkDot, 0))},
          Picture("##......", "###.....", "########", "###.....")},
         {"mark at the second end", {LineStroke(0, -90, 2.5, 90, 2.5, EndMarkWord(0, kMarkDot))},
@@ -130,9 +127,7 @@ TEST(DrawPreviewPrimitive, ArcsAndTextsAsGdiDrawsThem) {
     } cases[] = {
         // clang-format off
         {"circle", ArcStroke(0, 12, 10.7, 4, 0, 360), circle},
-        {"circle whose centre lies between two rows", ArcStroke(0, 12, 10.5, 4, 0, 360), circle},
         {"tiny arc, below 0 degrees at its start: goes all around", ArcStroke(0, 12, 10.7, 4, -1, 0), circle},
-        {"quarter", ArcStroke(0, 4, 4.7, 12, 0, 90), [](HDC dc) { Arc(dc, -8, 4, 16, 28, 16, 16, 4, 4); }},
         {"across 0 degrees", ArcStroke(0, 4, 10.7, 12, 330, 30), [](HDC dc) { Arc(dc, -8, -2, 16, 22, 14, 16, 14, 4); }},
         {"12 pixels are straight", ArcStroke(0, 4, 4.7, 7, 0, 90), line(11, 16, 4, 9)},
         {"13 are not", ArcStroke(0, 4, 4.7, 8, 0, 95), [](HDC dc) { Arc(dc, -4, 8, 12, 24, 12, 16, 3, 8); }},
@@ -155,35 +150,28 @@ TEST(DrawPreviewPrimitive, ArcsAndTextsAsGdiDrawsThem) {
 }
 
 TEST(DrawEndMark, Pictures) {
-    const auto mark = [](std::uint32_t code, double x, double y, double angle, double size) {
-        return OnCanvas(12, 8, [&](Canvas& c) { DrawEndMark(c.dc.get(), c.view, code, x, y, angle, size); });
+    const auto mark = [](std::uint32_t code, double x, double angle, double size) {
+        return OnCanvas(12, 8, [&](Canvas& c) { DrawEndMark(c.dc.get(), c.view, code, x, 4.7, angle, size); });
     };
     const std::string arrow = Picture("............", "............", ".......###..", "...#######..", ".#########..",
                                       "....######..", "........##..", "............");
     const std::string dot = Picture("............", "............", "....###.....", "...#####....", "...#####....",
                                     "...#####....", "....###.....", "............");
-    for (const double angle : {0, 360, -360}) EXPECT_EQ(mark(kMarkArrow, 1, 4.7, angle, 8), arrow);
-    EXPECT_EQ(mark(kMarkDot, 5, 4.7, 0, 4), dot);
-    EXPECT_EQ(mark(kMarkDot, 5, 4.7, 0, 0), dot);  // never less than 2 pixels
-    EXPECT_NE(mark(kMarkDot, 5, 4.7, 0, 6), dot);
-    EXPECT_FALSE(HasInk(mark(3, 5, 4.7, 0, 6)));
+    for (const double angle : {0, -360}) EXPECT_EQ(mark(kMarkArrow, 1, angle, 8), arrow);
+    for (const double size : {0, 4}) EXPECT_EQ(mark(kMarkDot, 5, 0, size), dot) << "never less than 2 pixels";
+    EXPECT_NE(mark(kMarkDot, 5, 0, 6), dot);
+    EXPECT_FALSE(HasInk(mark(3, 5, 0, 6)));
 }
 
 TEST(Canvas, PensAndBitmaps) {
-    std::vector<std::string> lines;
-    for (unsigned pen = 0; pen < 18; ++pen) lines.push_back(Rendered(80, 4, {LineStroke(pen, 0, 2.7, 80, 2.7)}));
-    for (unsigned pen = 0; pen < 18; ++pen) {
-        const bool isDashed = pen >= 2 && pen < 7;
-        EXPECT_EQ(lines[pen] == lines[0], !isDashed) << pen;
-        for (unsigned other = 0; isDashed && other < pen; ++other) EXPECT_NE(lines[pen], lines[other]) << pen;
-    }
-    EXPECT_EQ(lines[0].substr(162, 80), std::string(80, '#'));
+    std::set<std::string> lines;
+    for (unsigned pen = 0; pen < 18; ++pen) lines.insert(Rendered(80, 4, {LineStroke(pen, 0, 2.7, 80, 2.7)}));
+    EXPECT_EQ(lines.size(), 6u) << "a solid and five dashed ones";
     for (const DWORD mode : {0ul, kRenderColor}) {
         const std::string picture = TakePicture(CreatePlaceholderBitmap(mode, "####", {0, 0, 90, 30}));
         EXPECT_EQ(picture.size(), 91u * 30);
         EXPECT_FALSE(HasInk(picture.substr(0, 91 * 8) + picture.substr(91 * 22))) << "in the middle";
         EXPECT_TRUE(HasInk(picture));
-        EXPECT_FALSE(HasInk(TakePicture(CreatePlaceholderBitmap(mode, nullptr, {0, 0, 90, 30}))));
     }
     EXPECT_FALSE(CreatePlaceholderBitmap(kRenderColor, "x", {0, 0, 0x7FFFFFFF, 0x7FFFFFFF}));
 }
@@ -191,33 +179,24 @@ TEST(Canvas, PensAndBitmaps) {
 // Whatever the numbers are: nothing traps, hangs or stays behind.
 TEST(DrawPreviewPrimitive, HostileNumbers) {
     const double values[] = {kNan, kInfinity, -kInfinity, 1e300, -1e300, 1e18, -1e9, 2147483647.5, 5e-324, 0, 360, 3};
-    const WorldRect worlds[] = {{0, 0, 20, 12},
-                                {0, 0, 0, 0},
-                                {9, 9, 1, 1},
-                                {kNan, 0, kNan, 1},
-                                {0, 0, 5e-324, 5e-324},
-                                {-1e300, -1e300, 1e300, 1e300},
-                                {-kInfinity, 0, kInfinity, 1}};
     HandleCounts before = {};
     for (int pass = 0; pass < 2; ++pass) {  // the first one warms up what the system keeps
         std::minstd_rand random(7);
-        for (const auto& world : worlds)
-            OnCanvas(20, 12, [&](Canvas& canvas) {
-                FitCanvas(&canvas, world);
-                for (int i = 0; i < 200; ++i) {
-                    const auto any = [&] { return values[random() % std::size(values)]; };
-                    PreviewPrimitive& p = canvas.primitive;
-                    p.kind = static_cast<std::uint32_t>(i % 6);
-                    for (double* field : {&p.a, &p.b, &p.c, &p.d}) *field = any();
-                    p.e.Set(any());
-                    p.f.Set(any());
-                    const double angle = any();
-                    if (p.kind == kText) std::strcpy(p.g, "A\x83\x5c");
-                    else std::memcpy(p.g, &angle, sizeof(angle));
-                    EXPECT_EQ(DrawPreviewPrimitive(canvas.dc.get(), canvas.view, p, i % 2 ? &canvas.textFont : nullptr),
-                              1);
-                }
-            });
+        const auto any = [&] { return values[random() % std::size(values)]; };
+        OnCanvas(20, 12, [&](Canvas& canvas) {
+            for (int i = 0; i < 3000; ++i) {
+                if (i >= 300 && i % 30 == 0) FitCanvas(&canvas, {any(), any(), any(), any()});
+                PreviewPrimitive& p = canvas.primitive;
+                p.kind = static_cast<std::uint32_t>(i % 6);
+                for (double* field : {&p.a, &p.b, &p.c, &p.d}) *field = any();
+                p.e.Set(any());
+                p.f.Set(any());
+                const double angle = any();
+                if (p.kind == kText) std::strcpy(p.g, "A\x83\x5c");
+                else std::memcpy(p.g, &angle, sizeof(angle));
+                EXPECT_EQ(DrawPreviewPrimitive(canvas.dc.get(), canvas.view, p, i % 2 ? &canvas.textFont : nullptr), 1);
+            }
+        });
         if (pass == 0) before = CountHandles();
     }
     EXPECT_EQ(CountHandles().gdi, before.gdi);

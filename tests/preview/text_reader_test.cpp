@@ -28,7 +28,7 @@ TEST(TextReader, Lines) {
         {"any separator", "GL 1;2/2.7x70|30-0", {kDrawn}}, {"two separators", "GL 1,,2,2.7,70,30,0", {}},
         {"one separator and blanks", "GL  -1,  2,  2.7,  70,  30,  0", {kDrawn}},
         {"more than is needed", kGl + ",99,'x'", {kDrawn}}, {"no attribute word", "GL 1,2,2.7,70,30", {kDrawn}},
-        {"missing numbers", "GL 1,2,2.7,70\nGL ,2,2.7,70,30,0\nGL 1,2,x,70,30,0\nGL\nGL \nGA 1,40,20,10,30\nGP 1,2", {}},
+        {"missing numbers", "GL 1,2,2.7,70\nGL ,2,2.7,70,30,0\nGL 1,2,x,70,30,0\nGL\nGA 1,40,20,10,30\nGP 1,2", {}},
         {"numbers do not come from the next line", "GL 1,2,2.7\n,70,30,0", {}},
         // keys
         {"a blank belongs to a key", "GL1,2,2.7,70,30,0\nGL,1,2,2.7,70,30,0", {}},

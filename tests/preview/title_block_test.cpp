@@ -28,8 +28,7 @@ TEST(TitleBlock, EveryFormat) {
         std::size_t at, slot, longest;
         std::size_t least;  // a file of this size has a comment, a smaller one has none
     } cases[] = {
-        {"native, edition A", ReadNativePreview, a, 106, 42, 41, a.size()},
-        {"native, edition B", ReadNativePreview, NativeFile(kEditionB, 9, 9, line), 106, 42, 41, 12704 + 64},
+        {"native", ReadNativePreview, a, 106, 42, 41, a.size()},
         {"backup", ReadBackupDrawing, BackupFile(9, 9, line), 284, 42, 42, 446 + 64},
         {"QJ", ReadQjComment, BytesAt(400, {{4, "CADORVIL QJ"}}), 144, 42, 41, 270},
         {"QF", ReadQfComment, BytesAt(900, {{4, "CADORVIL QF"}}), 576, 48, 47, 720},
@@ -41,21 +40,19 @@ TEST(TitleBlock, EveryFormat) {
         const auto as = [](std::size_t count) { return std::string(count, 'A'); };
         const std::string plain = with("name", "\x83\x5c\x94\x5c", "who %s");
         const std::string whole = Blocks("name", "\x83\x5c\x94\x5c", "who %s");
-        EXPECT_EQ(CommentOf(c.reader, plain, 999), whole) << c.what;
-        EXPECT_EQ(CommentOf(c.reader, with(as(60), "", ""), 999), Blocks(as(c.longest), as(60 - c.slot), "")) << c.what;
         const std::string most = as(c.longest);
         EXPECT_EQ(CommentOf(c.reader, with(as(3 * c.slot), as(40), as(c.slot)), 999), Blocks(most, most, most))
             << c.what;
-        for (const std::size_t size : {0, 1, 2, 9, 17, 18, 64, 65, 66, 67, 68, 150, 170, 180, 190, 200})
+        for (const std::size_t size : {0, 1, 2, 17, 18, 150, 200})
             EXPECT_EQ(CommentOf(c.reader, plain, size), whole.substr(0, size ? size - 1 : 0)) << c.what << " " << size;
         EXPECT_EQ(CommentOf(c.reader, plain.substr(0, c.least), 999), whole) << c.what;
-        for (const std::size_t size :
-             {c.least - 1, c.least - 65, c.at + 2 * c.slot, c.at + 1, std::size_t{1}, std::size_t{0}})
+        for (const std::size_t size : {c.least - 1, c.at + 1, std::size_t{0}})
             EXPECT_EQ(CommentOf(c.reader, plain.substr(0, size), 999), "") << c.what << " " << size;
     }
     // Drawings that announce more than they hold, or are none.
+    const std::string none = NativeFile(kEditionA, 9, 9, "");
     for (const std::string& file : {Put(a, {{242, "\2"}}), Put(a, {{242, "\xFF\xFF"}}), Put(a, {{20, "1"}}),
-                                    Put(a, {{4, "LumosBase"}}), Put(a, {{242, std::string(1, '\0')}}).substr(0, 1023)})
+                                    Put(a, {{4, "LumosBase"}}), none.substr(0, 1023)})
         EXPECT_EQ(CommentOf(ReadNativePreview, file, 999), "");
-    EXPECT_NE(CommentOf(ReadNativePreview, Put(a, {{242, std::string(1, '\0')}}).substr(0, 1024), 999), "");
+    EXPECT_NE(CommentOf(ReadNativePreview, none, 999), "");
 }
