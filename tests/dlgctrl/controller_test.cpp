@@ -1,6 +1,10 @@
+#include "dlgctrl/controller.h"
+
 #include <gtest/gtest.h>
 
+#include "dlgctrl/field_value.h"
 #include "dlgctrl/host_dialog.h"
+#include "dlgctrl/items.h"
 #include "support/handle_counts.h"
 
 TEST(Controller, Endings) {
@@ -45,6 +49,20 @@ TEST(Controller, NoTable) {
         EXPECT_EQ(kwDlgBoxCtrl(ThisModule(), name, nullptr, nullptr, count, HostCallback), result) << count;
 }
 
+TEST(Controller, TwoItemsWithOneId) {
+    std::int32_t one = 1, two = 2;
+    HostDialog host;
+    host.items = {NumberField(&one, 5), NumberField(&two)};
+    host.opened = [](HWND dialog) {
+        EXPECT_EQ(TextOf(dialog, IDC_FIELD), "2") << "both are set up";
+        SetDlgItemTextA(dialog, IDC_FIELD, "9");
+        LeaveField(dialog, IDC_FIELD);  // reaches the first, with its range
+    };
+    EXPECT_EQ(host.Run(), 1);
+    EXPECT_EQ(one, 5);
+    EXPECT_EQ(two, 5);
+}
+
 TEST(Controller, CallbackSeesMessagesFirst) {
     std::int32_t number = 1;
     HostDialog host;
@@ -61,6 +79,11 @@ TEST(Controller, CallbackSeesMessagesFirst) {
         EXPECT_EQ(TextOf(dialog, IDC_FIELD), "9") << "the callback has taken it";
         const auto procedure = reinterpret_cast<DLGPROC>(GetWindowLongPtrA(dialog, DWLP_DLGPROC));
         EXPECT_EQ(procedure(dialog, WM_APP + 1, 0, 0), TRUE);
+        takes = false;
+        EXPECT_EQ(ItemTable(dialog), host.items.data());
+        EXPECT_EQ(FocusControl(dialog, IDC_FIELD), 1);
+        EXPECT_EQ(Send(dialog, IDC_FIELD, EM_GETSEL), MAKELONG(0, 1));
+        EXPECT_EQ(FocusControl(dialog, IDC_MISSING), 0);
     };
     EXPECT_EQ(host.Run(), 1);
 }
@@ -82,8 +105,11 @@ TEST(Controller, CallbacksThatInterfere) {
         {"destroys the window", [](HWND window) { DestroyWindow(window); }},
         {"ends the dialog", [=](HWND window) { EndDialog(dialogOf(window), 77); }},
         {"accepts", [=](HWND window) { SendMessageA(dialogOf(window), WM_COMMAND, IDOK, 0); }},
+        {"sets up, checks and stores",
+         [=](HWND w) { ConstructItems(dialogOf(w), -1), CheckFields(dialogOf(w), -1), WriteBackItems(w, -1); }},
         {"destroys a field", [](HWND window) { DestroyWindow(GetDlgItem(window, IDC_FIELD)); }},
         {"initialises again", [=](HWND window) { SendMessageA(dialogOf(window), WM_INITDIALOG, 0, 0); }},
+        {"runs another dialog", [=](HWND) { EXPECT_EQ(HostDialog().Run(IDD_SMALL), 1); }},
     };
     const struct {
         const char* when;

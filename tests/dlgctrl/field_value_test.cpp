@@ -37,6 +37,11 @@ TEST(ValueFormat, ModuleSettings) {
     EXPECT_EQ(FormatReal(nullptr, 2), "2.");
     SetRealFormat("%.1lf 456789abcdefgh", 0);
     EXPECT_EQ(FormatReal(nullptr, 2), "2.0 456789abcd") << "16 bytes of it; no zero that a unit follows is cut";
+    char format[kRealFormatSize + 1] = "................";
+    int decimals = -1;
+    GetRealFormat(format, &decimals);
+    EXPECT_STREQ(format, "%.1lf 456789abcd");
+    EXPECT_EQ(decimals, 0);
     SetRealFormat(nullptr, -1);
 }
 

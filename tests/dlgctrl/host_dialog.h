@@ -40,9 +40,11 @@ inline INT_PTR CALLBACK HostCallback(HWND dialog, UINT message, WPARAM wParam, L
 }
 
 inline int HostDialog::Run(int templateId) {
+    HostDialog* const outer = runningHost;
     runningHost = this;
     const int result = kwDlgBoxCtrl(ThisModule(), MAKEINTRESOURCEA(templateId), nullptr, items.data(),
                                     static_cast<int>(items.size()), HostCallback);
+    runningHost = outer;
     return result;
 }
 
@@ -51,7 +53,7 @@ inline DialogItem NumberField(std::int32_t* number, double maximum = 0, int id =
 }
 
 inline std::string TextOf(HWND dialog, int id) {
-    std::string text(300, '\0');
+    std::string text(70000, '\0');
     text.resize(GetDlgItemTextA(dialog, id, text.data(), static_cast<int>(text.size())));
     return text;
 }

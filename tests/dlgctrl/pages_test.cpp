@@ -113,6 +113,23 @@ TEST(Pages, OtherContainer) {
     EXPECT_EQ(host.Run(), 1);
 }
 
+TEST(Pages, RemovedAndDestroyed) {
+    PagedDialog host;
+    host.opened = [](HWND dialog) {
+        const HGLOBAL set = SetOf(dialog);
+        const HWND one = PageWindow(set, 0), two = PageWindow(set, 1);
+        for (int i = 0; i < 2; ++i) {
+            EXPECT_EQ(RemovePage(set, 0), 1);
+            EXPECT_FALSE(IsWindow(one));
+            EXPECT_EQ(Send(dialog, IDC_TABS, TCM_GETITEMCOUNT), 1) << i;
+            EXPECT_TRUE(PageCount(set) == 2 && !PageWindow(set, 0) && PageWindow(set, 1) == two) << "indices stay";
+        }
+        DestroyWindow(two);  // behind the set's back
+        EXPECT_EQ(SelectPage(set, 1), 0);
+    };
+    EXPECT_EQ(host.Run(), 1);
+}
+
 TEST(Pages, OnesThatCannotBeCreated) {
     PagedDialog noTemplate, noItems;
     noTemplate.pages[1].templateName = "no such template";
