@@ -8,7 +8,6 @@
 
 #define IDC_FIELD 301
 #define IDC_OTHER_FIELD 302
-#define IDC_LONG_FIELD 303
 #define IDC_CHECK 311
 #define IDC_RADIO 321 /* three */
 #define IDC_COMBO 331
