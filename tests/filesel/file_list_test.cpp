@@ -26,7 +26,7 @@ TEST(FileList, Order) {
         {0, File("a", 1, 1), File("b", 2, 2), 0},
         {KW_SORT_NAME, File("B"), File("a"), -1}, {KW_SORT_NAME, File("a"), File("\x83\x5c"), -1},  // capitals first
         {KW_SORT_EXTENSION, File("z"), File("a.dxf"), -1}, {KW_SORT_EXTENSION, File("a"), File("b"), 0},
-        {KW_SORT_EXTENSION, File("z.a.dxf"), File("a.txt"), -1}, {KW_SORT_SIZE, File("a", kBig), File("b", kBig - 1), 1},
+        {KW_SORT_EXTENSION, File("a.z.dxf"), File("a.txt"), -1}, {KW_SORT_SIZE, File("a", kBig), File("b", kBig - 1), 1},
         {KW_SORT_DATE, File("a", 0, kBig - 1), File("b", 0, kBig), -1},
         {KW_SORT_NAME | KW_SORT_SIZE, File("a", 9), File("b", 1), -1},  // names differ: sizes do not count
         {KW_SORT_SIZE | KW_SORT_DATE, File("a", 5, 1), File("b", 5, 2), -1},
