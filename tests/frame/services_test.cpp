@@ -49,7 +49,7 @@ TEST(CenterWindow, Places) {
 
 TEST(Paths, TheHostsErrorModeComesBack) {
     const UINT errorMode = SetErrorMode(SEM_NOALIGNMENTFAULTEXCEPT);
-    IsFilePath("c:\\missing");
+    EXPECT_FALSE(IsFilePath("c:\\")) << "a folder";
     EXPECT_EQ(SetErrorMode(errorMode) & ~SEM_NOALIGNMENTFAULTEXCEPT, 0u);
 }
 
