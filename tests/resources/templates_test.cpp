@@ -78,12 +78,10 @@ TEST(Templates, TextsFit) {
     }
 }
 
-TEST(Templates, MnemonicsAndDefaultButtons) {
+TEST(Templates, MnemonicsAreUnique) {
     for (const int id : kTemplates) {
         const TemplateDialog dialog(id);
         std::map<char, std::string> owners;
-        int defaults = 0;
-        bool hasOk = false;
         for (const HWND control : dialog.Controls()) {
             const std::string text = WindowText(control);
             const std::size_t mark = text.find('&');
@@ -91,32 +89,6 @@ TEST(Templates, MnemonicsAndDefaultButtons) {
                 const char key = static_cast<char>(std::toupper(static_cast<unsigned char>(text[mark + 1])));
                 EXPECT_TRUE(owners.emplace(key, text).second) << id << " " << text << " and " << owners[key];
             }
-            defaults += SendMessageA(control, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON ? 1 : 0;
-            hasOk = hasOk || GetDlgCtrlID(control) == IDOK;
-        }
-        EXPECT_EQ(defaults, hasOk) << id;
-    }
-}
-
-static bool IsInSight(HWND dialog, HWND control) {
-    RECT client, place, common;
-    GetClientRect(dialog, &client);
-    GetWindowRect(control, &place);
-    MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
-    return (GetWindowLongA(control, GWL_STYLE) & WS_VISIBLE) && IntersectRect(&common, &client, &place);
-}
-
-// What takes input is a tab stop, and nothing else.
-TEST(Templates, TabStops) {
-    for (const int id : kTemplates) {
-        const TemplateDialog dialog(id);
-        for (const HWND control : dialog.Controls()) {
-            const DWORD style = static_cast<DWORD>(GetWindowLongA(control, GWL_STYLE));
-            const std::string kind = ClassOf(control);
-            const bool takesInput = kind != "Static" && kind != "msctls_progress32" &&
-                                    !(kind == "Button" && (style & BS_TYPEMASK) == BS_GROUPBOX);
-            if (!IsInSight(dialog.window, control)) continue;
-            EXPECT_EQ((style & WS_TABSTOP) != 0, takesInput) << id << " " << GetDlgCtrlID(control);
         }
     }
 }

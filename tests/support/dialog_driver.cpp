@@ -71,39 +71,6 @@ unsigned RunDialog(const std::function<unsigned()>& open, std::vector<DialogStep
     return result;
 }
 
-DialogStep Press(int buttonId) {
-    return [=](HWND dialog) {
-        PostMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(buttonId),
-                     reinterpret_cast<LPARAM>(FindControl(dialog, buttonId)));
-        return true;
-    };
-}
-
-DialogStep TypeFileName(std::string text) {
-    return [=](HWND dialog) {
-        const HWND edit = FileNameField(dialog);
-        return edit && SendMessageA(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
-    };
-}
-
-DialogStep SelectFile(std::string name) {
-    return [=](HWND dialog) { return SelectListedFile(dialog, name); };
-}
-
-DialogStep Check(std::function<void(HWND dialog)> look) {
-    return [=](HWND dialog) {
-        look(dialog);
-        return true;
-    };
-}
-
-void SelectLine(HWND dialog, int listId, int line, int notification) {
-    const HWND list = FindControl(dialog, listId);
-    SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(line), 0);
-    SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(MAKELONG(listId, notification)),
-                 reinterpret_cast<LPARAM>(list));
-}
-
 struct ControlSearch {
     int id;
     const char* className;  // null: any
@@ -120,6 +87,56 @@ static BOOL CALLBACK TakeControl(HWND window, LPARAM parameter) {
 static HWND FindBelow(HWND dialog, ControlSearch search) {
     EnumChildWindows(dialog, TakeControl, reinterpret_cast<LPARAM>(&search));
     return search.found;
+}
+
+DialogStep Press(int buttonId) {
+    return [=](HWND dialog) {
+        PostMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(buttonId),
+                     reinterpret_cast<LPARAM>(FindControl(dialog, buttonId)));
+        return true;
+    };
+}
+
+DialogStep TypeFileName(std::string text) {
+    return [=](HWND dialog) {
+        const HWND edit = FileNameField(dialog);
+        return edit && SendMessageA(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    };
+}
+
+DialogStep SelectFile(std::string name) {
+    return [=](HWND dialog) {
+        const HWND list = FindBelow(dialog, {0, WC_LISTVIEWA, nullptr});
+        const int count = list ? static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)) : 0;
+        for (int i = 0; i < count; ++i) {
+            char text[MAX_PATH] = "";
+            LVITEMA item = {};
+            item.pszText = text;
+            item.cchTextMax = MAX_PATH;
+            SendMessageA(list, LVM_GETITEMTEXTA, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
+            if (lstrcmpiA(text, name.c_str()) != 0) continue;
+            item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+            SendMessageA(list, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&item));
+            item.state = item.stateMask;
+            SendMessageA(list, LVM_SETITEMSTATE, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
+            return true;
+        }
+        return false;
+    };
+}
+
+DialogStep Check(std::function<void(HWND dialog)> look) {
+    return [=](HWND dialog) {
+        look(dialog);
+        return true;
+    };
+}
+
+void SelectLine(HWND dialog, int listId, int line, int notification) {
+    const HWND list = FindControl(dialog, listId);
+    SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(line), 0);
+    SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(MAKELONG(listId, notification)),
+                 reinterpret_cast<LPARAM>(list));
 }
 
 HWND FindControl(HWND dialog, int id) { return FindBelow(dialog, {id, nullptr, nullptr}); }
@@ -139,29 +156,7 @@ std::string WindowText(HWND window) {
 
 std::string ControlText(HWND dialog, int id) { return WindowText(FindControl(dialog, id)); }
 
-std::string ControlPicture(HWND dialog, int id) {
-    return PictureOf(reinterpret_cast<HBITMAP>(SendMessageA(FindControl(dialog, id), STM_GETIMAGE, IMAGE_BITMAP, 0)));
-}
-
-bool SelectListedFile(HWND dialog, const std::string& name) {
-    const HWND list = FindBelow(dialog, {0, WC_LISTVIEWA, nullptr});
-    const int count = list ? static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)) : 0;
-    for (int i = 0; i < count; ++i) {
-        char text[MAX_PATH] = "";
-        LVITEMA item = {};
-        item.pszText = text;
-        item.cchTextMax = MAX_PATH;
-        SendMessageA(list, LVM_GETITEMTEXTA, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
-        if (lstrcmpiA(text, name.c_str()) != 0) continue;
-        item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-        SendMessageA(list, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&item));
-        item.state = item.stateMask;
-        SendMessageA(list, LVM_SETITEMSTATE, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
-        return true;
-    }
-    return false;
-}
-
 PaneContents ReadPane(HWND dialog) {
-    return {ControlPicture(dialog, IDC_PREVIEW_PICTURE), ControlText(dialog, IDC_PREVIEW_COMMENT)};
+    const LRESULT bitmap = SendMessageA(FindControl(dialog, IDC_PREVIEW_PICTURE), STM_GETIMAGE, IMAGE_BITMAP, 0);
+    return {PictureOf(reinterpret_cast<HBITMAP>(bitmap)), ControlText(dialog, IDC_PREVIEW_COMMENT)};
 }

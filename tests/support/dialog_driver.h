@@ -31,12 +31,6 @@ HWND FileNameField(HWND dialog);  // of a file dialog of either style; null when
 std::string WindowText(HWND window);
 std::string ControlText(HWND dialog, int id);
 
-// The text of a static bitmap control's picture; see PictureOf.
-std::string ControlPicture(HWND dialog, int id);
-
-// Selects a file in the Explorer-style dialog's list; false when it is not listed (yet).
-bool SelectListedFile(HWND dialog, const std::string& name);
-
 // The picture and the comment of the preview pane.
 struct PaneContents {
     std::string picture, comment;
