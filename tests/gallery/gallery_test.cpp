@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "frame/services.h"
 #include "gallery/gallery_items.h"
 #include "kit/handles.h"
 #include "resources/resource.h"
@@ -20,7 +21,7 @@ static std::string NamesOf(const GalleryItems& items) {
     return names;
 }
 
-TEST(GalleryItems, Patterns) {
+TEST(GalleryItems, FoldersAndLists) {
     const TempFolder folder;
     for (const char* name : {"b.dxf", "A.DXF", "c.txt", "d e.exf"}) folder.Write(name, kDrawing);
     folder.MakeFolder("folder.dxf");
@@ -40,6 +41,13 @@ TEST(GalleryItems, Patterns) {
         EXPECT_TRUE(ListFolder(&items, folder.path.c_str(), c.patterns));
         EXPECT_EQ(NamesOf(items), c.names) << c.patterns;
     }
+    GalleryItems listed;
+    EXPECT_TRUE(ListNames(&listed, "z.dxf\0a.dxf\0Z.DXF\0"));
+    EXPECT_EQ(NamesOf(listed), "z.dxf|a.dxf|Z.DXF|");
+    EXPECT_EQ(SelectByName(&listed, "Z.dxf"), 2);
+    EXPECT_EQ(listed[0].flags & listed[2].flags, kItemSelected) << "case does not matter";
+    EXPECT_EQ(listed[1].flags, 0);
+    EXPECT_EQ(SelectByName(&listed, "none"), -1);
 }
 
 class GalleryDialog : public testing::Test {
@@ -115,24 +123,31 @@ TEST_F(GalleryDialog, ManyFilesStopWhileWorking) {
     EXPECT_STREQ(result, "1499.dxf");
 }
 
-TEST_F(GalleryDialog, OpensMaximizedAgain) {
+TEST_F(GalleryDialog, RemembersItsSize) {
     folder.Write("a.dxf", kDrawing);
-    RECT normal = {}, list = {}, restored = {};
-    const auto maximize = [&](HWND dialog) {
-        GetWindowRect(dialog, &normal);
-        ShowWindow(dialog, SW_MAXIMIZE);
+    SIZE before = {}, listBefore = {}, now = {}, list = {};
+    const auto measure = [&](HWND dialog) {
+        POINT position;
+        GetWindowPosSize(dialog, &position, &now);
+        GetWindowPosSize(FindControl(dialog, IDC_GALLERY_LIST), &position, &list);
     };
+    const auto grow = [&](HWND dialog) {
+        measure(dialog);
+        before = now, listBefore = list;
+        SetWindowPos(dialog, nullptr, 0, 0, now.cx + 60, now.cy + 40, SWP_NOMOVE | SWP_NOZORDER);
+    };
+    EXPECT_EQ(Run({Check(grow), Press(IDCANCEL)}), 0);
+    const auto maximize = [&](HWND dialog) { measure(dialog), ShowWindow(dialog, SW_MAXIMIZE); };
+    EXPECT_EQ(Run({Check(maximize), Press(IDCANCEL)}), 0);
+    EXPECT_TRUE(now.cx == before.cx + 60 && now.cy == before.cy + 40);
+    EXPECT_TRUE(list.cx == listBefore.cx + 60 && list.cy == listBefore.cy + 40);
     const auto restore = [&](HWND dialog) {
         EXPECT_TRUE(IsZoomed(dialog));
-        GetWindowRect(FindControl(dialog, IDC_GALLERY_LIST), &list);
-        EXPECT_GT(list.right - list.left, normal.right - normal.left);
-        EXPECT_GT(list.bottom - list.top, normal.bottom - normal.top);
         ShowWindow(dialog, SW_RESTORE);
-        GetWindowRect(dialog, &restored);
+        measure(dialog);
     };
-    EXPECT_EQ(Run({Check(maximize), Press(IDCANCEL)}), 0);
     EXPECT_EQ(Run({Check(restore), Press(IDCANCEL)}), 0);
-    EXPECT_TRUE(EqualRect(&restored, &normal));
+    EXPECT_TRUE(now.cx - list.cx == before.cx - listBefore.cx && now.cy - list.cy == before.cy - listBefore.cy);
 }
 
 TEST_F(GalleryDialog, LeaksNothing) {
