@@ -4,8 +4,9 @@
 #   tools/winrun.sh [--desktop WIDTHxHEIGHT[@DPI]] LANG PROGRAM.exe ARGUMENTS...
 #
 # LANG is en (code page 1252) or ja (code page 932). --desktop opens all windows inside one Wine desktop window, where
-# they have captions; without it, and without a window manager, they have none. DPI is 96 unless it is named. A program that does not end in .exe is
-# a Linux command, run in the same surroundings (for instance: tools/winrun.sh en bash -c 'wine a.exe & ...').
+# they have captions; without it, and without a window manager, they have none. DPI is 96 unless it is named. A program
+# that does not end in .exe is a Linux command, run in the same surroundings (for instance: tools/winrun.sh en bash -c
+# 'wine a.exe & ...').
 #
 # The program runs in the root made by tools/setup.sh, in namespaces of its own: it has its own screen, processes, /tmp
 # and no network, sees the checkout, its own folder and the current folder at their usual paths, and whatever else it
