@@ -79,12 +79,8 @@ bool BenchDialog(Bench* bench) {
     };
     controlled();  // what the system loads for its first dialogs
     bare();
-    Comparison rounds;
-    for (int i = 0, count = bench->quick ? 5 : 15; i < count; ++i) {
-        if (i % 2) rounds.floor.push_back(SecondsOf(bare));
-        rounds.measured.push_back(SecondsOf(controlled));
-        if (i % 2 == 0) rounds.floor.push_back(SecondsOf(bare));
-    }
+    const Comparison rounds = Compare(
+        bench->quick ? 5 : 15, [&] { return SecondsOf(controlled); }, [&] { return SecondsOf(bare); });
     if (!good) return Fail("dialog: a dialog could not be shown");
     bench->rows.push_back(TimeRow(std::to_string(kTurn) + " dialogs of 100 items", rounds, kLimit));
     return true;

@@ -49,12 +49,8 @@ bool BenchExpression(Bench* bench) {
             for (const auto& expression : kExpressions) sink = expression.bare();
         }
     };
-    Comparison rounds;
-    for (int i = 0, count = bench->quick ? 5 : 15; i < count; ++i) {
-        if (i % 2) rounds.floor.push_back(SecondsOf(convert));
-        rounds.measured.push_back(SecondsOf(evaluate));
-        if (i % 2 == 0) rounds.floor.push_back(SecondsOf(convert));
-    }
+    const Comparison rounds = Compare(
+        bench->quick ? 5 : 15, [&] { return SecondsOf(evaluate); }, [&] { return SecondsOf(convert); });
     if (!good) return Fail("expression: one of the list failed");
     const double count = repeats * static_cast<double>(std::size(kExpressions));
     const auto rate = [=](const std::vector<double>& seconds) {

@@ -116,22 +116,19 @@ bool BenchGallery(Bench* bench) {
     const std::vector<std::string> paths = WriteSmallDrawings(folder, count);
     if (paths.size() < count || !ReadInLoop(paths, kThumbnail)) return Fail("gallery: no small drawings");
 
-    Comparison rounds;
+    bool good = true;
     std::vector<double> gaps, closings;
-    for (int i = 0; i < roundCount; ++i) {
-        Progress("gallery: round " + std::to_string(i + 1) + " of " + std::to_string(roundCount));
-        bool good = true;
-        const auto measureFloor = [&] {
-            rounds.floor.push_back(SecondsOf([&] { good = ReadInLoop(paths, kThumbnail); }));
-        };
-        if (i % 2 != 0) measureFloor();
+    const auto fill = [&] {
+        Progress("gallery: round " + std::to_string(gaps.size() + 1) + " of " + std::to_string(roundCount));
         const double start = Now();
         DriveGallery(folder, 0);
-        rounds.measured.push_back(run.finished - start);
+        good = good && run.finished != 0;
         gaps.push_back(run.longestGap);
-        if (i % 2 == 0) measureFloor();
-        if (!good || run.finished == 0) return Fail("gallery: the gallery did not finish");
-    }
+        return run.finished - start;
+    };
+    const auto read = [&] { good = ReadInLoop(paths, kThumbnail) && good; };
+    const Comparison rounds = Compare(roundCount, fill, [&] { return SecondsOf(read); });
+    if (!good) return Fail("gallery: the gallery did not finish");
     Random random{2};
     const double whole = Median(rounds.measured);
     for (int i = 0; i < (bench->quick ? 10 : 20); ++i) {

@@ -67,6 +67,18 @@ struct Comparison {
     std::vector<double> measured, floor;
 };
 
+// Times both in so many rounds, each first by turns; `measured` and `floor` return the seconds that they took.
+template <typename Measured, typename Floor>
+Comparison Compare(int roundCount, Measured measured, Floor floor) {
+    Comparison rounds;
+    for (int i = 0; i < roundCount; ++i) {
+        if (i % 2 == 0) rounds.measured.push_back(measured());
+        rounds.floor.push_back(floor());
+        if (i % 2 != 0) rounds.measured.push_back(measured());
+    }
+    return rounds;
+}
+
 // The median of the rounds' own ratios: a round's noise hits both sides, so it mostly leaves the ratio.
 double MedianRatio(const Comparison& rounds);
 

@@ -40,12 +40,10 @@ static double RebuildSeconds(HWND list, const std::vector<std::string>& names) {
 }
 
 static bool MeasureRounds(HWND list, const std::vector<std::string>& names, int count, Comparison* rounds) {
-    bool good = FindEach(names);
-    for (int i = 0; i < count && good; ++i) {
-        if (i % 2 == 0) rounds->floor.push_back(SecondsOf([&] { good = FindEach(names); }));
-        rounds->measured.push_back(RebuildSeconds(list, names));
-        if (i % 2 != 0) rounds->floor.push_back(SecondsOf([&] { good = FindEach(names); }));
-    }
+    bool good = FindEach(names);  // what the system keeps of a folder
+    const auto find = [&] { good = FindEach(names) && good; };
+    *rounds = Compare(
+        count, [&] { return RebuildSeconds(list, names); }, [&] { return SecondsOf(find); });
     // The last line shows that the columns have come.
     char text[1024] = "";
     const LRESULT lines = SendMessageA(list, LB_GETCOUNT, 0, 0);
