@@ -55,11 +55,22 @@ bool DropLastFolder(std::string* folder) {
     return true;
 }
 
+// True for "C:part.dxf" in a command file on that drive, which the current directory's is when its path names none.
+bool IsOnItsDrive(const char* fileName, const std::string& path) {
+    char directory[KW_MAX_PATH] = "";
+    const bool isNamed = fileName[0] && fileName[1] == ':';
+    if (!isNamed && GetCurrentDirectoryA(sizeof(directory), directory) >= sizeof(directory)) return false;
+    const char drive = isNamed || fileName[0] == '\\' ? fileName[0] : directory[0];
+    return path.size() > 2 && path[2] != '\\' && path[2] != '/' && ((drive ^ path[0]) & ~0x20) == 0;
+}
+
 // A path taken relative to the folder of the command file, without touching the process's current directory.
-std::string ResolveBeside(const char* fileName, const std::string& path) {
-    const bool hasDrive = path.size() > 1 && path[1] == ':';
+std::string ResolveBeside(const char* fileName, const std::string& named) {
+    const bool hasDrive = named.size() > 1 && named[1] == ':';
+    if (hasDrive && !IsOnItsDrive(fileName, named)) return named;
+    const std::string path = hasDrive ? named.substr(2) : named;
     const bool isRooted = path[0] == '\\' || path[0] == '/';
-    if (hasDrive || (isRooted && path[1] == path[0])) return path;
+    if (isRooted && path[1] == path[0]) return path;
     if (isRooted) return fileName[0] && fileName[1] == ':' ? std::string(fileName, 2) + path : path;
     std::string folder(fileName, FindFileName(fileName));
     std::size_t at = 0;

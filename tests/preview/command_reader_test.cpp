@@ -30,11 +30,15 @@ TEST(CommandReader, FollowsTheLine) {
     folder.Write("elsewhere\\part.dxf", other);
     folder.Write("part.cmd", Line("part.dxf"));
     const std::string part = Line("part.dxf");
+    const std::string drive = folder.path.substr(0, 2);
+    const char otherDrive = drive[0] == 'Q' ? 'R' : 'Q';
     const std::pair<std::string, bool> cases[] = {
         // clang-format off
         {part, true}, {Line("sub\\..\\part.dxf"), true}, {Line("a b'c.dxf"), true},
         {Line(folder.At("part.dxf")), true}, {Line(folder.At("part.dxf").substr(2)), true},
         {Line("part.qa"), true}, {Line("part.exf"), true},
+        {Line(drive + "part.dxf"), true}, {Line(drive + "sub\\..\\part.dxf"), true},  // on the drive, beside it too
+        {Line(drive + drive + "part.dxf"), false}, {Line(std::string(1, otherDrive) + ":part.dxf"), false},
         // kinds that are not followed, this file itself among them
         {Line("part.lbk"), false}, {Line("a.cmd"), false}, {Line("sub"), false}, {Line(""), false},
         // the line
@@ -67,6 +71,8 @@ TEST(CommandReader, FollowsTheLine) {
     EXPECT_EQ(Show("part.cmd"), expected) << "a command file in the current directory";
     folder.Write("sub\\up.cmd", Line("..\\part.dxf"));
     EXPECT_EQ(Show("sub\\up.cmd"), expected) << "in a folder below";
+    folder.Write("sub\\up.cmd", Line(drive + "..\\part.dxf"));
+    EXPECT_EQ(Show("sub\\up.cmd"), expected) << "the drive is the current directory's";
     EXPECT_FALSE(PreviewCommandFile(0, nullptr, &kTarget, nullptr, 0));
     SetCurrentDirectoryA(before);
 }
