@@ -39,13 +39,11 @@ install(FILES ${PROJECT_BINARY_DIR}/kwdialogs.pc DESTINATION ${CMAKE_INSTALL_LIB
 # ---- Programs, samples and papers
 
 foreach(program IN ITEMS kwdemo kwpreview)
-  if(TARGET ${program})
-    install(TARGETS ${program})
-    if(NOT MSVC)
-      install(CODE "
-        execute_process(COMMAND \"${CMAKE_STRIP}\"
-          \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/${program}.exe\" COMMAND_ERROR_IS_FATAL ANY)")
-    endif()
+  install(TARGETS ${program})
+  if(NOT MSVC)
+    install(CODE "
+      execute_process(COMMAND \"${CMAKE_STRIP}\"
+        \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/${program}.exe\" COMMAND_ERROR_IS_FATAL ANY)")
   endif()
 endforeach()
 install(DIRECTORY samples bindings docs DESTINATION . OPTIONAL PATTERN __pycache__ EXCLUDE)
