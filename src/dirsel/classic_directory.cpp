@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "frame/module.h"
+#include "kit/list_rows.h"
 #include "kwdialogs.h"
 #include "resources/resource.h"
 
@@ -15,6 +16,14 @@ static_assert(sizeof(OPENFILENAMEA) == 88);
 // The dialog insists on a file name: with an empty one it takes the filter's pattern, which has no wildcard.
 #define DUMMY_NAME "Dummy.TXT"
 static constexpr char kFilter[] = "Dummy (" DUMMY_NAME ")\0" DUMMY_NAME "\0";
+
+// Only for the height of the rows; all else is the system's.
+static UINT_PTR CALLBACK RowsHook(HWND dialog, UINT message, WPARAM, LPARAM) {
+    if (message != WM_INITDIALOG) return 0;
+    FitListRows(GetDlgItem(dialog, IDC_DIRECTORY_LIST));
+    FitComboRows(GetDlgItem(dialog, IDC_DRIVE_COMBO));
+    return 1;
+}
 
 BOOL SelectDirectoryClassic(HWND owner, const char* title, char* directory) {
     char file[KW_MAX_PATH] = "", fileTitle[KW_MAX_PATH] = "";
@@ -30,7 +39,8 @@ BOOL SelectDirectoryClassic(HWND owner, const char* title, char* directory) {
     dialog.nMaxFileTitle = sizeof(fileTitle);
     dialog.lpstrInitialDir = directory;
     dialog.lpstrTitle = title;
-    dialog.Flags = OFN_ENABLETEMPLATE | OFN_HIDEREADONLY;
+    dialog.Flags = OFN_ENABLEHOOK | OFN_ENABLETEMPLATE | OFN_HIDEREADONLY;
+    dialog.lpfnHook = RowsHook;
     dialog.lpstrDefExt = DUMMY_NAME;  // Deliberate: the whole name, not an extension.
     dialog.lpTemplateName = MAKEINTRESOURCEA(IDD_DIRECTORY_SELECTION);
     if (!GetOpenFileNameA(&dialog) || dialog.nFileOffset == 0 || dialog.nFileOffset >= sizeof(file)) return FALSE;

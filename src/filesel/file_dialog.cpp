@@ -6,11 +6,13 @@
 #include <cstring>
 #include <string>
 
+#include "filesel/file_line.h"
 #include "filesel/file_list.h"
 #include "filesel/preview_pane.h"
 #include "frame/module.h"
 #include "frame/os_kind.h"
 #include "frame/services.h"
+#include "kit/list_rows.h"
 #include "kit/paths.h"
 #include "resources/resource.h"
 
@@ -70,6 +72,8 @@ static void RefreshFileList(HWND dialog) { SendDlgItemMessageA(dialog, IDC_FILE_
 
 static UINT_PTR OnInitFileSelection(HWND dialog) {
     if (!HasNewShell(GetOsKind()) && (GetWindowLongPtrA(dialog, GWL_STYLE) & DS_CENTER)) CenterWindow(dialog, nullptr);
+    FitListRows(GetDlgItem(dialog, IDC_DIRECTORY_LIST));
+    FitComboRows(GetDlgItem(dialog, IDC_DRIVE_COMBO));
     SubclassFileList(GetDlgItem(dialog, IDC_FILE_LIST));
     for (const OptionBox& box : kOptionBoxes) {
         if (*box.word & box.bit) SendDlgItemMessageA(dialog, box.id, BM_SETCHECK, BST_CHECKED, 0);

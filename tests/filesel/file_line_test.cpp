@@ -1,4 +1,4 @@
-#include "filesel/file_list.h"
+#include "filesel/file_line.h"
 
 #include <windows.h>
 
@@ -15,7 +15,7 @@ static WIN32_FIND_DATAA File(const char* name, std::uint64_t size = 0, std::uint
     return file;
 }
 
-TEST(FileList, Order) {
+TEST(FileLine, Order) {
     constexpr std::uint64_t kBig = std::uint64_t{1} << 32;
     const struct {
         DWORD sort;
@@ -39,7 +39,7 @@ TEST(FileList, Order) {
     }
 }
 
-TEST(FileList, Texts) {
+TEST(FileLine, Texts) {
     const struct {
         DWORD number;
         const char *driveSize, *thousands;
@@ -64,7 +64,7 @@ static std::uint64_t LocalTime(WORD year, WORD month, WORD day, WORD hour, WORD 
     return static_cast<std::uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
 }
 
-TEST(FileList, Lines) {
+TEST(FileLine, Lines) {
     const std::uint64_t time = LocalTime(2004, 3, 9, 7, 5, 1), old = LocalTime(1999, 12, 31, 23, 59, 58);
     const struct {
         WIN32_FIND_DATAA file;
