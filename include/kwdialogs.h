@@ -59,7 +59,7 @@ typedef struct SelectRequest {
  *   modeBits      KW_FILE_...
  *   keepLongName  0: the chosen path is turned into its short (8.3) form in place where it has one (a file that does
  *                 not exist yet has none); else it stays long
- *   request       see above; null gives 0
+ *   request       see above; null, or one without a buffer, gives 0 and shows nothing
  * Returns non-zero when the user confirmed a file, 0 on Cancel and when the dialog could not be shown; fileBuffer
  * then holds whatever the dialog left in it. */
 unsigned int WINAPI kwSelectFileName(HWND owner, int modeBits, int keepLongName, SelectRequest* request);

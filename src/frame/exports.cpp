@@ -34,7 +34,7 @@ static BOOL SelectFile(HWND owner, int modeBits, SelectRequest* request) {
 }
 
 unsigned int WINAPI kwSelectFileName(HWND owner, int modeBits, int keepLongName, SelectRequest* request) {
-    if (!request) return 0;
+    if (!request || !request->fileBuffer || request->fileBufferSize == 0) return 0;  // no room for a choice
     const BOOL chosen = SelectFile(owner, modeBits, request);
     if (chosen && !keepLongName) GetShortPathNameA(request->fileBuffer, request->fileBuffer, request->fileBufferSize);
     return static_cast<unsigned int>(chosen);
