@@ -8,7 +8,9 @@
 
 #include "dirsel/folder_nodes.h"
 #include "dirsel/shell_item.h"
+#include "frame/dialog_icons.h"
 #include "frame/module.h"
+#include "kit/handles.h"
 #include "kit/layout.h"
 #include "kwdialogs.h"
 #include "resources/resource.h"
@@ -22,26 +24,18 @@ struct FolderTree {
     const char* title = nullptr;  // may be null
     char* directory = nullptr;    // the caller's
     HWND dialog = nullptr, view = nullptr;
+    DialogIcons icons;
     std::string caption;   // without the selected folder
     bool isAsked = false;  // the shell is being asked, and may let messages flow: no node may be filled or deleted
-    LayoutRow rows[3] = {{IDC_FOLDER_TREE, kAnchorRight | kAnchorBottom, 0, 0, {}},
-                         {IDOK, kMoveHorizontally | kMoveVertically, 0, 0, {}},
-                         {IDCANCEL, kMoveHorizontally | kMoveVertically, 0, 0, {}}};
+    LayoutRow rows[3] = {{IDC_FOLDER_TREE, kAnchorRight | kAnchorBottom},
+                         {IDOK, kMoveHorizontally | kMoveVertically},
+                         {IDCANCEL, kMoveHorizontally | kMoveVertically}};
     DialogLayout layout = {rows, static_cast<int>(std::size(rows)), &rememberedSize};
-};
-
-// Marks the tree for the length of a scope.
-struct Asking {
-    FolderTree& tree;
-    explicit Asking(FolderTree& asked) : tree(asked) { tree.isAsked = true; }
-    ~Asking() { tree.isAsked = false; }
-    Asking(const Asking&) = delete;
-    Asking& operator=(const Asking&) = delete;
 };
 
 void Rebuild(FolderTree& tree) {
     if (tree.isAsked) return;
-    const Asking asking(tree);
+    const Raised asked(&tree.isAsked);
     FillRoot(tree.view);
     SelectPath(tree.view, tree.directory);
 }
@@ -50,6 +44,7 @@ void Rebuild(FolderTree& tree) {
 
 void OnInitDialog(FolderTree& tree) {
     tree.view = GetDlgItem(tree.dialog, IDC_FOLDER_TREE);
+    ShowDialogIcons(tree.dialog, &tree.icons);
     if (tree.title) {
         tree.caption = tree.title;
         SetWindowTextA(tree.dialog, tree.title);
@@ -67,7 +62,7 @@ bool OnExpanding(FolderTree& tree, const NMTREEVIEWA& notification) {
     const HTREEITEM node = notification.itemNew.hItem;
     if (notification.action != TVE_EXPAND) return false;
     if (tree.isAsked) return !TreeView_GetChild(tree.view, node);
-    const Asking asking(tree);
+    const Raised asked(&tree.isAsked);
     FillNode(tree.view, node);
     return false;
 }

@@ -120,11 +120,12 @@ int WINAPI GetWindowPosSize(HWND window, POINT* position, SIZE* size) {
 
 namespace {
 
-// Keeps the system's boxes for drives without a medium away for the length of a scope.
+// Keeps the system's boxes for drives without a medium away for the length of a scope, from this thread alone: the
+// process's mode is the host's, and a worker that restores it last would leave the dialog's.
 struct QuietErrors {
-    const UINT previous = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
-    QuietErrors() = default;
-    ~QuietErrors() { SetErrorMode(previous); }
+    DWORD previous = 0;
+    QuietErrors() { SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &previous); }
+    ~QuietErrors() { SetThreadErrorMode(previous, nullptr); }
     QuietErrors(const QuietErrors&) = delete;
     QuietErrors& operator=(const QuietErrors&) = delete;
 };
@@ -182,32 +183,12 @@ HGLOBAL WINAPI LoadFileToGlobal(const char* path) {
 // ---- Workers
 
 std::atomic<LONG> PreviewCancelFlag = 0;
+std::atomic<unsigned> PreviewCancelStores = 0;
 
 int WINAPI PreviewCancel(int value) {
-    if (value == 0 || value == 1) return PreviewCancelFlag.exchange(value);
-    return PreviewCancelFlag.load(std::memory_order_relaxed);
-}
-
-void StopWorkerAndPump(HWND dialog, volatile LONG* word, LONG bits, LONG requestBits) {
-    bool quit = false;
-    WPARAM exitCode = 0;
-    while (InterlockedOr(word, 0) & bits) {
-        InterlockedOr(word, requestBits);
-        PreviewCancel(0);  // on every pass: a reader that has just started raises the flag itself
-        MSG message;
-        if (!PeekMessageA(&message, dialog, 0, 0, PM_REMOVE)) {
-            MsgWaitForMultipleObjects(0, nullptr, FALSE, 1, QS_ALLINPUT);
-            continue;
-        }
-        if (message.message == WM_QUIT) {
-            quit = true;
-            exitCode = message.wParam;
-            continue;
-        }
-        TranslateMessage(&message);
-        DispatchMessageA(&message);
-    }
-    if (quit) PostQuitMessage(static_cast<int>(exitCode));
+    if (value != 0 && value != 1) return PreviewCancelFlag.load(std::memory_order_relaxed);
+    ++PreviewCancelStores;
+    return PreviewCancelFlag.exchange(value);
 }
 
 namespace {
@@ -241,4 +222,45 @@ bool StartModuleThread(void (*work)(void*), void* argument) {
     }
     (void)start.release();  // the thread's own now
     return true;
+}
+
+static void RunWorker(void* argument) {
+    struct Ending {
+        Worker& worker;
+        ~Ending() { worker.runs = false; }  // its owner may be gone from here on
+    };
+    const Ending ending = {*static_cast<Worker*>(argument)};
+    ending.worker.work(ending.worker.argument);
+}
+
+bool StartWorker(Worker* worker, void (*work)(void*), void* argument) {
+    worker->work = work;
+    worker->argument = argument;
+    worker->stopRequested = false;
+    worker->runs = true;
+    if (StartModuleThread(RunWorker, worker)) return true;
+    worker->runs = false;
+    return false;
+}
+
+void StopWorkerAndPump(Worker* worker, HWND dialog) {
+    bool quit = false;
+    WPARAM exitCode = 0;
+    worker->stopRequested = true;
+    while (worker->runs) {
+        PreviewCancel(0);  // on every pass: a reader that has just started raises the flag itself
+        MSG message;
+        if (!PeekMessageA(&message, dialog, 0, 0, PM_REMOVE)) {
+            MsgWaitForMultipleObjects(0, nullptr, FALSE, 1, QS_ALLINPUT);
+            continue;
+        }
+        if (message.message == WM_QUIT) {
+            quit = true;
+            exitCode = message.wParam;
+            continue;
+        }
+        TranslateMessage(&message);
+        DispatchMessageA(&message);
+    }
+    if (quit) PostQuitMessage(static_cast<int>(exitCode));
 }

@@ -38,9 +38,27 @@ HGLOBAL WINAPI LoadFileToGlobal(const char* path);
 int WINAPI PreviewCancel(int value);
 extern std::atomic<LONG> PreviewCancelFlag;  // for the readers' loops, which ask it millions of times
 
-// Stops the running reader and keeps the dialog's messages flowing, until all of `bits` are clear in `word`; before
-// each pass `requestBits` are set in it. A WM_QUIT that passes by is posted again at the end.
-void StopWorkerAndPump(HWND dialog, volatile LONG* word, LONG bits, LONG requestBits);
+// How often the flag has been stored. A reader stores it twice, so one that finds more has shared it with somebody: its
+// run may have been stopped by a word that was meant for another.
+extern std::atomic<unsigned> PreviewCancelStores;
+constexpr unsigned kReaderStores = 2;
+
+// A dialog's worker thread, of which there is at most one at a time. Whoever owns the record keeps it until `runs` is
+// clear.
+struct Worker {
+    std::atomic<bool> runs = false;           // until the thread has said its last word
+    std::atomic<bool> stopRequested = false;  // asked by a worker that does several things one after the other
+    void (*work)(void*) = nullptr;
+    void* argument = nullptr;
+};
+
+// Runs `work(argument)` on a thread of its own; the worker must not run. False when no thread could be made; `work`
+// then never runs.
+bool StartWorker(Worker* worker, void (*work)(void*), void* argument);
+
+// Asks the worker to stop, stops its reader, and keeps the dialog's messages flowing until it has ended: what it sends
+// the dialog must be answered. So any handler may run meanwhile. A WM_QUIT that passes by is posted again at the end.
+void StopWorkerAndPump(Worker* worker, HWND dialog);
 
 // Starts a thread that holds this module in memory until it has left it, so a host may unload the library as soon as
 // the worker has said that it has finished. False when no thread could be made; `work` then never runs.

@@ -3,11 +3,14 @@
 #include <commctrl.h>
 
 #include <algorithm>
-#include <cstring>
+#include <atomic>
+#include <cstdint>
 #include <string>
 
+#include "frame/dialog_icons.h"
 #include "frame/module.h"
 #include "frame/services.h"
+#include "gallery/gallery_grid.h"
 #include "gallery/gallery_items.h"
 #include "kit/handles.h"
 #include "kit/layout.h"
@@ -19,20 +22,9 @@
 
 namespace {
 
-// GalleryState
-constexpr LONG kWorkerRuns = 1;
-constexpr LONG kStopRequested = 128;
-
-// The grid: four columns and three rows of cells; in each, from outside, a margin, a border, the picture and the
-// caption.
-constexpr int kColumns = 4, kRows = 3;
-constexpr int kFrameBorders = 3;    // borders between a cell's edge and its frame
-constexpr int kPictureBorders = 4;  // and its picture
-constexpr int kCaptionSpace = 14;   // below the picture, in pixels of a screen of 96 dots per inch
-
 constexpr UINT_PTR kProgressTimer = 1;
 constexpr UINT kProgressMilliseconds = 40;
-constexpr UINT kWorkerEnded = WM_APP;  // posted by the worker
+constexpr UINT kAllFinished = WM_APP;  // posted by the worker
 constexpr int kProgressRange = 100;
 
 constexpr std::size_t kPoolSlack = 1024;
@@ -48,41 +40,25 @@ struct GalleryRequest {
 
 RememberedSize rememberedSize;
 
-// A running gallery. The worker reads names and fills thumbnails; it has ended when kWorkerRuns is clear.
+// A running gallery. The worker reads names and fills thumbnails.
 struct Gallery {
-    GalleryRequest request;
+    GalleryRequest request = {};
     HWND dialog = nullptr, list = nullptr;
     GalleryItems items;
+    GalleryGrid grid;
     UniqueLocal<std::uint8_t> pool;
     std::size_t poolSize = 0, poolUsed = 0;
-    RECT thumbnail = {};  // at the origin
     UniqueBitmap loading, noPreview, scratch;
-    volatile LONG state = 0;
-    volatile LONG finished = 0;  // items that the worker has done with
-    int shown = 0;               // those of them that the dialog has drawn
-    LayoutRow rows[1] = {{IDC_GALLERY_LIST, kAnchorRight | kAnchorBottom, 0, 0, {}}};
+    DialogIcons icons;
+    Worker worker;
+    std::atomic<int> finished = 0;  // items that the worker has done with
+    int shown = 0;                  // those of them that the dialog has drawn
+    bool isClosing = false;  // by the first word that the user has said; waiting for the worker lets more through
+    LayoutRow rows[1] = {{IDC_GALLERY_LIST, kAnchorRight | kAnchorBottom}};
     DialogLayout layout = {rows, 1, &rememberedSize};
 };
 
-int BorderWidth() { return GetSystemMetrics(SM_CXBORDER); }
-
-// Grows with the caption's font.
-int CaptionHeight() {
-    static const int dotsPerInch = GetDeviceCaps(WindowDc(nullptr).dc, LOGPIXELSY);
-    return MulDiv(kCaptionSpace, dotsPerInch, USER_DEFAULT_SCREEN_DPI);
-}
-
-// The picture's place inside a cell.
-RECT PictureRect(RECT cell) {
-    const int margin = kPictureBorders * BorderWidth();
-    InflateRect(&cell, -margin, -margin);
-    cell.bottom -= CaptionHeight();
-    return cell;
-}
-
-void WaitGalleryWorker(Gallery& gallery) {
-    StopWorkerAndPump(gallery.dialog, &gallery.state, kWorkerRuns, kStopRequested);
-}
+void WaitGalleryWorker(Gallery& gallery) { StopWorkerAndPump(&gallery.worker, gallery.dialog); }
 
 // ---- Worker
 
@@ -97,14 +73,24 @@ void StoreThumbnail(Gallery& gallery, GalleryItem& item, HBITMAP bitmap) {
     if (GetBitmapBits(bitmap, static_cast<LONG>(size), bits) == 0) return;
     gallery.poolUsed += size;
     item.bits = bits;
-    InterlockedExchange(&item.bitsSize, static_cast<LONG>(size));  // the dialog may draw it from here on
+    item.bitsSize = size;  // the dialog may draw it from here on
+}
+
+// A run that gave nothing is made again when its cancel flag was not the reader's alone: it may have been stopped by a
+// word that was meant for another reader.
+UniqueBitmap ReadUndisturbed(const Gallery& gallery, PreviewReader reader, const char* path) {
+    for (;;) {
+        const unsigned stores = PreviewCancelStores;
+        UniqueBitmap bitmap(reader(0, path, &gallery.grid.thumbnail, nullptr, 0));
+        if (bitmap || gallery.worker.stopRequested || PreviewCancelStores - stores <= kReaderStores) return bitmap;
+    }
 }
 
 void MakeThumbnail(Gallery& gallery, GalleryItem& item) {
     const std::string path = JoinPath(gallery.request.folder, item.name);
     const PreviewReader reader = GalleryReaderFor(IdentifyFileType(path.c_str(), nullptr, 0));
     if (!reader) return;
-    const UniqueBitmap bitmap(reader(0, path.c_str(), &gallery.thumbnail, nullptr, 0));
+    const UniqueBitmap bitmap = ReadUndisturbed(gallery, reader, path.c_str());
     if (bitmap) StoreThumbnail(gallery, item, bitmap.get());
 }
 
@@ -112,15 +98,13 @@ void MakeThumbnail(Gallery& gallery, GalleryItem& item) {
 // at `finished` by its timer.
 void FillGallery(void* argument) {
     Gallery& gallery = *static_cast<Gallery*>(argument);
-    for (int i = 0; i < gallery.items.count && !(InterlockedOr(&gallery.state, 0) & kStopRequested); ++i) {
+    for (int i = 0; i < gallery.items.count && !gallery.worker.stopRequested; ++i) {
         GalleryItem& item = gallery.items[i];
         MakeThumbnail(gallery, item);
-        InterlockedOr(&item.flags, kItemFinished);
-        InterlockedExchange(&gallery.finished, i + 1);
+        item.flags |= kItemFinished;
+        gallery.finished = i + 1;
     }
-    const HWND dialog = gallery.dialog;
-    InterlockedExchange(&gallery.state, 0);  // the dialog may go from here on
-    PostMessageA(dialog, kWorkerEnded, 0, 0);
+    PostMessageA(gallery.dialog, kAllFinished, 0, 0);
 }
 
 // ---- Progress
@@ -138,30 +122,29 @@ void RedrawItem(const Gallery& gallery, int index) {
 
 // Shows how far the worker is and the thumbnails that it has finished since the last time.
 void ShowProgress(Gallery& gallery) {
-    const bool runs = InterlockedOr(&gallery.state, 0) & kWorkerRuns;
-    const int finished = static_cast<int>(InterlockedOr(&gallery.finished, 0));
+    const bool runs = gallery.worker.runs;
+    const int finished = gallery.finished;
     while (gallery.shown < finished) RedrawItem(gallery, gallery.shown++);
     UpdateWindow(gallery.list);
     const HWND progress = GetDlgItem(gallery.dialog, IDC_GALLERY_PROGRESS);
     const HWND status = GetDlgItem(gallery.dialog, IDC_GALLERY_STATUS);
-    if (!runs) {
+    if (!runs || finished == gallery.items.count) {
         KillTimer(gallery.dialog, kProgressTimer);
         ShowWindow(progress, SW_HIDE);
         ShowWindow(status, SW_HIDE);
-    } else if (finished < gallery.items.count) {
+    } else {
         const int position = MulDiv(finished + 1, kProgressRange, gallery.items.count);
         SendMessageA(progress, PBM_SETPOS, static_cast<WPARAM>(position), 0);
         SetWindowTextA(status, gallery.items[finished].name);
     }
 }
 
-void StartWorker(Gallery& gallery) {
+void StartFilling(Gallery& gallery) {
     const HWND progress = GetDlgItem(gallery.dialog, IDC_GALLERY_PROGRESS);
     SendMessageA(progress, PBM_SETSTEP, 1, 0);
     SendMessageA(progress, PBM_SETRANGE, 0, MAKELPARAM(0, kProgressRange));
     SetTimer(gallery.dialog, kProgressTimer, kProgressMilliseconds, nullptr);
-    InterlockedExchange(&gallery.state, kWorkerRuns);
-    if (!StartModuleThread(FillGallery, &gallery)) InterlockedExchange(&gallery.state, 0);
+    StartWorker(&gallery.worker, FillGallery, &gallery);
     ShowProgress(gallery);
 }
 
@@ -187,19 +170,8 @@ bool MakePool(Gallery& gallery) {
     return gallery.pool != nullptr;
 }
 
-void MakeGrid(Gallery& gallery) {
-    RECT client;
-    GetClientRect(gallery.list, &client);
-    const int cellWidth = static_cast<int>(client.right) / kColumns;
-    const int cellHeight = static_cast<int>(client.bottom) / kRows;
-    gallery.thumbnail = PictureRect({0, 0, cellWidth, cellHeight});
-    OffsetRect(&gallery.thumbnail, -gallery.thumbnail.left, -gallery.thumbnail.top);
-    SendMessageA(gallery.list, LB_SETCOLUMNWIDTH, static_cast<WPARAM>(cellWidth), 0);
-    SendMessageA(gallery.list, LB_SETITEMHEIGHT, 0, cellHeight);
-}
-
 void MakeBitmaps(Gallery& gallery) {
-    const RECT& size = gallery.thumbnail;
+    const RECT& size = gallery.grid.thumbnail;
     gallery.loading.reset(CreatePlaceholderBitmap(0, LoadResString(ThisModule(), IDS_LOADING), size));
     gallery.noPreview.reset(CreatePlaceholderBitmap(0, LoadResString(ThisModule(), IDS_NO_PREVIEW), size));
     gallery.scratch.reset(CreateBitmap(size.right, size.bottom, 1, 1, nullptr));
@@ -212,8 +184,8 @@ void FillList(Gallery& gallery) {
         SendMessageA(gallery.list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(gallery.items[i].name));
         SendMessageA(gallery.list, LB_SETITEMDATA, static_cast<WPARAM>(i), i);
     }
-    const int current = std::max(SelectByName(&gallery.items, gallery.request.result ? gallery.request.result : ""), 0);
-    InterlockedOr(&gallery.items[current].flags, kItemSelected);
+    const int current = std::max(SelectByName(gallery.items, gallery.request.result ? gallery.request.result : ""), 0);
+    gallery.items[current].flags |= kItemSelected;
     SendMessageA(gallery.list, LB_SETCURSEL, static_cast<WPARAM>(current), 0);
 }
 
@@ -225,13 +197,14 @@ void ShowFolderInCaption(const Gallery& gallery) {
 }
 
 bool OpenGallery(Gallery& gallery) {
-    MakeGrid(gallery);
+    gallery.grid = MakeGalleryGrid(gallery.list);
     MakeBitmaps(gallery);
     if (!ListItems(gallery) || gallery.items.count == 0 || !MakePool(gallery)) return false;
     StartLayout(gallery.dialog, &gallery.layout);
+    FitGalleryGrid(gallery.list, gallery.grid);
     FillList(gallery);
     ShowFolderInCaption(gallery);
-    StartWorker(gallery);
+    StartFilling(gallery);
     return true;
 }
 
@@ -240,6 +213,7 @@ bool OpenGallery(Gallery& gallery) {
 INT_PTR OnInitDialog(HWND dialog, Gallery& gallery) {
     gallery.dialog = dialog;
     gallery.list = GetDlgItem(dialog, IDC_GALLERY_LIST);
+    ShowDialogIcons(dialog, &gallery.icons);
     if (!OpenGallery(gallery)) {
         EndDialog(dialog, 0);
         return TRUE;
@@ -256,6 +230,8 @@ GalleryItem* FindSelected(const GalleryItems& items) {
 }
 
 void OnClose(Gallery& gallery, int result) {
+    if (gallery.isClosing) return;
+    gallery.isClosing = true;
     if (result == 1) {
         const GalleryItem* selected = FindSelected(gallery.items);
         if (selected && gallery.request.result && gallery.request.resultSize > 0) {
@@ -268,10 +244,10 @@ void OnClose(Gallery& gallery, int result) {
 
 // Deliberate: the flags become exactly "selected", so an item that has no picture shows "Loading..." again.
 void OnSelectionChange(Gallery& gallery) {
-    for (int i = 0; i < gallery.items.count; ++i) InterlockedAnd(&gallery.items[i].flags, ~kItemSelected);
+    for (int i = 0; i < gallery.items.count; ++i) gallery.items[i].flags &= ~kItemSelected;
     const LRESULT current = SendMessageA(gallery.list, LB_GETCURSEL, 0, 0);
     if (current < 0 || current >= gallery.items.count) return;
-    InterlockedExchange(&gallery.items[static_cast<int>(current)].flags, kItemSelected);
+    gallery.items[static_cast<int>(current)].flags = kItemSelected;
 }
 
 INT_PTR OnCommand(Gallery& gallery, int id, int notification) {
@@ -287,57 +263,38 @@ INT_PTR OnCommand(Gallery& gallery, int id, int notification) {
     }
 }
 
-// ---- Drawing
-
 // The bitmap that stands for an item now; its bits are put into the scratch bitmap first.
 HBITMAP PictureOf(const Gallery& gallery, const GalleryItem& item) {
-    if (item.bitsSize > 0) {
-        SetBitmapBits(gallery.scratch.get(), static_cast<DWORD>(item.bitsSize), item.bits);
+    if (const std::size_t size = item.bitsSize) {
+        SetBitmapBits(gallery.scratch.get(), static_cast<DWORD>(size), item.bits);
         return gallery.scratch.get();
     }
     return item.flags & kItemFinished ? gallery.noPreview.get() : gallery.loading.get();
-}
-
-void DrawPicture(const Gallery& gallery, const GalleryItem& item, HDC dc, const RECT& cell) {
-    const RECT area = PictureRect(cell);
-    RECT border = area;
-    InflateRect(&border, BorderWidth(), BorderWidth());
-    FillRect(dc, &border, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
-    const HBITMAP picture = PictureOf(gallery, item);
-    const UniqueDc source(CreateCompatibleDC(dc));
-    if (!picture || !source) return;
-    const Selection select(source.get(), picture);
-    SetTextColor(dc, RGB(0, 0, 0));  // what the picture's dark bits become
-    SetBkColor(dc, RGB(255, 255, 255));
-    BitBlt(dc, area.left, area.top, area.right - area.left, area.bottom - area.top, source.get(), 0, 0, SRCCOPY);
-}
-
-void DrawFrameAndCaption(const GalleryItem& item, HDC dc, const RECT& frame, bool focused) {
-    RECT inside = frame;
-    if (focused) DrawEdge(dc, &inside, BDR_SUNKENOUTER, BF_RECT);
-    else FrameRect(dc, &inside, GetSysColorBrush(COLOR_BTNFACE));
-    InflateRect(&inside, -BorderWidth(), -BorderWidth());
-    FillRect(dc, &inside, GetSysColorBrush(focused ? COLOR_HIGHLIGHT : COLOR_BTNFACE));
-    RECT caption = frame;
-    caption.top = frame.bottom - CaptionHeight();  // with the gap above it, the strip is as high as its font
-    SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, GetSysColor(focused ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT));
-    DrawTextA(dc, item.name, -1, &caption, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
 }
 
 INT_PTR OnDrawItem(const Gallery& gallery, const DRAWITEMSTRUCT& draw) {
     if (draw.CtlID != IDC_GALLERY_LIST || draw.itemID >= static_cast<UINT>(gallery.items.count)) return FALSE;
     const GalleryItem& item = gallery.items[static_cast<int>(draw.itemID)];
     const bool whole = draw.itemAction & ODA_DRAWENTIRE;
-    RECT frame = draw.rcItem;
-    InflateRect(&frame, -kFrameBorders * BorderWidth(), -kFrameBorders * BorderWidth());
-    const int saved = SaveDC(draw.hDC);
-    if (!whole) {  // the picture stays as it is
-        ExcludeClipRect(draw.hDC, frame.left, frame.top, frame.right, frame.bottom - CaptionHeight());
-    }
-    DrawFrameAndCaption(item, draw.hDC, frame, draw.itemState & ODS_FOCUS);
-    if (whole) DrawPicture(gallery, item, draw.hDC, draw.rcItem);
-    RestoreDC(draw.hDC, saved);
+    DrawGalleryCell(draw, gallery.grid, item.name, whole ? PictureOf(gallery, item) : nullptr);
+    return TRUE;
+}
+
+INT_PTR OnSize(const Gallery& gallery) {
+    FitGalleryGrid(gallery.list, gallery.grid);
+    return TRUE;
+}
+
+// So small that one row of three columns is whole and the buttons still have their place.
+INT_PTR OnMinMaxInfo(const Gallery& gallery, MINMAXINFO* info) {
+    const SIZE whole = gallery.layout.recordedSize, less = GalleryGridShrink(gallery.grid, 3, 1);
+    info->ptMinTrackSize = {whole.cx - less.cx, whole.cy - less.cy};
+    return TRUE;
+}
+
+INT_PTR OnDestroy(Gallery& gallery) {
+    gallery.isClosing = true;
+    WaitGalleryWorker(gallery);
     return TRUE;
 }
 
@@ -349,11 +306,12 @@ INT_PTR CALLBACK GalleryProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lP
         case WM_INITDIALOG: return OnInitDialog(dialog, *gallery);
         case WM_COMMAND: return OnCommand(*gallery, LOWORD(wParam), HIWORD(wParam));
         case WM_TIMER:
-        case kWorkerEnded: ShowProgress(*gallery); return FALSE;
+        case kAllFinished: ShowProgress(*gallery); return FALSE;
         case WM_DRAWITEM: return OnDrawItem(*gallery, *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
         case WM_SHOWWINDOW: FollowDialogSize(dialog, &gallery->layout, message, wParam); return FALSE;
-        case WM_SIZE: FollowDialogSize(dialog, &gallery->layout, message, wParam); return TRUE;
-        case WM_DESTROY: WaitGalleryWorker(*gallery); return TRUE;
+        case WM_SIZE: FollowDialogSize(dialog, &gallery->layout, message, wParam); return OnSize(*gallery);
+        case WM_GETMINMAXINFO: return OnMinMaxInfo(*gallery, reinterpret_cast<MINMAXINFO*>(lParam));
+        case WM_DESTROY: return OnDestroy(*gallery);
         default: return FALSE;
     }
 }

@@ -17,7 +17,6 @@ using UniqueBitmap = std::unique_ptr<HBITMAP, GdiDelete<HBITMAP>>;
 using UniqueBrush = std::unique_ptr<HBRUSH, GdiDelete<HBRUSH>>;
 using UniquePen = std::unique_ptr<HPEN, GdiDelete<HPEN>>;
 using UniqueFont = std::unique_ptr<HFONT, GdiDelete<HFONT>>;
-using UniqueRegion = std::unique_ptr<HRGN, GdiDelete<HRGN>>;
 
 // A memory device context of our own.
 struct DcDelete {
@@ -73,6 +72,12 @@ struct LocalDelete {
 template <typename T>
 using UniqueLocal = std::unique_ptr<T, LocalDelete>;
 
+struct IconDelete {
+    using pointer = HICON;
+    void operator()(HICON icon) const { DestroyIcon(icon); }
+};
+using UniqueIcon = std::unique_ptr<HICON, IconDelete>;
+
 // Shows the wait cursor for the length of a scope.
 struct WaitCursor {
     const HCURSOR previous;
@@ -80,4 +85,13 @@ struct WaitCursor {
     ~WaitCursor() { SetCursor(previous); }
     WaitCursor(const WaitCursor&) = delete;
     WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
+// Holds a flag up for the length of a scope: what handlers that let messages through do one at a time.
+struct Raised {
+    bool& flag;
+    explicit Raised(bool* raised) : flag(*raised) { flag = true; }
+    ~Raised() { flag = false; }
+    Raised(const Raised&) = delete;
+    Raised& operator=(const Raised&) = delete;
 };

@@ -34,15 +34,12 @@ void StartLayout(HWND dialog, DialogLayout* layout) {
     RestoreDialogSize(dialog, layout);
 }
 
-static LONG Share(LONG growth, int percent) { return percent == 0 ? growth : MulDiv(growth, percent, 100); }
-
 static RECT RectAfterGrowth(const LayoutRow& row, LONG dx, LONG dy) {
-    const LONG x = Share(dx, row.shareX), y = Share(dy, row.shareY);
     RECT rect = row.recorded;
-    if (row.flags & (kAnchorRight | kMoveHorizontally)) rect.right += x;
-    if (row.flags & kMoveHorizontally) rect.left += x;
-    if (row.flags & (kAnchorBottom | kMoveVertically)) rect.bottom += y;
-    if (row.flags & kMoveVertically) rect.top += y;
+    if (row.flags & (kAnchorRight | kMoveHorizontally)) rect.right += dx;
+    if (row.flags & kMoveHorizontally) rect.left += dx;
+    if (row.flags & (kAnchorBottom | kMoveVertically)) rect.bottom += dy;
+    if (row.flags & kMoveVertically) rect.top += dy;
     return rect;
 }
 

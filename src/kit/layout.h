@@ -12,8 +12,7 @@ constexpr unsigned kMoveVertically = 32;    // top and bottom edge
 struct LayoutRow {
     int controlId;
     unsigned flags;
-    int shareX, shareY;  // per cent of the growth; 0: all of it
-    RECT recorded;       // where the control stood when the layout was recorded, in the dialog's client coordinates
+    RECT recorded = {};  // where the control stood when the layout was recorded, in the dialog's client coordinates
 };
 
 // The size of a resizable dialog, kept for the life of the process.

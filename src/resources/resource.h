@@ -10,6 +10,8 @@
 
 #define IDB_PREVIEW_BUTTON 127
 
+#define IDI_KWDIALOGS 130
+
 /* Strings */
 #define IDS_OVERWRITE 10
 #define IDS_LOADING 11
@@ -20,6 +22,7 @@
 #define IDS_DESIGNER 37
 #define IDS_INVALID_VALUE 40
 #define IDS_INITIAL_ERROR 41
+#define IDS_GALLERY_TIP 50
 
 /* Controls of the common dialogs that the templates carry */
 #define IDC_HELP_BUTTON 1038

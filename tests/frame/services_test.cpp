@@ -70,14 +70,28 @@ TEST(Paths, FilesAndDirectories) {
         {"q:\\", 0, 0}, {"q:\\a", 0, 0}, {"1:\\", 0, 0},
         // clang-format on
     };
-    const UINT errorMode = SetErrorMode(SEM_NOALIGNMENTFAULTEXCEPT);
+    const DWORD errorMode = GetThreadErrorMode();
     for (const auto& [path, isDirectory, isFile] : cases) {
         EXPECT_EQ(IsDirectoryPath(path.c_str()), isDirectory) << path;
         EXPECT_EQ(IsFilePath(path.c_str()), isFile) << path;
     }
     EXPECT_EQ(IsDirectoryPath(nullptr), 0);
     EXPECT_EQ(IsFilePath(nullptr), 0);
-    EXPECT_EQ(SetErrorMode(errorMode) & ~SEM_NOALIGNMENTFAULTEXCEPT, 0u) << "the host's error mode is back";
+    EXPECT_EQ(GetThreadErrorMode(), errorMode);
+}
+
+static void AskForFiles(void* worker) {
+    while (!static_cast<Worker*>(worker)->stopRequested) IsFilePath("c:\\none");
+}
+
+TEST(Paths, LeaveTheErrorModeOfTheProcess) {
+    Worker worker;
+    const UINT before = GetErrorMode();
+    ASSERT_TRUE(StartWorker(&worker, AskForFiles, &worker));
+    int changes = 0;
+    for (int i = 0; i < 100000; ++i) changes += GetErrorMode() != before;
+    StopWorkerAndPump(&worker, nullptr);
+    EXPECT_EQ(changes, 0);
 }
 
 TEST(LoadFileToGlobal, WholeOrNothing) {
@@ -108,33 +122,34 @@ TEST(PreviewCancel, StoresOnlyZeroAndOne) {
         EXPECT_EQ(PreviewCancel(value), before) << value;
 }
 
-struct StubbornWorker {
+struct StubbornWork {
     HWND window;
-    volatile LONG word;
+    Worker worker;
     LRESULT answer;
 };
 
 // Ends only when it has been cancelled and its last sent message has been answered.
 static void WorkStubbornly(void* parameter) {
-    auto& worker = *static_cast<StubbornWorker*>(parameter);
+    auto& work = *static_cast<StubbornWork*>(parameter);
     PreviewCancel(1);
-    while (PreviewCancel(-1) == 1 || !(worker.word & 128)) Sleep(1);
-    worker.answer = SendMessageA(worker.window, WM_GETTEXTLENGTH, 0, 0);
-    InterlockedAnd(&worker.word, ~1L);
+    while (PreviewCancel(-1) == 1 || !work.worker.stopRequested) Sleep(1);
+    work.answer = SendMessageA(work.window, WM_GETTEXTLENGTH, 0, 0);
 }
 
-TEST(StopWorkerAndPump, StopsKeepsMessagesFlowingAndPassesQuitOn) {
+TEST(Worker, StopsKeepsMessagesFlowingAndPassesQuitOn) {
     const TestWindow window(WS_POPUP, nullptr, {0, 0, 10, 10});
     SetWindowTextA(window.handle, "four");
-    StubbornWorker worker = {window.handle, 1, 0};
-    ASSERT_TRUE(StartModuleThread(WorkStubbornly, &worker));
-    PostQuitMessage(77);
-    StopWorkerAndPump(window.handle, &worker.word, 1, 128);
-    EXPECT_EQ(worker.answer, 4);
-    EXPECT_EQ(worker.word & 1, 0);
-    MSG message;
-    EXPECT_TRUE(PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
-    EXPECT_EQ(message.wParam, 77u);
+    StubbornWork work = {window.handle, {}, 0};
+    for (int i = 0; i < 2; ++i) {
+        ASSERT_TRUE(StartWorker(&work.worker, WorkStubbornly, &work));
+        work.answer = 0;
+        PostQuitMessage(77);
+        StopWorkerAndPump(&work.worker, window.handle);
+        EXPECT_EQ(work.answer, 4);
+        MSG message;
+        EXPECT_TRUE(PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+        EXPECT_EQ(message.wParam, 77u);
+    }
 }
 
 TEST(Exports, GuiModeIsKept) {

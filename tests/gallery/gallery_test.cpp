@@ -44,10 +44,10 @@ TEST(GalleryItems, FoldersAndLists) {
     GalleryItems listed;
     EXPECT_TRUE(ListNames(&listed, "z.dxf\0a.dxf\0Z.DXF\0"));
     EXPECT_EQ(NamesOf(listed), "z.dxf|a.dxf|Z.DXF|");
-    EXPECT_EQ(SelectByName(&listed, "Z.dxf"), 2);
+    EXPECT_EQ(SelectByName(listed, "Z.dxf"), 2);
     EXPECT_EQ(listed[0].flags & listed[2].flags, kItemSelected) << "case does not matter";
-    EXPECT_EQ(listed[1].flags, 0);
-    EXPECT_EQ(SelectByName(&listed, "none"), -1);
+    EXPECT_EQ(listed[1].flags, 0u);
+    EXPECT_EQ(SelectByName(listed, "none"), -1);
 }
 
 class GalleryDialog : public testing::Test {
