@@ -157,6 +157,7 @@ TEST_F(FolderTree, KeepsItsSize) {
         SetWindowPos(dialog, nullptr, 0, 0, first.right - first.left, first.bottom - first.top, SWP_NOZORDER);
     });
     const DialogStep look = Check([&](HWND dialog) {
+        EXPECT_TRUE(SendMessageA(dialog, WM_GETICON, ICON_SMALL, 0));
         GetWindowRect(dialog, &second);
         RECT tree, cancel;
         GetWindowRect(View(dialog), &tree);

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
 #include <commdlg.h>
 #include <dlgs.h>
 #include <gtest/gtest.h>
@@ -86,6 +87,21 @@ static DialogStep PaneShows(const PaneContents& expected, int looks = 10) {
     };
 }
 
+// A key as the keyboard sends it to the control that has the focus.
+static DialogStep PressKeyIn(int controlId, WPARAM key) {
+    return [=](HWND dialog) {
+        const HWND control = FindControl(dialog, controlId);
+        SetFocus(control);
+        return PostMessageA(control, WM_KEYDOWN, key, 0) != FALSE;
+    };
+}
+
+// Clicks twice, as a user does who sees nothing happen.
+static bool OpenGallery(HWND dialog) {
+    for (int i = 0; i < 2; ++i) PostMessageA(FindControl(dialog, IDC_PREVIEW_GALLERY), BM_CLICK, 0, 0);
+    return true;
+}
+
 static const std::string kDrawing = DxfDrawing(90, 60, "0 CIRCLE|10 40|20 30|40 25|0 TEXT|10 5|20 5|40 9|1 Bore");
 
 TEST_F(ExplorerDialog, PaneShowsTheSelectedFile) {
@@ -102,7 +118,7 @@ TEST_F(ExplorerDialog, PaneShowsTheSelectedFile) {
                   {SelectFile("part.dxf"), PaneShows(drawing), SelectFile("locked.dxf"), PaneShows({nothing, ""}),
                    SelectFile("notes.txt"), PaneShows({nothing, "one\r\ntwo\r\n"}), SelectFile("random.dat"),
                    PaneShows({nothing, ""}), SelectFile("part.dxf"), PaneShows(drawing), Check(deletePart),
-                   SelectFile("notes.txt"), Press(IDOK)}),
+                   SelectFile("notes.txt"), PressKeyIn(IDC_PREVIEW_COMMENT, VK_RETURN)}),
               1u);
     EXPECT_STREQ(file, folder.At("notes.txt").c_str());
     EXPECT_EQ(PreviewCancel(-1), 0);
@@ -111,10 +127,6 @@ TEST_F(ExplorerDialog, PaneShowsTheSelectedFile) {
 
 TEST_F(ExplorerDialog, AChoiceInTheGalleryClosesIt) {
     for (const char* name : {"one.dxf", "two.dxf", "three.txt"}) folder.Write(name, kDrawing);
-    const auto openGallery = [](HWND dialog) {
-        PostMessageA(FindControl(dialog, IDC_PREVIEW_GALLERY), BM_CLICK, 0, 0);
-        return true;
-    };
     const auto choose = [](HWND dialog) {
         const HWND list = FindControl(dialog, IDC_GALLERY_LIST);
         if (!list) return false;
@@ -126,8 +138,8 @@ TEST_F(ExplorerDialog, AChoiceInTheGalleryClosesIt) {
         return IsFileDialog(dialog) && WindowText(FileNameField(dialog)).find("one.dxf") != std::string::npos;
     };
     request.filterIndex = 1;
-    EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {SelectFile("one.dxf"), openGallery, choose, Press(IDCANCEL),
-                                                   unchanged, openGallery, choose, Press(IDOK)}),
+    EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {SelectFile("one.dxf"), OpenGallery, choose, Press(IDCANCEL),
+                                                   unchanged, OpenGallery, choose, Press(IDOK)}),
               1u);
     EXPECT_STREQ(file, folder.At("two.dxf").c_str());
 }
@@ -145,7 +157,16 @@ TEST_F(ExplorerDialog, TheLastSelectionWins) {
     const PaneContents last = DrawingOf(folder.At("3.dxf"));
     std::vector<DialogStep> steps;
     for (int i = 0; i < 8; ++i) steps.push_back(SelectFile(std::to_string(i % 4) + ".dxf"));
-    steps.insert(steps.end(), {PaneShows(last, 150), SelectFile("2.dxf"), Press(IDCANCEL)});  // closed while it runs
+    const auto selectBehind = [](HWND gallery) {
+        return !IsFileDialog(gallery) && SelectFile("3.dxf")(GetWindow(gallery, GW_OWNER));
+    };
+    const auto paneRests = [&, looks = 0](HWND gallery) mutable {
+        EXPECT_NE(ReadPane(GetWindow(gallery, GW_OWNER)).picture, last.picture);
+        return ++looks == 50;
+    };
+    steps.insert(steps.end(), {PaneShows(last, 150), SelectFile("1.dxf"), OpenGallery, selectBehind, paneRests,
+                               Press(IDCANCEL), PaneShows(last), SelectFile("2.dxf"),
+                               PressKeyIn(IDC_PREVIEW_COMMENT, VK_ESCAPE)});  // closed while it runs
     EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW, steps), 0u);
 }
 
@@ -213,6 +234,14 @@ static LRESULT InList(HWND dialog, UINT message, WPARAM wParam = 0, const char* 
     return SendMessageA(FindControl(dialog, IDC_FILE_LIST), message, wParam, reinterpret_cast<LPARAM>(text));
 }
 
+// Counts the lines that ask for a redraw as they come.
+static LRESULT CALLBACK CountRedraws(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR count) {
+    if (message == LB_INSERTSTRING) ValidateRect(list, nullptr);
+    const LRESULT result = DefSubclassProc(list, message, wParam, lParam);
+    if (message == LB_INSERTSTRING) *reinterpret_cast<int*>(count) += GetUpdateRect(list, nullptr, FALSE);
+    return result;
+}
+
 static std::string Listed(HWND dialog) {
     std::string lines;
     char line[600];
@@ -251,7 +280,11 @@ TEST_F(ClassicDialog, ListSortsShowsAndSelects) {
     const std::string japanese = isJapanese ? "\x95\x5c\x81\x40.a" : "x";
     folder.Write(japanese, "");
     request.sortOptions = KW_SORT_NAME, request.displayOptions = 0;
+    int redraws = 0;
     const auto look = [&](HWND dialog) {
+        const HWND list = FindControl(dialog, IDC_FILE_LIST);
+        UpdateWindow(list);
+        SetWindowSubclass(list, CountRedraws, 0, reinterpret_cast<DWORD_PTR>(&redraws));
         EXPECT_EQ(Listed(dialog), "big.b|small.a|with blank.a\t|" + japanese + "|");
         Toggle(dialog, {IDC_SHOW_SIZE});
         EXPECT_EQ(Listed(dialog), "big.b\t2,000|small.a\t8|with blank.a\t0|" + japanese + "\t0|");
@@ -261,6 +294,13 @@ TEST_F(ClassicDialog, ListSortsShowsAndSelects) {
         EXPECT_EQ(Listed(dialog).rfind("big.b"), Listed(dialog).size() - 12);
         for (const int id : {IDC_DRIVE_TOTAL, IDC_DRIVE_FREE, IDC_DRIVE_USED})
             EXPECT_EQ(ControlText(dialog, id).back(), 'B') << id;
+        EXPECT_EQ(redraws, 0) << "a list is drawn when it is whole";
+        EXPECT_GT(InList(dialog, LB_GETHORIZONTALEXTENT), 0);
+    };
+    const auto isEmpty = [](HWND dialog) {
+        Toggle(dialog, {IDC_SHOW_DATE});
+        EXPECT_EQ(Listed(dialog), "");
+        EXPECT_EQ(InList(dialog, LB_GETHORIZONTALEXTENT), 0) << "nothing to scroll to";
     };
     const auto select = [](const std::string& name) {
         return Check([=](HWND dialog) {
@@ -271,8 +311,9 @@ TEST_F(ClassicDialog, ListSortsShowsAndSelects) {
             EXPECT_EQ(InList(dialog, LB_GETCURSEL), line > 0 ? line : LB_ERR) << "kept, but for the first line";
         });
     };
-    EXPECT_EQ(Run(KW_FILE_OPEN, {Check(look), select("with blank.a"), select("big.b"), select("small.a"),
-                                 select(japanese), Press(IDOK)}),
+    EXPECT_EQ(Run(KW_FILE_OPEN, {Check(look), ChooseFilter(0), Check(isEmpty), ChooseFilter(1),
+                                 Check([](HWND dialog) { Toggle(dialog, {IDC_SHOW_DATE}); }), select("with blank.a"),
+                                 select("big.b"), select("small.a"), select(japanese), Press(IDOK)}),
               1u);
     EXPECT_EQ(file, folder.At(japanese));
     EXPECT_EQ(request.sortOptions, DWORD{KW_SORT_SIZE});

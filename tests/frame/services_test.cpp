@@ -156,4 +156,9 @@ TEST(Exports, GuiModeIsKept) {
     for (const auto& [mode, before] : {std::pair{-1, 0}, {3, 0}, {-5, 3}, {0, 3}, {-1, 0}})
         EXPECT_EQ(kwSelectFileGUI(mode), before) << mode;
     EXPECT_EQ(kwSelectFileName(nullptr, 1, 1, nullptr), 0u);
+    char file[MAX_PATH] = "";
+    SelectRequest noBuffer = {}, noRoom = {};
+    noBuffer.fileBufferSize = sizeof(file), noRoom.fileBuffer = file;
+    for (SelectRequest* request : {&noBuffer, &noRoom})
+        EXPECT_EQ(kwSelectFileName(nullptr, 0, 1, request), 0u) << "no dialog asks for what cannot be returned";
 }

@@ -98,6 +98,7 @@ TEST_F(GalleryDialog, ShowsPicturesAndReturnsTheChoice) {
         EXPECT_GT(DarkPixels(dialog, 2), 10) << "the placeholder's text";
         EXPECT_EQ(WindowText(dialog).rfind(folder.path + " - ", 0), 0u) << WindowText(dialog);
         EXPECT_EQ(GetFocus(), FindControl(dialog, IDC_GALLERY_LIST));
+        EXPECT_TRUE(SendMessageA(dialog, WM_GETICON, ICON_SMALL, 0));
     };
     EXPECT_EQ(Run({IsComplete, Check(look), Select(0), Press(IDOK)}), 1);
     EXPECT_STREQ(result, "a.dxf");
@@ -119,8 +120,33 @@ TEST_F(GalleryDialog, ManyFilesStopWhileWorking) {
         EXPECT_FALSE(IsComplete(dialog)) << "else this test stops nothing";
         DeleteFileA(folder.At("1400.dxf").c_str());  // gone between listing and reading
     };
-    EXPECT_EQ(Run({Check(look), Press(IDOK)}), 1);
+    const auto pressBoth = [](int first, int second) {
+        return Check([=](HWND dialog) { Press(first)(dialog), Press(second)(dialog); });
+    };
+    EXPECT_EQ(Run({Check(look), pressBoth(IDOK, IDCANCEL)}), 1) << "the first word counts";
     EXPECT_STREQ(result, "1499.dxf");
+    EXPECT_EQ(Run({Select(0), pressBoth(IDCANCEL, IDOK)}), 0);
+    EXPECT_STREQ(result, "1499.dxf");
+}
+
+static void DisturbReaders(void* worker) {
+    while (!static_cast<Worker*>(worker)->stopRequested) PreviewCancel(0);
+}
+
+TEST_F(GalleryDialog, NoThumbnailIsLostToAnotherReader) {
+    for (int i = 0; i < 8; ++i) folder.Write(std::to_string(i) + ".dxf", kDrawing);
+    folder.Write("8.dxf", "");
+    Worker other;
+    ASSERT_TRUE(StartWorker(&other, DisturbReaders, &other));
+    const auto leaveAlone = [&, looks = 0](HWND) mutable {
+        if (++looks < 40) return false;
+        StopWorkerAndPump(&other, nullptr);
+        return true;
+    };
+    const auto look = [](HWND dialog) {
+        for (int i = 0; i < 8; ++i) EXPECT_GT(DarkPixels(dialog, i), 50) << i;
+    };
+    EXPECT_EQ(Run({leaveAlone, IsComplete, Check(look), Press(IDCANCEL)}), 0);
 }
 
 TEST_F(GalleryDialog, RemembersItsSize) {
@@ -137,7 +163,19 @@ TEST_F(GalleryDialog, RemembersItsSize) {
         SetWindowPos(dialog, nullptr, 0, 0, now.cx + 60, now.cy + 40, SWP_NOMOVE | SWP_NOZORDER);
     };
     EXPECT_EQ(Run({Check(grow), Press(IDCANCEL)}), 0);
-    const auto maximize = [&](HWND dialog) { measure(dialog), ShowWindow(dialog, SW_MAXIMIZE); };
+    // Whole cells fill the list at any size, the least one too.
+    const auto resize = [&](HWND dialog) {
+        for (const SIZE size : {SIZE{1, 1}, SIZE{before.cx + 250, before.cy + 190}, SIZE{now.cx, now.cy}}) {
+            SetWindowPos(dialog, nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER);
+            RECT client = {}, cell = {};
+            GetClientRect(FindControl(dialog, IDC_GALLERY_LIST), &client);
+            InList(dialog, LB_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&cell));
+            const LONG columns = client.right / cell.right, rows = client.bottom / cell.bottom;
+            EXPECT_TRUE(client.right % cell.right < columns && client.bottom % cell.bottom < rows) << size.cx;
+            EXPECT_TRUE(size.cx != 1 || (columns == 3 && rows == 1));
+        }
+    };
+    const auto maximize = [&](HWND dialog) { measure(dialog), resize(dialog), ShowWindow(dialog, SW_MAXIMIZE); };
     EXPECT_EQ(Run({Check(maximize), Press(IDCANCEL)}), 0);
     EXPECT_TRUE(now.cx == before.cx + 60 && now.cy == before.cy + 40);
     EXPECT_TRUE(list.cx == listBefore.cx + 60 && list.cy == listBefore.cy + 40);

@@ -1,6 +1,7 @@
 // The dialog templates as a user meets them: at the screen's resolution, in the system's language.
 #include <windows.h>
 
+#include <commctrl.h>
 #include <gtest/gtest.h>
 
 #include <cctype>
@@ -9,7 +10,9 @@
 #include <vector>
 
 #include "frame/module.h"
+#include "frame/services.h"
 #include "kit/handles.h"
+#include "kwdialogs.h"
 #include "resources/resource.h"
 #include "support/dialog_driver.h"
 
@@ -114,4 +117,51 @@ TEST(Templates, BothLanguagesHaveTheSameControls) {
         EXPECT_EQ(ControlsOf(id, MAKELANGID(LANG_JAPANESE, SUBLANG_DEFAULT)), english) << id;
         EXPECT_NE(english, "") << id;
     }
+}
+
+static int BitmapWidth(HANDLE bitmap) {
+    BITMAP shape = {};
+    GetObjectA(bitmap, sizeof(shape), &shape);
+    return shape.bmWidth;
+}
+
+static BOOL CALLBACK TakeTooltip(HWND window, LPARAM out) {
+    if (ClassOf(window) != TOOLTIPS_CLASSA) return TRUE;
+    *reinterpret_cast<HWND*>(out) = window;
+    return FALSE;
+}
+
+// What is not in the templates: the rows that the system draws, and the gallery's button.
+TEST(Dialogs, FollowTheResolution) {
+    const auto rows = [](HWND dialog) {
+        const HWND list = FindControl(dialog, IDC_DIRECTORY_LIST), combo = FindControl(dialog, IDC_DRIVE_COMBO);
+        const int height = TextSize(FindControl(dialog, IDC_DIRECTORY_PATH)).cy;
+        EXPECT_GE(SendMessageA(list, LB_GETITEMHEIGHT, 0, 0), height);
+        for (const int row : {-1, 0})
+            EXPECT_GE(SendMessageA(combo, CB_GETITEMHEIGHT, static_cast<WPARAM>(row), 0), height) << row;
+    };
+    const auto button = [](HWND dialog) {
+        const UniqueBitmap drawn(LoadBitmapA(ThisModule(), MAKEINTRESOURCEA(IDB_PREVIEW_BUTTON)));
+        const LRESULT shown = SendMessageA(FindControl(dialog, IDC_PREVIEW_GALLERY), BM_GETIMAGE, IMAGE_BITMAP, 0);
+        const int resolution = GetDeviceCaps(WindowDc(nullptr).dc, LOGPIXELSX);
+        EXPECT_EQ(BitmapWidth(reinterpret_cast<HANDLE>(shown)), MulDiv(BitmapWidth(drawn.get()), resolution, 96));
+        HWND tip = nullptr;
+        EnumThreadWindows(GetCurrentThreadId(), TakeTooltip, reinterpret_cast<LPARAM>(&tip));
+        char text[80] = "";
+        TOOLINFOA tool = {};
+        tool.cbSize = TTTOOLINFOA_V2_SIZE;
+        tool.hwnd = GetParent(FindControl(dialog, IDC_PREVIEW_GALLERY));
+        tool.uId = reinterpret_cast<UINT_PTR>(FindControl(dialog, IDC_PREVIEW_GALLERY));
+        tool.lpszText = text;
+        SendMessageA(tip, TTM_GETTEXTA, 0, reinterpret_cast<LPARAM>(&tool));
+        EXPECT_STREQ(text, LoadResString(ThisModule(), IDS_GALLERY_TIP));
+    };
+    char path[KW_MAX_PATH] = "C:\\", file[KW_MAX_PATH] = "";
+    SelectRequest request = {"", "All\0*.*\0", path, 1, file, sizeof(file), nullptr, 0, 0};
+    const auto chooseFile = [&] { return kwSelectFileName(nullptr, KW_FILE_OPEN | KW_FILE_PREVIEW, 1, &request); };
+    EXPECT_EQ(RunDialog(chooseFile, {Check(button), Press(IDCANCEL)}), 0u);
+    kwSelectFileGUI(1);
+    EXPECT_EQ(RunDialog(chooseFile, {Check(rows), Press(IDCANCEL)}), 0u);
+    EXPECT_EQ(RunDialog([&] { return kwSelectDirectryName(nullptr, "", path); }, {Check(rows), Press(IDCANCEL)}), 0u);
+    kwSelectFileGUI(0);
 }
