@@ -44,6 +44,21 @@ static void ShowDriveSizes(HWND dialog, const DriveSizes& sizes) {
 
 namespace {
 
+// The list box by its own procedure: with thousands of lines, the way through the subclass would take as long as asking
+// the file system for each file.
+struct ListBox {
+    const HWND window;
+    const WNDPROC procedure;
+    explicit ListBox(HWND list)
+        : window(list), procedure(reinterpret_cast<WNDPROC>(GetClassLongPtrA(list, GCLP_WNDPROC))) {}
+    LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
+        return CallWindowProcA(procedure, window, message, wParam, lParam);
+    }
+    LRESULT Send(UINT message, WPARAM wParam, const void* pointer) const {
+        return Send(message, wParam, reinterpret_cast<LPARAM>(pointer));
+    }
+};
+
 // The list's own device context with its own font.
 struct ListDc {
     WindowDc window;
@@ -69,11 +84,11 @@ struct TabStops {
 
 }  // namespace
 
-static std::string LineText(HWND list, WPARAM line) {
-    const LRESULT length = SendMessageA(list, LB_GETTEXTLEN, line, 0);
+static std::string LineText(const ListBox& list, WPARAM line) {
+    const LRESULT length = list.Send(LB_GETTEXTLEN, line);
     if (length <= 0) return {};
     std::string text(static_cast<std::size_t>(length) + 1, '\0');
-    SendMessageA(list, LB_GETTEXT, line, reinterpret_cast<LPARAM>(text.data()));
+    list.Send(LB_GETTEXT, line, text.data());
     text.resize(std::strlen(text.c_str()));
     return text;
 }
@@ -92,7 +107,7 @@ static void DescribeLine(const std::string& line, WIN32_FIND_DATAA* out) {
 }
 
 // Fills one record a line and measures the columns.
-static TabStops DescribeLines(HWND list, const ListDc& dc, WIN32_FIND_DATAA* files, WPARAM count) {
+static TabStops DescribeLines(const ListBox& list, const ListDc& dc, WIN32_FIND_DATAA* files, WPARAM count) {
     LONG widestName = 0, widestSize = 0;
     for (WPARAM line = 0; line < count; ++line) {
         DescribeLine(LineText(list, line), &files[line]);
@@ -116,20 +131,20 @@ static unsigned BaseUnit(const ListDc& dc) {
     return std::max(1u, std::min(systemUnit, average));
 }
 
-static void SetTabStops(HWND list, const ListDc& dc, const TabStops& stops) {
+static void SetTabStops(const ListBox& list, const ListDc& dc, const TabStops& stops) {
     const unsigned baseUnit = BaseUnit(dc);
     unsigned units[4] = {};
     for (int i = 0; i < stops.count; ++i) units[i] = static_cast<unsigned>(stops.pixels[i]) * 4 / baseUnit;
-    SendMessageA(list, LB_SETTABSTOPS, static_cast<WPARAM>(stops.count), reinterpret_cast<LPARAM>(units));
+    list.Send(LB_SETTABSTOPS, static_cast<WPARAM>(stops.count), units);
 }
 
 // Puts the lines into the list, which is empty; returns the widest one's width in pixels.
-static int InsertLines(HWND list, const ListDc& dc, const TabStops& stops, const WIN32_FIND_DATAA* files,
+static int InsertLines(const ListBox& list, const ListDc& dc, const TabStops& stops, const WIN32_FIND_DATAA* files,
                        WPARAM count) {
     int widest = 0;
     for (WPARAM line = 0; line < count; ++line) {
         const std::string text = FormatFileLine(files[line], DisplayOptionBits);
-        SendMessageA(list, LB_INSERTSTRING, line, reinterpret_cast<LPARAM>(text.c_str()));
+        list.Send(LB_INSERTSTRING, line, text.c_str());
         const DWORD extent =
             GetTabbedTextExtentA(dc.window.dc, text.c_str(), static_cast<int>(text.size()), stops.count, stops.pixels);
         widest = std::max(widest, static_cast<int>(LOWORD(extent)));
@@ -137,41 +152,41 @@ static int InsertLines(HWND list, const ListDc& dc, const TabStops& stops, const
     return widest;
 }
 
-static void RebuildLines(HWND list, WPARAM count) {
+static void RebuildLines(const ListBox& list, WPARAM count) {
     const std::unique_ptr<WIN32_FIND_DATAA[]> files(new (std::nothrow) WIN32_FIND_DATAA[count]);
     if (!files) return;
 
-    const ListDc dc(list);
+    const ListDc dc(list.window);
     const TabStops stops = DescribeLines(list, dc, files.get(), count);
     SetTabStops(list, dc, stops);
     const WaitCursor wait;
     std::stable_sort(files.get(), files.get() + count, [](const WIN32_FIND_DATAA& a, const WIN32_FIND_DATAA& b) {
         return CompareFiles(a, b, SortOptionBits) < 0;
     });
-    const LRESULT selected = SendMessageA(list, LB_GETCURSEL, 0, 0);
-    SendMessageA(list, LB_RESETCONTENT, 0, 0);
-    SendMessageA(list, LB_SETHORIZONTALEXTENT, 0, 0);
+    const LRESULT selected = list.Send(LB_GETCURSEL);
+    list.Send(LB_RESETCONTENT);
+    list.Send(LB_SETHORIZONTALEXTENT, 0);
     const int widest = InsertLines(list, dc, stops, files.get(), count);
-    SendMessageA(list, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest), 0);
+    list.Send(LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest));
     // Deliberate: a selection on the first line is not restored.
-    if (selected > 0) SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(selected), 0);
+    if (selected > 0) list.Send(LB_SETCURSEL, static_cast<WPARAM>(selected));
 }
 
 // Without redrawing, which would take many times longer than all else; the message that asks for it is still to come.
-static void RebuildList(HWND list) {
+static void RebuildList(const ListBox& list) {
     DriveSizes sizes;
     if (!GetDriveSizes(&sizes)) return;
-    ShowDriveSizes(GetParent(list), sizes);
-    const LRESULT count = SendMessageA(list, LB_GETCOUNT, 0, 0);
-    DefSubclassProc(list, WM_SETREDRAW, FALSE, 0);
+    ShowDriveSizes(GetParent(list.window), sizes);
+    const LRESULT count = list.Send(LB_GETCOUNT);
+    SendMessageA(list.window, WM_SETREDRAW, FALSE, 0);
     if (count > 0) RebuildLines(list, static_cast<WPARAM>(count));
-    else SendMessageA(list, LB_SETHORIZONTALEXTENT, 0, 0);
+    else list.Send(LB_SETHORIZONTALEXTENT, 0);
 }
 
 // ---- Subclass
 
 static LRESULT CALLBACK FileListProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
-    if (message == WM_SETREDRAW && wParam) RebuildList(list);
+    if (message == WM_SETREDRAW && wParam) RebuildList(ListBox(list));
     if (message == WM_NCDESTROY) UnsubclassFileList(list);
     return DefSubclassProc(list, message, wParam, lParam);
 }
