@@ -19,15 +19,16 @@ constexpr int kFieldTextSize = 256;  // a longer text is cut
 constexpr int kStepTextSize = 128;
 constexpr double kLeastRange = 1e-6;  // Deliberate: set-up and write-back take any difference for a range
 
+// Always finite: what is too large counts as the largest number.
 double LeadingNumber(const char* text) {
-    return ParseDecimal({reinterpret_cast<const std::uint8_t*>(text), std::strlen(text)});
+    return SaturateTo<double>(ParseDecimal({reinterpret_cast<const std::uint8_t*>(text), std::strlen(text)}));
 }
 
 // The low bits of an integer, or the nearest value of a float type.
 template <typename T>
 T Narrow(double number) {
     if constexpr (std::is_integral_v<T>) return static_cast<T>(TruncToInt32(number));
-    else return static_cast<T>(number);
+    else return SaturateTo<T>(number);
 }
 
 template <typename T>
@@ -90,11 +91,12 @@ const NumberType* FindNumberType(DWORD valueType) {
 
 // ---- The check
 
-// What is no expression counts as the number that it begins with, or 0; so does what has no value, like sqrt(-1).
+// What is no expression counts as the number that it begins with, or 0; so does what has no finite value, like sqrt(-1)
+// and 1/0.
 static double ValueOf(const char* text) {
     double value = 0;
     const char* position = text;
-    return evaluateExpression(&position, &value) && !std::isnan(value) ? value : LeadingNumber(text);
+    return evaluateExpression(&position, &value) && std::isfinite(value) ? value : LeadingNumber(text);
 }
 
 static bool CheckField(HWND dialog, int index) {
@@ -108,7 +110,7 @@ static bool CheckField(HWND dialog, int index) {
     char text[kFieldTextSize] = "";
     GetWindowTextA(field, text, sizeof(text));
     double value = ValueOf(text);
-    if (std::fabs(item.maximum - item.minimum) > kLeastRange) value = Limit(value, item.minimum, item.maximum);
+    if (std::fabs(item.maximum - item.minimum) > kLeastRange) value = type->limit(value, item.minimum, item.maximum);
     SetWindowTextA(field, type->format(item.text, type->shown(value)).c_str());
     return true;
 }
