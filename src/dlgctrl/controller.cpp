@@ -102,7 +102,8 @@ static void PressEndingButton(HWND dialog, const DialogItem& item) {
 
 static INT_PTR OnCommand(HWND dialog, int commandId, int notification) {
     if (commandId == IDOK) {
-        WriteBackItems(dialog, -1);  // Deliberate: accepted even when an item fails
+        // Deliberate: accepted even when an item fails. Else OK would do nothing, and the user could only cancel.
+        WriteBackItems(dialog, -1);
         EndControlledDialog(dialog, 1);
         return TRUE;
     }
@@ -148,9 +149,9 @@ static INT_PTR OnClose(HWND dialog) {
 static INT_PTR CALLBACK ControllerProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     const DialogContext* const context = ContextOf(dialog);
     const DialogCallback callback = context ? context->setup.callback : nullptr;
-    if (callback && callback(dialog, message, wParam, lParam)) {
-        return TRUE;  // Deliberate: whatever the callback's value, and at WM_DESTROY without our cleaning up
-    }
+    // Deliberate: TRUE whatever the callback's value. The value itself would reach the system as a brush or a result
+    // from hosts that mean no more than "handled". At WM_DESTROY, too, nothing of ours is done then.
+    if (callback && callback(dialog, message, wParam, lParam)) return TRUE;
     switch (message) {
         case WM_INITDIALOG: return OnInitDialog(dialog, wParam, lParam);
         case WM_COMMAND: return OnCommand(dialog, LOWORD(wParam), HIWORD(wParam));

@@ -17,7 +17,10 @@ namespace {
 
 constexpr int kFieldTextSize = 256;  // a longer text is cut
 constexpr int kStepTextSize = 128;
-constexpr double kLeastRange = 1e-6;  // Deliberate: set-up and write-back take any difference for a range
+
+// Deliberate: set-up and write-back take any difference for a range. Bounds that are closer than this leave alone what
+// a user types until it is stored; by the same rule here the field would jump as soon as the user leaves it.
+constexpr double kLeastRange = 1e-6;
 
 // Always finite: what is too large counts as the largest number.
 double LeadingNumber(const char* text) {
@@ -68,7 +71,8 @@ double Shown(double number) {
 
 std::string Integer(const char* format, double number) { return FormatInteger(format, TruncToInt32(number)); }
 
-// Deliberate: a field of 8 bits shows 16; it narrows when it is stored.
+// Deliberate: a field of 8 bits shows 16 and narrows when it is stored. With 8 shown, a user of a host without a range
+// would see 300 become 44 on leaving the field, not when the dialog is opened again.
 constexpr NumberType kNumberTypes[] = {
     {KW_VALUE_INT8, Load<std::int8_t>, Store<std::int8_t>, Leading<std::int8_t>, LimitAs<std::int8_t>,
      Shown<std::int16_t>, Integer},
