@@ -67,7 +67,7 @@ DialogStep Press(int buttonId) {
     };
 }
 
-DialogStep SelectFile(std::string name) {
+DialogStep SelectFile(const std::string& name) {
     return [=](HWND dialog) {
         const HWND list = FindControl(dialog, WC_LISTVIEWA);
         LVFINDINFOA find = {LVFI_STRING, name.c_str(), 0, {}, 0};
@@ -85,14 +85,14 @@ DialogStep SelectFile(std::string name) {
     };
 }
 
-DialogStep Check(std::function<void(HWND dialog)> look) {
+DialogStep Check(const std::function<void(HWND dialog)>& look) {
     return [=](HWND dialog) {
         look(dialog);
         return true;
     };
 }
 
-DialogStep Lasts(DialogStep condition, DWORD milliseconds) {
+DialogStep Lasts(const DialogStep& condition, DWORD milliseconds) {
     return [=, since = DWORD{0}](HWND dialog) mutable {  // 0: it does not hold
         const DWORD now = GetTickCount();
         if (!condition(dialog)) since = 0;

@@ -16,11 +16,16 @@ using DialogStep = std::function<bool(HWND dialog)>;
 // else what went wrong.
 std::string DriveDialogs(const std::function<void()>& open, std::vector<DialogStep> steps);
 
-// Steps.
-DialogStep Press(int buttonId);           // as soon as there is such a button
-DialogStep SelectFile(std::string name);  // in the list of an Explorer-style dialog, as soon as it is listed there
-DialogStep Check(std::function<void(HWND dialog)> look);
-DialogStep Lasts(DialogStep condition, DWORD milliseconds);  // waits until it has held for so long without a break
+// Presses a button of the dialog or of a pane in it, as soon as there is one.
+DialogStep Press(int buttonId);
+
+// Selects a file in the list of an Explorer-style dialog, as soon as it is listed there.
+DialogStep SelectFile(const std::string& name);
+
+DialogStep Check(const std::function<void(HWND dialog)>& look);
+
+// Waits until the condition has held for so long without a break.
+DialogStep Lasts(const DialogStep& condition, DWORD milliseconds);
 
 // Selects a line of a list box as a user does: the list box tells its dialog.
 void SelectLine(HWND dialog, int listId, int line, int notification = LBN_SELCHANGE);

@@ -15,7 +15,7 @@ unsigned RunDialog(const std::function<unsigned()>& open, std::vector<DialogStep
     return result;
 }
 
-DialogStep TypeFileName(std::string text) {
+DialogStep TypeFileName(const std::string& text) {
     return [=](HWND dialog) {
         const HWND edit = FileNameField(dialog);
         return edit && SendMessageA(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));

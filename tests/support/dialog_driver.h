@@ -7,8 +7,8 @@
 // step never comes true or is left over.
 unsigned RunDialog(const std::function<unsigned()>& open, std::vector<DialogStep> steps);
 
-DialogStep TypeFileName(std::string text);  // into the file-name field of a file dialog
-HWND FileNameField(HWND dialog);            // of a file dialog of either style; null when the dialog is none
+DialogStep TypeFileName(const std::string& text);  // into the file-name field of a file dialog
+HWND FileNameField(HWND dialog);                   // of a file dialog of either style; null when the dialog is none
 
 // The picture and the comment of the preview pane.
 struct PaneContents {
