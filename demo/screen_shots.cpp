@@ -139,9 +139,9 @@ DialogStep SelectTab(int index) {
 DialogStep SelectInList(const std::string& name) {
     return [=](HWND dialog) {
         const HWND list = GetDlgItem(dialog, lst1);
-        const LRESULT line =
-            SendMessageA(list, LB_FINDSTRING, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(name.c_str()));
-        if (!list || line < 0) return false;
+        const auto wanted = reinterpret_cast<LPARAM>(name.c_str());
+        const LRESULT line = list ? SendMessageA(list, LB_FINDSTRING, static_cast<WPARAM>(-1), wanted) : -1;
+        if (line < 0) return false;
         SetFocus(list);
         SelectLine(dialog, lst1, static_cast<int>(line));
         return true;
