@@ -48,7 +48,8 @@ for dpi in $resolutions; do
     echo "demo: language $each, $dpi dots per inch"
     suffix=$each
     [ "$dpi" = 96 ] || suffix=${each}_$dpi
-    tools/winrun.sh --desktop "1280x1024@$dpi" "$each" $demo --shots build/demo --lang-suffix "$suffix"
+    timeout -k 10 300 \
+      tools/winrun.sh --desktop "1280x1024@$dpi" "$each" $demo --shots build/demo --lang-suffix "$suffix"
   done
 done
 echo "demo: the pictures are in build/demo/"

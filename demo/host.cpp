@@ -113,11 +113,6 @@ constexpr Service kServices[] = {
     {IDC_PARAMETERS, EditHostParameters},
 };
 
-INT_PTR OnInitDialog(HWND window, const Host& host) {
-    if (!host.options.shots.empty()) StartTour(window, host.options);
-    return TRUE;
-}
-
 INT_PTR OnCommand(HWND window, Host& host, int id) {
     if (id == IDCANCEL) EndDialog(window, 0);
     for (const Service& service : kServices) {
@@ -131,7 +126,9 @@ INT_PTR CALLBACK HostProc(HWND window, UINT message, WPARAM wParam, LPARAM lPara
     auto* host = reinterpret_cast<Host*>(GetWindowLongPtrA(window, DWLP_USER));
     if (!host) return FALSE;
     switch (message) {
-        case WM_INITDIALOG: return OnInitDialog(window, *host);
+        case WM_INITDIALOG:
+            SetForegroundWindow(window);  // or the tour's pictures show it without the colours of an active window
+            return TRUE;
         case WM_COMMAND: return OnCommand(window, *host, LOWORD(wParam));
         default: return FALSE;
     }
@@ -195,8 +192,14 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
         }
     }
     Host host{options};
-    const INT_PTR result =
+    const auto showHost = [&] {
         DialogBoxParamA(instance, MAKEINTRESOURCEA(IDD_HOST), nullptr, HostProc, reinterpret_cast<LPARAM>(&host));
-    if (onCopy) RemoveSampleCopy(options.samples);
-    return static_cast<int>(result);
+    };
+    if (!onCopy) {
+        showHost();
+        return 0;
+    }
+    const int result = TakeTour(showHost, options);
+    RemoveSampleCopy(options.samples);
+    return result;
 }

@@ -118,12 +118,14 @@ typedef struct DialogItem {
     const char* text; /* by kind, see above; may be null */
 } DialogItem;
 
-/* Sees every message before the library does; non-zero: handled, and the system gets TRUE (so no brushes). It must let
- * WM_DESTROY through. Messages that the set-up causes, such as EN_CHANGE, reach it before WM_INITDIALOG does. The
- * window's DWLP_USER slot belongs to the library. */
+/* Sees every message before the library does; non-zero: handled, and the system gets TRUE (so no brushes). Only at
+ * WM_INITDIALOG, which comes when the items are set up, does the value not count. It must let WM_DESTROY through.
+ * Messages that the set-up causes, such as EN_CHANGE, reach it before WM_INITDIALOG does. The window's DWLP_USER slot
+ * belongs to the library. */
 typedef INT_PTR(CALLBACK* DialogCallback)(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
-/* One page of a page container. */
+/* One page of a page container. Its window's parent is the dialog or the page that holds the container; WM_CLOSE on a
+ * page is passed to that parent. */
 typedef struct PageDescriptor {
     HINSTANCE instance;       /* module that holds the page's template; null: the dialog's own module */
     const char* templateName; /* template name or MAKEINTRESOURCEA(id) */

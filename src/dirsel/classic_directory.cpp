@@ -41,7 +41,7 @@ BOOL SelectDirectoryClassic(HWND owner, const char* title, char* directory) {
     dialog.lpstrTitle = title;
     dialog.Flags = OFN_ENABLEHOOK | OFN_ENABLETEMPLATE | OFN_HIDEREADONLY;
     dialog.lpfnHook = RowsHook;
-    dialog.lpstrDefExt = DUMMY_NAME;  // Deliberate: the whole name, not an extension.
+    dialog.lpstrDefExt = DUMMY_NAME;  // the whole name, not an extension
     dialog.lpTemplateName = MAKEINTRESOURCEA(IDD_DIRECTORY_SELECTION);
     if (!GetOpenFileNameA(&dialog) || dialog.nFileOffset == 0 || dialog.nFileOffset >= sizeof(file)) return FALSE;
     file[dialog.nFileOffset] = '\0';

@@ -32,5 +32,6 @@ std::string StepPath(std::string name, bool inNetwork);
 // Selects the folder that the path names, below the network neighbourhood or the computer's drives, and expands the
 // nodes above it. What cannot be found leaves the selection at the deepest folder on the way.
 //
-// Deliberate: "C:\WORK" is found as the last but one step to "C:\WORK\" would be, so it selects "C:\".
+// Deliberate: "C:\WORK" is found as the last but one step to "C:\WORK\" would be, so it selects "C:\". A host that
+// leaves the backslash out would get "C:\WORK\" from an OK at once, where it gets "C:\" now.
 void SelectPath(HWND view, const std::string& path);

@@ -38,7 +38,7 @@ static void EndControlledDialog(HWND dialog, int result) {
     DialogContext* const context = ContextOf(dialog);
     if (context && context->setup.endingId == 0) context->setup.endingId = result;
     if (!context) EndDialog(dialog, result);
-    else if (context->setup.modal) EndDialog(dialog, context->setup.endingId);
+    else if (context->setup.pageDepth == 0) EndDialog(dialog, context->setup.endingId);
     else DestroyWindow(dialog);
 }
 
@@ -94,7 +94,7 @@ static constexpr struct {
 static void PressEndingButton(HWND dialog, const DialogItem& item) {
     DialogSetup& setup = ContextOf(dialog)->setup;
     for (const auto& button : kEndingButtons) {
-        if (ValueTypeOf(item) != button.valueType || !setup.modal) continue;
+        if (ValueTypeOf(item) != button.valueType || setup.pageDepth > 0) continue;
         setup.endingId = item.controlId;
         PostMessageA(dialog, WM_COMMAND, button.commandId, reinterpret_cast<LPARAM>(dialog));
     }
@@ -102,7 +102,8 @@ static void PressEndingButton(HWND dialog, const DialogItem& item) {
 
 static INT_PTR OnCommand(HWND dialog, int commandId, int notification) {
     if (commandId == IDOK) {
-        WriteBackItems(dialog, -1);  // Deliberate: accepted even when an item fails
+        // Deliberate: accepted even when an item fails. Else OK would do nothing, and the user could only cancel.
+        WriteBackItems(dialog, -1);
         EndControlledDialog(dialog, 1);
         return TRUE;
     }
@@ -131,7 +132,7 @@ static void OnTabChange(HWND dialog, HWND tabControl) {
 }
 
 static INT_PTR OnNotify(HWND dialog, NMHDR* header) {
-    if (!header) return FALSE;
+    if (!header || !header->hwndFrom) return FALSE;  // of no window, as the handle of a button or set that is not there
     if (header->code == UDN_DELTAPOS) StepField(dialog, reinterpret_cast<NMUPDOWN*>(header));
     if (header->code == TCN_SELCHANGE) OnTabChange(dialog, header->hwndFrom);
     return FALSE;
@@ -140,7 +141,7 @@ static INT_PTR OnNotify(HWND dialog, NMHDR* header) {
 // A field of many lines closes its dialog at the Escape key: on a page that means the dialog, not the page alone.
 static INT_PTR OnClose(HWND dialog) {
     const DialogContext* const context = ContextOf(dialog);
-    if (!context || context->setup.modal) return FALSE;
+    if (!context || context->setup.pageDepth == 0) return FALSE;
     PostMessageA(GetParent(dialog), WM_CLOSE, 0, 0);
     return TRUE;
 }
@@ -148,9 +149,9 @@ static INT_PTR OnClose(HWND dialog) {
 static INT_PTR CALLBACK ControllerProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     const DialogContext* const context = ContextOf(dialog);
     const DialogCallback callback = context ? context->setup.callback : nullptr;
-    if (callback && callback(dialog, message, wParam, lParam)) {
-        return TRUE;  // Deliberate: whatever the callback's value, and at WM_DESTROY without our cleaning up
-    }
+    // Deliberate: TRUE whatever the callback's value. The value itself would reach the system as a brush or a result
+    // from hosts that mean no more than "handled". At WM_DESTROY, too, nothing of ours is done then.
+    if (callback && callback(dialog, message, wParam, lParam)) return TRUE;
     switch (message) {
         case WM_INITDIALOG: return OnInitDialog(dialog, wParam, lParam);
         case WM_COMMAND: return OnCommand(dialog, LOWORD(wParam), HIWORD(wParam));
@@ -167,7 +168,7 @@ int RunControlledDialog(HINSTANCE instance, const char* templateName, HWND owner
                         DialogCallback callback) {
     const INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_TAB_CLASSES | ICC_UPDOWN_CLASS};
     InitCommonControlsEx(&controls);  // a host's template may hold a tab control before anybody has asked for it
-    DialogSetup setup = {std::max(itemCount, 0), items, callback, 1, 0};
+    DialogSetup setup = {std::max(itemCount, 0), items, callback, 0, 0};
     return static_cast<int>(
         DialogBoxParamA(instance, templateName, owner, ControllerProc, reinterpret_cast<LPARAM>(&setup)));
 }

@@ -35,8 +35,8 @@ struct DialogSetup {
     int itemCount;  // not negative
     DialogItem* items;
     DialogCallback callback;
-    int modal;     // 1: run by kwDlgBoxCtrl, 0: a page
-    int endingId;  // 0 until an accept or dismiss button has left its control id
+    int pageDepth;  // 0: run by kwDlgBoxCtrl; 1: a page of that, 2: a page of such a page, and so on
+    int endingId;   // 0 until an accept or dismiss button has left its control id
 };
 
 // What belongs to an item besides the host's record; null until made.

@@ -80,7 +80,8 @@ inline double Decimal(Parser& in) {
 }
 
 // hexadecimal = any ( "x" | "X" ) { digit }
-// Deliberate: the first character does not have to be "0". The value wraps at 32 bits and is signed.
+// Deliberate: the first character does not have to be "0". Else a user who types 1x10 would get 1, no longer 16. The
+// value wraps at 32 bits and is signed.
 double Hexadecimal(Parser& in) {
     std::uint32_t value = 0;
     for (in.at += 2;; ++in.at) {
@@ -225,7 +226,8 @@ constexpr Comparator kComparators[] = {
     {"<=", [](double a, double b) { return a - b - kTolerance <= 0; }},
     {">=", [](double a, double b) { return a - b + kTolerance >= 0; }},
     {"=", Equal},
-    {"<", [](double a, double b) { return a < b; }},  // Deliberate: without tolerance
+    // Deliberate: without tolerance. With it, users could no longer tell two values apart that "=" takes as equal.
+    {"<", [](double a, double b) { return a < b; }},
     {">", [](double a, double b) { return a > b; }},
 };
 
@@ -246,7 +248,7 @@ inline double Comparison(Parser& in) {
 }
 
 // logical = comparison { ( "&&" | "||" ) comparison }
-// Deliberate: both at one level, left to right.
+// Deliberate: both at one level, left to right. By the usual precedence 1 || 0 && 0, which gives users 0, would be 1.
 inline double Logical(Parser& in) {
     double value = Comparison(in);
     for (;;) {

@@ -17,17 +17,21 @@ namespace {
 
 constexpr int kFieldTextSize = 256;  // a longer text is cut
 constexpr int kStepTextSize = 128;
-constexpr double kLeastRange = 1e-6;  // Deliberate: set-up and write-back take any difference for a range
 
+// Deliberate: set-up and write-back take any difference for a range. Bounds that are closer than this leave alone what
+// a user types until it is stored; by the same rule here the field would jump as soon as the user leaves it.
+constexpr double kLeastRange = 1e-6;
+
+// Always finite: what is too large counts as the largest number.
 double LeadingNumber(const char* text) {
-    return ParseDecimal({reinterpret_cast<const std::uint8_t*>(text), std::strlen(text)});
+    return SaturateTo<double>(ParseDecimal({reinterpret_cast<const std::uint8_t*>(text), std::strlen(text)}));
 }
 
 // The low bits of an integer, or the nearest value of a float type.
 template <typename T>
 T Narrow(double number) {
     if constexpr (std::is_integral_v<T>) return static_cast<T>(TruncToInt32(number));
-    else return static_cast<T>(number);
+    else return SaturateTo<T>(number);
 }
 
 template <typename T>
@@ -65,18 +69,30 @@ double Shown(double number) {
     return Narrow<T>(number);
 }
 
+// The range holds before the number is narrowed and once more behind it, so what is shown can be stored; but a minimum
+// above the maximum would then give way to that.
+template <typename T, typename AsShown>
+double ShownInRange(double number, double minimum, double maximum) {
+    using Widest = std::conditional_t<std::is_integral_v<T>, std::int32_t, T>;
+    const double shown = Shown<AsShown>(LimitAs<Widest>(number, minimum, maximum));
+    return minimum > maximum ? shown : LimitAs<T>(shown, minimum, maximum);
+}
+
 std::string Integer(const char* format, double number) { return FormatInteger(format, TruncToInt32(number)); }
 
-// Deliberate: a field of 8 bits shows 16; it narrows when it is stored.
+// Deliberate: a field of 8 bits shows 16 and narrows when it is stored. With 8 shown, a user of a host without a range
+// would see 300 become 44 on leaving the field, not when the dialog is opened again.
 constexpr NumberType kNumberTypes[] = {
     {KW_VALUE_INT8, Load<std::int8_t>, Store<std::int8_t>, Leading<std::int8_t>, LimitAs<std::int8_t>,
-     Shown<std::int16_t>, Integer},
+     Shown<std::int16_t>, ShownInRange<std::int8_t, std::int16_t>, Integer},
     {KW_VALUE_INT16, Load<std::int16_t>, Store<std::int16_t>, Leading<std::int16_t>, LimitAs<std::int16_t>,
-     Shown<std::int16_t>, Integer},
+     Shown<std::int16_t>, ShownInRange<std::int16_t, std::int16_t>, Integer},
     {KW_VALUE_INT32, Load<std::int32_t>, Store<std::int32_t>, Leading<std::int32_t>, LimitAs<std::int32_t>,
-     Shown<std::int32_t>, Integer},
-    {KW_VALUE_FLOAT, Load<float>, Store<float>, Leading<float>, LimitAs<float>, Shown<float>, FormatReal},
-    {KW_VALUE_DOUBLE, Load<double>, Store<double>, Leading<double>, LimitAs<double>, Shown<double>, FormatReal},
+     Shown<std::int32_t>, ShownInRange<std::int32_t, std::int32_t>, Integer},
+    {KW_VALUE_FLOAT, Load<float>, Store<float>, Leading<float>, LimitAs<float>, Shown<float>,
+     ShownInRange<float, float>, FormatReal},
+    {KW_VALUE_DOUBLE, Load<double>, Store<double>, Leading<double>, LimitAs<double>, Shown<double>,
+     ShownInRange<double, double>, FormatReal},
 };
 
 }  // namespace
@@ -90,11 +106,12 @@ const NumberType* FindNumberType(DWORD valueType) {
 
 // ---- The check
 
-// What is no expression counts as the number that it begins with, or 0; so does what has no value, like sqrt(-1).
+// What is no expression counts as the number that it begins with, or 0; so does what has no finite value, like sqrt(-1)
+// and 1/0.
 static double ValueOf(const char* text) {
     double value = 0;
     const char* position = text;
-    return evaluateExpression(&position, &value) && !std::isnan(value) ? value : LeadingNumber(text);
+    return evaluateExpression(&position, &value) && std::isfinite(value) ? value : LeadingNumber(text);
 }
 
 static bool CheckField(HWND dialog, int index) {
@@ -107,9 +124,10 @@ static bool CheckField(HWND dialog, int index) {
 
     char text[kFieldTextSize] = "";
     GetWindowTextA(field, text, sizeof(text));
-    double value = ValueOf(text);
-    if (std::fabs(item.maximum - item.minimum) > kLeastRange) value = Limit(value, item.minimum, item.maximum);
-    SetWindowTextA(field, type->format(item.text, type->shown(value)).c_str());
+    const double value = ValueOf(text);
+    const bool hasRange = std::fabs(item.maximum - item.minimum) > kLeastRange;
+    const double shown = hasRange ? type->shownInRange(value, item.minimum, item.maximum) : type->shown(value);
+    SetWindowTextA(field, type->format(item.text, shown).c_str());
     return true;
 }
 

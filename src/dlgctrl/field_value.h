@@ -17,7 +17,8 @@ struct NumberType {
     void (*store)(void* variable, double number);  // narrows
     double (*leading)(const char* text);           // the number at a text's start, as the type stores it
     double (*limit)(double number, double minimum, double maximum);  // with bounds of the type
-    double (*shown)(double number);                            // what a field shows of a number that has been typed
+    double (*shown)(double number);  // what a field shows of a number that has been typed
+    double (*shownInRange)(double number, double minimum, double maximum);
     std::string (*format)(const char* format, double number);  // null format: the type's own
 };
 

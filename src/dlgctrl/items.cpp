@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "dlgctrl/dlgitem.h"
 #include "dlgctrl/field_value.h"
@@ -15,9 +16,9 @@
 
 namespace {
 
-constexpr int kFieldTextSize = 256;       // a number's text; a longer one is cut
 constexpr int kMostButtons = 0xFFFF;      // of a radio group: more than a template can hold
 constexpr int kDeepestPages = 32;         // pages in pages: a table that holds itself comes to an end
+constexpr int kNoId = 0xFFFF;             // what a template writes as -1: labels and frames that nobody addresses
 constexpr DWORD kSpinStyle = 0x508000A5;  // child, visible, border; no thousands, arrow keys, right of the field, wraps
 
 // One item that is being handled. The record is a copy: see dlgitem.h.
@@ -72,14 +73,15 @@ double LimitToRange(const Item& item, double number) {
 }
 
 bool ShowNumberField(const Item& item) {
-    const double number = LimitToRange(item, LoadNumber(item));
+    const double number = LimitToRange(item, item.type->shown(LoadNumber(item)));
     SetWindowTextA(item.control, item.type->format(item.record.text, number).c_str());
     return true;
 }
 
-// Deliberate: no evaluation here; a field that has not been checked gives its leading number.
+// Deliberate: no evaluation here; a field that has not been checked gives its leading number. Evaluated, 2*3 and Enter
+// would store 6 in every host, where it stores 2.
 bool StoreNumberField(const Item& item) {
-    char text[kFieldTextSize] = "";
+    char text[kNumberSize] = "";
     GetWindowTextA(item.control, text, sizeof(text));
     item.type->store(item.record.value, LimitToRange(item, item.type->leading(text)));
     return true;
@@ -97,8 +99,22 @@ bool StoreCheck(const Item& item) {
 
 // ---- Radio groups
 
+// How many there are by the host's table.
 int ButtonCount(const Item& item) { return std::clamp(CountOf(item.record), 0, kMostButtons); }
 int ButtonId(const Item& item, int button) { return WrappingAdd(item.record.controlId, button); }
+
+// The buttons by their index, up to the last that exists; null where an id has no control.
+std::vector<HWND> Buttons(const Item& item) {
+    std::vector<HWND> buttons;
+    for (HWND child = GetWindow(item.dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        const int id = GetDlgCtrlID(child), index = WrappingSubtract(id, item.record.controlId);
+        if (id == kNoId || index < 0 || index >= ButtonCount(item)) continue;
+        const auto at = static_cast<std::size_t>(index);
+        if (at >= buttons.size()) buttons.resize(at + 1);
+        if (!buttons[at]) buttons[at] = child;
+    }
+    return buttons;
+}
 
 bool ShowRadio(const Item& item) {
     const int count = ButtonCount(item);
@@ -109,11 +125,13 @@ bool ShowRadio(const Item& item) {
 }
 
 bool StoreRadio(const Item& item) {
-    for (int i = 0; i < ButtonCount(item); ++i) {
-        const HWND button = GetDlgItem(item.dialog, ButtonId(item, i));
-        if (!button || SendMessageA(button, BM_GETCHECK, 0, 0) == 0) continue;
-        item.type->store(item.record.value, i);
-        break;
+    int index = 0;
+    for (const HWND button : Buttons(item)) {
+        if (button && SendMessageA(button, BM_GETCHECK, 0, 0) != 0) {
+            item.type->store(item.record.value, index);
+            break;
+        }
+        ++index;
     }
     return true;
 }
@@ -139,17 +157,12 @@ bool StoreCombo(const Item& item) {
 
 // ---- Pages
 
-int DepthOf(HWND dialog) {
-    int depth = 0;
-    while ((dialog = GetParent(dialog)) != nullptr) ++depth;
-    return depth;
-}
-
 // A modeless dialog under the same procedure; null when it cannot be created or one of its items fails.
 HWND CreatePage(HWND dialog, const PageDescriptor& descriptor) {
     const auto own = reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(dialog, GWLP_HINSTANCE));
     const HINSTANCE instance = descriptor.instance ? descriptor.instance : own;
-    DialogSetup setup = {std::max(descriptor.itemCount, 0), descriptor.items, descriptor.callback, 0, 0};
+    const int depth = ContextOf(dialog)->setup.pageDepth + 1;
+    DialogSetup setup = {std::max(descriptor.itemCount, 0), descriptor.items, descriptor.callback, depth, 0};
     const HWND page = CreateDialogParamA(instance, descriptor.templateName, dialog, ContextOf(dialog)->procedure,
                                          reinterpret_cast<LPARAM>(&setup));
     if (ContextOf(page)) return page;  // the handle of a page that has failed is dead already
@@ -176,7 +189,7 @@ bool ShowPages(const Item& item) {
     ItemHandles* handles = HandlesOf(item.dialog, item.index);
     if (!item.record.value || !(item.record.maximum > 0) || !handles) return false;
     if (handles->pageSet) return true;
-    if (DepthOf(item.dialog) >= kDeepestPages) return false;
+    if (ContextOf(item.dialog)->setup.pageDepth >= kDeepestPages) return false;
     handles->pageSet = CreatePageSet(item.control);
     if (!handles->pageSet) return false;
     const auto* const descriptors = static_cast<const PageDescriptor*>(item.record.value);
@@ -253,8 +266,9 @@ void LabelControl(const Item& item) { SetWindowTextA(item.control, item.record.t
 
 void LabelButtons(const Item& item) {
     const char* label = item.record.text;
-    for (int i = 0; i < ButtonCount(item); ++i, label += std::strlen(label) + 1) {
-        SetDlgItemTextA(item.dialog, ButtonId(item, i), label);
+    for (const HWND button : Buttons(item)) {
+        if (button) SetWindowTextA(button, label);
+        label += std::strlen(label) + 1;
     }
 }
 
@@ -283,8 +297,8 @@ void ApplyFlags(const Item& item, HWND control) {
 void ApplyFlags(const Item& item) {
     if (KindOf(item.record) != KW_KIND_RADIO) return ApplyFlags(item, item.control);
     if (!(item.record.type & (KW_FLAG_DISABLED | KW_FLAG_HIDDEN))) return;
-    for (int i = 0; i < ButtonCount(item); ++i) {
-        if (const HWND button = GetDlgItem(item.dialog, ButtonId(item, i))) ApplyFlags(item, button);
+    for (const HWND button : Buttons(item)) {
+        if (button) ApplyFlags(item, button);
     }
 }
 

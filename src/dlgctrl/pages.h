@@ -18,7 +18,8 @@ int AddPage(HGLOBAL set, HWND page, DWORD userValue);
 // already.
 int SelectPage(HGLOBAL set, int index);
 
-// Destroys a page and its tab. Deliberate: the number of pages stays, so that later indices keep their meaning.
+// Destroys a page and its tab. Deliberate: the number of pages stays; else the indices that a caller holds would mean
+// the pages behind the ones that it knows.
 int RemovePage(HGLOBAL set, int index);
 
 // Destroys the pages, the tabs and the set.

@@ -12,9 +12,6 @@ namespace {
 constexpr char kDefaultRealFormat[] = "%.3lf";
 constexpr std::size_t kMostDigits = 3;  // of a width or a precision
 
-// The 309 digits of the largest number, a sign, a point, and the longest precision or width.
-constexpr std::size_t kNumberSize = 309 + 2 + 1000 + 1;
-
 // What stands between '%' and the next text: "-8.3lf" has flags "-", width 8, precision 3, size "l", letter 'f'.
 struct Conversion {
     std::string layout;  // flags, width and precision as they are written

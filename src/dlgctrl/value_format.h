@@ -8,6 +8,9 @@
 
 constexpr int kRealFormatSize = 16;
 
+// Room for any number: the 309 digits of the largest, a sign, a point, and the longest precision or width.
+constexpr int kNumberSize = 309 + 2 + 1000 + 1;
+
 // A null format means the default.
 std::string FormatInteger(const char* format, int value);
 std::string FormatText(const char* format, const char* text);

@@ -16,5 +16,6 @@ int WINAPI GetOsKind();
 // The kind that belongs to GetVersionExA's answer.
 int OsKindOf(DWORD platformId, DWORD majorVersion);
 
-// Deliberate: an unknown system has every bit set and so counts as new.
+// Deliberate: an unknown system has every bit set and so counts as new. As an old one it would give its users the
+// classic dialogs, which have no preview.
 inline bool HasNewShell(int osKind) { return (osKind & (kOsWindows9x | kOsNt4)) != 0; }

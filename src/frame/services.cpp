@@ -65,7 +65,7 @@ const char* WINAPI LoadResString(HINSTANCE module, UINT id) {
         if (slot->module == module && slot->id == id) return slot->text;
         if (!slot->module && !empty) empty = slot;
     }
-    if (!empty) {  // Deliberate: a full cache is flushed whole, never one entry at a time.
+    if (!empty) {  // a full cache is flushed whole: the texts that were handed out become empty
         std::memset(slots, 0, kSlotCount * sizeof(StringSlot));
         empty = slots;
     }

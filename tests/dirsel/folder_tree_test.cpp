@@ -4,16 +4,13 @@
 
 #include <commctrl.h>
 #include <gtest/gtest.h>
-#include <shlobj.h>
 
 #include <cstring>
 
 #include "dirsel/folder_nodes.h"
-#include "dirsel/shell_item.h"
 #include "kwdialogs.h"
 #include "resources/resource.h"
 #include "support/dialog_driver.h"
-#include "support/handle_counts.h"
 #include "support/temp_folder.h"
 
 // A folder that the shell shows: the user's own place for temporary files may be hidden.
@@ -176,29 +173,4 @@ TEST_F(FolderTree, LeavesComAsItWas) {
     Run("", {CaptionIs("A title - [" + std::string(kDrives) + "]"), Press(IDCANCEL)});
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_FALSE) << "the host's own stays open";
     for (int i = 0; i < 2; ++i) CoUninitialize();
-}
-
-// ---- Leaks
-
-// References to the shell's desktop folder, which is one object for the whole process.
-static int DesktopReferences() {
-    IShellFolder* desktop = nullptr;
-    return SUCCEEDED(SHGetDesktopFolder(&desktop)) ? static_cast<int>(desktop->Release()) : -1;
-}
-
-TEST_F(FolderTree, LeaksNothing) {
-    folder.MakeFolder("WORK");
-    const ComApartment com;
-    const auto visit = [&](int i) {
-        std::vector<DialogStep> steps = {Expand(), SelectChild("WORK"), Press(i % 2 ? IDOK : IDCANCEL)};
-        if (i % 5 == 0) steps.insert(steps.begin(), kPressF5);
-        Run(folder.At(""), steps);
-    };
-    for (int i = 0; i < 5; ++i) visit(i);  // what the system makes once
-    const HandleCounts before = CountHandles();
-    const int references = DesktopReferences(), blocks = CountHeapBlocks();
-    for (int i = 0; i < 100; ++i) visit(i);
-    EXPECT_EQ(DesktopReferences(), references);
-    EXPECT_LT(CountHeapBlocks() - blocks, 50) << "less than one in two dialogs";
-    ExpectNothingLeft(before, 0);
 }

@@ -5,7 +5,6 @@
 #include "dlgctrl/field_value.h"
 #include "dlgctrl/host_dialog.h"
 #include "dlgctrl/items.h"
-#include "support/handle_counts.h"
 
 TEST(Controller, Endings) {
     const struct {
@@ -145,30 +144,4 @@ TEST(Controller, CallbacksThatInterfere) {
             while (PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) {}
         }
     }
-}
-
-TEST(Controller, ManyLeaveNothingBehind) {
-    double number = 1;
-    std::int32_t pageNumber = 2;
-    DialogItem good = {IDC_FIELD, KW_KIND_EDIT | KW_VALUE_INT32 | KW_FLAG_SPIN, &pageNumber, 0, 0, nullptr};
-    DialogItem bad = {IDC_FIELD, KW_KIND_EDIT | KW_VALUE_INT32, nullptr, 0, 0, nullptr};
-    PageDescriptor pages[] = {{nullptr, MAKEINTRESOURCEA(IDD_PAGE_TWO), nullptr, 1, &good},
-                              {nullptr, MAKEINTRESOURCEA(IDD_PAGE_TWO), nullptr, 1, &bad}};
-    const auto run = [&](int count) {
-        for (int i = 0; i < count; ++i) {
-            const double pageCount = i % 4 == 3 ? 2 : 1;
-            HostDialog host;
-            host.items = {{IDC_FIELD, KW_KIND_EDIT | KW_VALUE_DOUBLE | KW_FLAG_SPIN, &number, 0, 5, nullptr},
-                          {IDC_TABS, KW_KIND_PAGES | KW_VALUE_PAGES, pages, 0, pageCount, nullptr}};
-            host.endWith = i % 2 ? IDOK : IDCANCEL;
-            host.shown = i % 25 == 0;
-            EXPECT_EQ(host.Run(IDD_SMALL), i % 4 == 1);
-        }
-    };
-    run(20);  // what the system keeps from its first dialogs
-    const HandleCounts before = CountHandles();
-    const int blocks = CountHeapBlocks();
-    run(500);
-    ExpectNothingLeft(before, 10);
-    EXPECT_LT(CountHeapBlocks() - blocks, 100) << "less than one in five dialogs";
 }

@@ -10,6 +10,7 @@
 
 #include "dlgctrl/field_value.h"
 #include "dlgctrl/host_dialog.h"
+#include "support/guard_block.h"
 
 static int ControlOf(DWORD kind) {
     const int ids[] = {IDC_FIELD, IDC_CHECK, IDC_RADIO, IDC_COMBO, IDC_LABEL};
@@ -170,6 +171,25 @@ TEST(Items, LabelsAndFlags) {
         }
     };
     EXPECT_EQ(host.Run(), 1);
+}
+
+// The list of labels ends with the buttons that there are, at the end of what can be read.
+TEST(Items, MoreButtonsThanThereAre) {
+    const GuardBlock labels(std::string("one\0two\0three\0", 14));
+    std::int32_t last = 2;
+    HostDialog host;
+    host.items = {{IDC_RADIO, kRadio | kInt32, &last, 0, 1e9, labels.Text()}};
+    host.opened = [](HWND dialog) {
+        EXPECT_EQ(TextOf(dialog, IDC_RADIO + 2), "three");
+        EXPECT_EQ(Shown(dialog, kRadio), "2");
+        CheckRadioButton(dialog, IDC_RADIO, IDC_RADIO + 2, IDC_RADIO + 1);
+    };
+    EXPECT_EQ(host.Run(), 1);
+    EXPECT_EQ(last, 1);
+    last = 7;
+    host.opened = [](HWND dialog) { EXPECT_EQ(Shown(dialog, kRadio), "-1") << "an eighth is claimed"; };
+    EXPECT_EQ(host.Run(), 1);
+    EXPECT_EQ(last, 7);
 }
 
 // The dialog is accepted all the same.

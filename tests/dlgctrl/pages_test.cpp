@@ -108,7 +108,9 @@ TEST(Pages, OtherContainer) {
         EXPECT_EQ(place.left, wanted.left);
         EXPECT_EQ(place.top, wanted.top);
         EXPECT_EQ(SelectPage(SetOf(dialog), 1), 0);
-        EXPECT_EQ(Visible(dialog), "01");
+        NMHDR header = {nullptr, 0, static_cast<UINT>(TCN_SELCHANGE)};
+        SendMessageA(dialog, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header));
+        EXPECT_EQ(Visible(dialog), "01") << "a change from no window is none of a container without tabs";
     };
     EXPECT_EQ(host.Run(), 1);
 }
@@ -139,17 +141,28 @@ TEST(Pages, OnesThatCannotBeCreated) {
     noItems.pages[0].itemCount = -5;
     EXPECT_EQ(noItems.Run(), 1) << "as good as 0 items";
 
-    PagedDialog itself;  // a page that holds itself
-    DialogItem again = {IDC_TABS, KW_KIND_PAGES | KW_VALUE_PAGES, itself.pages, 0, 1, nullptr};
-    itself.pages[0].items = &again;
-    itself.pages[0].callback = HostCallback;
-    int pageCount = 0;
-    itself.callback = [&](HWND window, UINT message, WPARAM) -> INT_PTR {
-        pageCount += message == WM_DESTROY && GetParent(window);
-        return 0;
-    };
-    EXPECT_EQ(itself.Run(), 0);
-    EXPECT_LT(pageCount, 40) << "long before the stack ends";
+    for (const int page : {IDD_PAGE_ONE, IDD_SMALL, IDD_LOOSE_PAGE}) {  // a child, a pop-up, neither
+        PagedDialog itself;                                             // a page that holds itself
+        DialogItem again = {IDC_TABS, KW_KIND_PAGES | KW_VALUE_PAGES, itself.pages, 0, 1, nullptr};
+        itself.pages[0] = {nullptr, MAKEINTRESOURCEA(page), HostCallback, 1, &again};
+        int pageCount = -1;  // the dialog itself
+        itself.callback = [&](HWND, UINT message, WPARAM) -> INT_PTR {
+            pageCount += message == WM_DESTROY;
+            return 0;
+        };
+        EXPECT_EQ(itself.Run(), 0);
+        EXPECT_LE(pageCount, 32) << page;
+    }
+}
+
+TEST(Pages, OwnersAreNoPages) {
+    PagedDialog host;
+    HWND owners[40] = {};
+    for (HWND& owner : owners)
+        host.owner = owner =
+            CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 9, 9, host.owner, nullptr, nullptr, nullptr);
+    EXPECT_EQ(host.Run(), 1);
+    DestroyWindow(owners[0]);
 }
 
 // Buttons of a page do not end the dialog; the Escape key in a field of many lines does not close a page.

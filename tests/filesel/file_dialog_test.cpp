@@ -13,7 +13,6 @@
 #include "preview/file_type.h"
 #include "resources/resource.h"
 #include "support/dialog_driver.h"
-#include "support/handle_counts.h"
 #include "support/picture.h"
 #include "support/samples.h"
 #include "support/temp_folder.h"
@@ -336,22 +335,4 @@ TEST_F(ClassicDialog, StartsInAnyDirectory) {
     }
     EXPECT_EQ(Run(0, {TypeFileName("new.dxf"), Press(IDOK)}), 1u) << "saved under a name that there is not";
     SetCurrentDirectoryA(before.c_str());
-}
-
-TEST_F(ExplorerDialog, ManyLeaveNothingBehind) {
-    const std::string path = folder.Write("part.dxf", kDrawing);
-    folder.Write("b.dxf", "");
-    const DialogStep shown = PaneShows(DrawingOf(path), 1);
-    const auto run = [&](int count) {
-        for (int i = 0; i < count; ++i) {
-            kwSelectFileGUI(i % 10 != 0);
-            std::vector<DialogStep> steps = {Press(IDCANCEL)};
-            if (i % 10 == 0) steps = {SelectFile("part.dxf"), shown, SelectFile("b.dxf"), Press(IDCANCEL)};
-            Run(KW_FILE_OPEN | KW_FILE_PREVIEW, steps);
-        }
-    };
-    run(11);  // what the system keeps from its first dialogs
-    const HandleCounts before = CountHandles();
-    run(200);
-    ExpectNothingLeft(before, 5);
 }

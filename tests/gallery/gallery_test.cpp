@@ -9,7 +9,6 @@
 #include "kit/handles.h"
 #include "resources/resource.h"
 #include "support/dialog_driver.h"
-#include "support/handle_counts.h"
 #include "support/samples.h"
 #include "support/temp_folder.h"
 
@@ -186,15 +185,4 @@ TEST_F(GalleryDialog, RemembersItsSize) {
     };
     EXPECT_EQ(Run({Check(restore), Press(IDCANCEL)}), 0);
     EXPECT_TRUE(now.cx - list.cx == before.cx - listBefore.cx && now.cy - list.cy == before.cy - listBefore.cy);
-}
-
-TEST_F(GalleryDialog, LeaksNothing) {
-    for (int i = 0; i < 5; ++i) folder.Write(std::to_string(i) + ".dxf", kDrawing);
-    HandleCounts before = {};
-    for (int i = 0; i <= 100; ++i) {
-        const bool isOk = i % 2;
-        EXPECT_EQ(isOk ? Run({Press(IDOK)}) : Run({IsComplete, Press(IDCANCEL)}), isOk);
-        if (i == 0) before = CountHandles();
-    }
-    ExpectNothingLeft(before, 2);  // a thread that is just leaving may still be there
 }
