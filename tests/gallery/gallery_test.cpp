@@ -134,7 +134,7 @@ static void DisturbReaders(void* worker) {
 
 TEST_F(GalleryDialog, NoThumbnailIsLostToAnotherReader) {
     for (int i = 0; i < 8; ++i) folder.Write(std::to_string(i) + ".dxf", kDrawing);
-    folder.Write("8.dxf", "");
+    folder.Write("8.dxf", "");  // shows what none shows
     Worker other;
     ASSERT_TRUE(StartWorker(&other, DisturbReaders, &other));
     const auto leaveAlone = [&, looks = 0](HWND) mutable {
@@ -143,7 +143,7 @@ TEST_F(GalleryDialog, NoThumbnailIsLostToAnotherReader) {
         return true;
     };
     const auto look = [](HWND dialog) {
-        for (int i = 0; i < 8; ++i) EXPECT_GT(DarkPixels(dialog, i), 50) << i;
+        for (int i = 0; i < 8; ++i) EXPECT_NE(DarkPixels(dialog, i), DarkPixels(dialog, 8)) << i;
     };
     EXPECT_EQ(Run({leaveAlone, IsComplete, Check(look), Press(IDCANCEL)}), 0);
 }
