@@ -13,7 +13,7 @@ if(MSVC)
     $<$<COMPILE_LANGUAGE:CXX>:/permissive- /Zc:__cplusplus /EHsc>)
 else()
   target_compile_options(kwdialogs_options INTERFACE
-    $<$<COMPILE_LANGUAGE:C,CXX>:-Wall -Wextra -Wpedantic -Wconversion -Werror>
+    $<$<COMPILE_LANGUAGE:C,CXX>:-Wall -Wextra -Wpedantic -Wconversion -Wno-sign-conversion -Werror>
     $<$<COMPILE_LANGUAGE:C,CXX>:-ffunction-sections -fdata-sections>)
   # No -fstack-protector: this compiler's runtime draws its cookie from a crypto provider, which would be loaded
   # while the DLL is attached, under the loader lock.

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "frame/services.h"
 #include "kit/handles.h"
 #include "kit/paths.h"
 #include "kit/sjis.h"
@@ -190,8 +191,7 @@ void CopyHeadAsLine(const char* head, char* out, int size) {
 }
 
 bool ReadHead(const char* fileName, char* buffer, DWORD* count) {
-    const UniqueHandle file(
-        CreateFileA(fileName, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const UniqueHandle file(OpenDiskFile(fileName));
     if (!IsOpen(file)) return false;
     if (!ReadFile(file.get(), buffer, kHeadSize, count, nullptr)) *count = 0;
     return true;

@@ -28,11 +28,12 @@ std::string BytesAt(std::size_t size, std::initializer_list<std::pair<std::size_
     return bytes;
 }
 
-std::string BitmapFile(int width, int height, int bitsPerPixel, const std::string& palette, const std::string& pixels) {
+std::string BitmapFile(int width, int height, int bitsPerPixel, const std::string& palette, const std::string& pixels,
+                       int compression) {
     const auto colors = static_cast<std::uint32_t>(palette.size() / 4);
     const auto offset = static_cast<std::uint32_t>(14 + 40 + palette.size());
     const std::uint32_t file[] = {offset + static_cast<std::uint32_t>(pixels.size()), 0, offset};
-    const std::int32_t info[] = {40, width, height, 1 | bitsPerPixel << 16, 0, 0, 0, 0};
+    const std::int32_t info[] = {40, width, height, 1 | bitsPerPixel << 16, compression, 0, 0, 0};
     const std::uint32_t used[] = {colors, 0};
     return "BM" + Raw(file) + Raw(info) + Raw(used) + palette + pixels;
 }

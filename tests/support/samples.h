@@ -23,8 +23,9 @@ std::string DxfDrawing(int width, int height, const std::string& entities);
 // `size` zero bytes with texts put at their offsets.
 std::string BytesAt(std::size_t size, std::initializer_list<std::pair<std::size_t, std::string>> parts);
 
-// A Windows bitmap file with a header of 40 bytes; rows bottom up, padded by the caller.
-std::string BitmapFile(int width, int height, int bitsPerPixel, const std::string& palette, const std::string& pixels);
+// A Windows bitmap file with a header of 40 bytes; rows bottom up, padded by the caller, or runs.
+std::string BitmapFile(int width, int height, int bitsPerPixel, const std::string& palette, const std::string& pixels,
+                       int compression = 0);
 
 std::string ReadWholeFile(const std::string& path);
 
