@@ -14,8 +14,8 @@
 #include "kit/screen.h"
 #include "kwdialogs.h"
 #include "preview/dispatch.h"
+#include "preview/drawing/placeholder.h"
 #include "preview/file_type.h"
-#include "preview/renderer.h"
 #include "resources/resource.h"
 
 namespace {

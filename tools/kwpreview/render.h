@@ -46,7 +46,7 @@ struct Preview {
     NoPicture whyNamed = NoPicture::none;
 };
 
-// Draws a file as the dialogs do. `renderMode` as for readers (preview/canvas.h); a bitmap file keeps its own size.
+// Draws a file as the dialogs do. `renderMode` as for readers (preview/drawing/canvas.h); a bitmap file keeps its own size.
 // A file is taken to show nothing when all of its picture is white, unless it is a bitmap file.
 Preview RenderPreview(const std::string& path, DWORD renderMode, SIZE size);
 
