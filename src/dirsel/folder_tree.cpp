@@ -9,6 +9,7 @@
 #include "dirsel/folder_nodes.h"
 #include "dirsel/shell_item.h"
 #include "frame/module.h"
+#include "kit/guard.h"
 #include "kit/layout.h"
 #include "kwdialogs.h"
 #include "resources/resource.h"
@@ -148,6 +149,6 @@ BOOL SelectFolderTree(HWND owner, const char* title, char* directory) {
     FolderTree tree;
     tree.title = title;
     tree.directory = directory;
-    return DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(IDD_FOLDER_TREE), owner, FolderTreeProc,
-                           reinterpret_cast<LPARAM>(&tree)) == TRUE;
+    return DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(IDD_FOLDER_TREE), owner,
+                           GuardedProcedure<INT_PTR, FolderTreeProc>, reinterpret_cast<LPARAM>(&tree)) == TRUE;
 }

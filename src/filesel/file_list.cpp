@@ -7,6 +7,7 @@
 #include <memory>
 #include <new>
 
+#include "kit/guard.h"
 #include "kit/handles.h"
 #include "kwdialogs.h"
 #include "preview/file_type.h"
@@ -267,7 +268,7 @@ void SubclassFileList(HWND list) {
     if (!list || GetPropA(list, kPreviousProcedure)) return;
     const LONG_PTR own = GetWindowLongPtrA(list, GWLP_WNDPROC);
     if (!SetPropA(list, kPreviousProcedure, reinterpret_cast<HANDLE>(own))) return;
-    SetWindowLongPtrA(list, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(FileListProc));
+    SetWindowLongPtrA(list, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(GuardedProcedure<LRESULT, FileListProc>));
 }
 
 void UnsubclassFileList(HWND list) {

@@ -9,6 +9,7 @@
 #include "frame/module.h"
 #include "frame/services.h"
 #include "gallery/gallery_items.h"
+#include "kit/guard.h"
 #include "kit/handles.h"
 #include "kit/layout.h"
 #include "kit/paths.h"
@@ -114,7 +115,7 @@ void FillGallery(void* argument) {
     Gallery& gallery = *static_cast<Gallery*>(argument);
     for (int i = 0; i < gallery.items.count && !(InterlockedOr(&gallery.state, 0) & kStopRequested); ++i) {
         GalleryItem& item = gallery.items[i];
-        MakeThumbnail(gallery, item);
+        Guarded(0, [&] { return MakeThumbnail(gallery, item), 0; });
         InterlockedOr(&item.flags, kItemFinished);
         InterlockedExchange(&gallery.finished, i + 1);
     }
@@ -365,7 +366,7 @@ int ShowGallery(HWND owner, int listMode, const char* folder, const char* names,
     InitCommonControlsEx(&controls);
     Gallery gallery;
     gallery.request = {listMode, folder ? folder : "", names ? names : "", result, resultSize};
-    const INT_PTR ended = DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(IDD_GALLERY), owner, GalleryProc,
-                                          reinterpret_cast<LPARAM>(&gallery));
+    const INT_PTR ended = DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(IDD_GALLERY), owner,
+                                          GuardedProcedure<INT_PTR, GalleryProc>, reinterpret_cast<LPARAM>(&gallery));
     return ended == 1;
 }
