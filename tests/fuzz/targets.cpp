@@ -15,7 +15,6 @@
 #include "kit/numbers.h"
 #include "kit/paths.h"
 #include "kit/sjis.h"
-#include "preview/drawing/strokes.h"
 #include "preview/formats/backup.h"
 #include "preview/formats/command.h"
 #include "preview/formats/comments.h"
@@ -23,6 +22,7 @@
 #include "preview/formats/native.h"
 #include "preview/formats/signatures.h"
 #include "preview/formats/text.h"
+#include "support/checked_canvas.h"
 
 namespace {
 
@@ -50,70 +50,17 @@ struct Ways {
     }
 };
 
-// ---- A canvas that keeps nothing but holds what it is asked for against the promises
+// ---- Drawings
 
-struct CheckedCanvas : DrawingSink, StrokeTarget {
-    std::atomic<std::int32_t> flag = 1;
-    PixelRect target = {};
-    bool opened = false;
-    std::uint32_t fitsLeft = ~0u, drawsLeft = ~0u;
-    explicit CheckedCanvas(Ways& ways);
+struct FuzzedCanvas : CheckedCanvas {
+    explicit FuzzedCanvas(Ways& ways) {
+        constexpr PixelRect kTargets[] = {{0, 0, 189, 126}, {0, 0, 1, 1}, {5, 7, 4005, 3007}, {0, 0, 0, 0}};
+        target = kTargets[ways.Take(8) / 2];
+        if (ways.Take(4) == 0) drawsLeft = ways.Take(64);
+        if (ways.Take(8) == 0) fitsLeft = ways.Take(3);
+        textsAsFrames = ways.Take(4) == 0;
+    }
 };
-
-bool IsInSpace(PixelPoint p) { return std::abs(p.x) <= 1 << 27 && std::abs(p.y) <= 1 << 27; }
-
-void CheckPoints(const PixelPoint* points, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) Require(IsInSpace(points[i]));
-}
-
-CheckedCanvas::CheckedCanvas(Ways& ways) {
-    fit = [](DrawingSink& sink, const WorldRect& extents, FitMode mode) {
-        auto& canvas = static_cast<CheckedCanvas&>(sink);
-        Require(canvas.opened || mode == kWipe);
-        if (canvas.fitsLeft-- == 0) return false;
-        canvas.opened = true;
-        FitViewTransform(extents, canvas.target, &canvas.view);
-        return true;
-    };
-    draw = [](DrawingSink& sink, PreviewPrimitive& element, unsigned pen) {
-        auto& canvas = static_cast<CheckedCanvas&>(sink);
-        Require(canvas.opened && canvas.flag == 1);
-        DrawElement(canvas, canvas.view, element, pen % kPenCount);
-        if (canvas.drawsLeft-- == 0) canvas.flag = 0;
-    };
-    path = nullptr;
-    unicodeText = nullptr;
-    goOn = &flag;
-    textsAsFrames = false;
-    pixel = [](StrokeTarget&, PixelPoint at) { Require(IsInSpace(at)); };
-    line = [](StrokeTarget&, unsigned pen, PixelPoint from, PixelPoint to) {
-        Require(pen < kPenCount && IsInSpace(from) && IsInSpace(to));
-    };
-    arc = [](StrokeTarget&, unsigned pen, PixelPoint centre, std::int32_t radius, PixelPoint from, PixelPoint to) {
-        Require(pen < kPenCount && radius > 0 && radius < 32767);
-        Require(IsInSpace(centre) && IsInSpace(from) && IsInSpace(to));
-    };
-    polyline = [](StrokeTarget&, unsigned, const PixelPoint* points, std::size_t count) { CheckPoints(points, count); };
-    area = [](StrokeTarget&, const PixelPoint* points, const std::size_t* counts, std::size_t outlines) {
-        for (std::size_t i = 0; i < outlines; points += counts[i++]) CheckPoints(points, counts[i]);
-    };
-    polygon = [](StrokeTarget&, unsigned, const PixelPoint* corners, std::size_t count) {
-        CheckPoints(corners, count);
-    };
-    dot = [](StrokeTarget&, unsigned, PixelPoint centre, std::int32_t radius) {
-        Require(radius >= 2 && radius < 32767 && IsInSpace(centre));
-    };
-    StrokeTarget::text = [](StrokeTarget&, const TextStroke& text) {
-        Require(IsInSpace(text.at) && text.length > 0 && text.length < sizeof(PreviewPrimitive::g));
-        Require(text.height >= 2 && text.height <= kMaxTextPixels && text.width >= 2 && text.width <= kMaxTextPixels);
-        Require(std::memchr(text.text, 0, text.length + 1) == text.text + text.length);
-    };
-    constexpr PixelRect kTargets[] = {{0, 0, 189, 126}, {0, 0, 1, 1}, {5, 7, 4005, 3007}, {0, 0, 0, 0}};
-    target = kTargets[ways.Take(8) / 2];
-    if (ways.Take(4) == 0) drawsLeft = ways.Take(64);
-    if (ways.Take(8) == 0) fitsLeft = ways.Take(3);
-    textsAsFrames = ways.Take(4) == 0;
-}
 
 void Label(unsigned id, char* out, std::size_t size) {
     const std::string text(id % 70, 'L');
@@ -139,15 +86,20 @@ template <Decoder decode>
 void Decode(ByteView input) {
     Ways ways(input);
     CommentBuffer buffer(ways);
-    CheckedCanvas canvas(ways);
+    FuzzedCanvas canvas(ways);
     const bool complete = decode(input, &buffer.comment, ways.Take(16) == 0 ? nullptr : &canvas);
     Require(!complete || canvas.opened);
 }
 
 // ---- What users and hosts type
 
+// Sometimes so many times one behind the other that a parser without a limit runs out of stack.
 void RunExpression(ByteView input) {
-    const std::string text = TextOf(input);
+    constexpr std::size_t kLong = 1 << 16;
+    std::string text = TextOf(input);
+    if (Ways(input).Take(16) == 0) {
+        while (!text.empty() && text.size() < kLong) text += text;
+    }
     const char* position = text.c_str();
     double value = 0;
     int error = 0;
@@ -274,7 +226,7 @@ void RunRecords(ByteView input) {
 // Extents, then elements: a byte of kind and pen, two of end marks, seven numbers each.
 void RunStrokes(ByteView input) {
     Ways ways(input);
-    CheckedCanvas canvas(ways);
+    FuzzedCanvas canvas(ways);
     std::size_t at = 0;
     const auto take = [&](auto& value) {
         const bool there = ReadAt(input, at, &value);

@@ -34,6 +34,7 @@ bool BenchCancel(Bench* bench);
 bool BenchMemory(Bench* bench);
 bool BenchIdentify(Bench* bench);
 bool BenchExpression(Bench* bench);
+bool BenchAttacks(Bench* bench);
 bool BenchDialog(Bench* bench);
 bool BenchDrawings(Bench* bench);
 bool BenchGallery(Bench* bench);

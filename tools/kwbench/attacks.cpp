@@ -1,0 +1,92 @@
+// Files that are made to cost, at three sizes: how processor time and memory grow with them.
+#include "support/attacks.h"
+
+#include <windows.h>
+// psapi.h needs windows.h.
+#include <psapi.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "frame/services.h"
+#include "kit/handles.h"
+#include "kwbench.h"
+#include "preview.h"
+#include "preview/dispatch.h"
+
+static constexpr DWORD kLongestMilliseconds = 20000;  // then the run is cancelled
+static constexpr double kMostSeconds = 2;             // for the largest file
+
+struct Cost {
+    double seconds = 0, megabytes = 0;  // of the processor; of memory at its peak
+    bool isCancelled = false;
+};
+
+static double ProcessorSeconds() {
+    FILETIME created, exited, kernel = {}, user = {};
+    GetThreadTimes(GetCurrentThread(), &created, &exited, &kernel, &user);
+    const auto ticks = [](FILETIME time) {
+        return static_cast<double>(time.dwHighDateTime) * 4294967296.0 + time.dwLowDateTime;
+    };
+    return (ticks(kernel) + ticks(user)) * 1e-7;
+}
+
+static void CALLBACK CancelRun(void* ended, BOOLEAN) {
+    *static_cast<volatile bool*>(ended) = true;
+    PreviewCancel(0);
+}
+
+static Cost CostOf(const std::string& path) {
+    PROCESS_MEMORY_COUNTERS before = {}, after = {};
+    GetProcessMemoryInfo(GetCurrentProcess(), &before, sizeof(before));
+    Cost cost;
+    HANDLE timer = nullptr;
+    volatile bool isCancelled = false;
+    CreateTimerQueueTimer(&timer, nullptr, CancelRun, const_cast<bool*>(&isCancelled), kLongestMilliseconds, 0,
+                          WT_EXECUTEDEFAULT);
+    const double start = ProcessorSeconds();
+    std::string comment(32767, '\0');
+    const PreviewReader reader = PaneReaderFor(IdentifyFileType(path.c_str(), nullptr, 0));
+    const UniqueBitmap bitmap(
+        reader ? reader(2, path.c_str(), &kPaneTarget, comment.data(), static_cast<DWORD>(comment.size())) : nullptr);
+    cost.seconds = ProcessorSeconds() - start;
+    DeleteTimerQueueTimer(nullptr, timer, INVALID_HANDLE_VALUE);
+    cost.isCancelled = isCancelled;
+    GetProcessMemoryInfo(GetCurrentProcess(), &after, sizeof(after));
+    cost.megabytes =
+        static_cast<double>(after.PeakWorkingSetSize - std::min(before.WorkingSetSize, after.PeakWorkingSetSize)) /
+        kMegabyte;
+    return cost;
+}
+
+bool BenchAttacks(Bench* bench) {
+    constexpr std::size_t kSizes[] = {1, 2, 10};
+    for (std::size_t i = 0; i < kAttackCount; ++i) {
+        const Attack& attack = kAttacks[i];
+        Progress(std::string("attacks: ") + attack.name);
+        std::string times, memory;
+        double first = 0, last = 0;
+        bool isCancelled = false;
+        for (const std::size_t megabytes : kSizes) {
+            const std::string path = bench->folder + "attack" + attack.extension;
+            const std::string contents = attack.write(megabytes * kMegabyte);
+            UniqueHandle file(CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+            DWORD written = 0;
+            if (!WriteFile(file.get(), contents.data(), static_cast<DWORD>(contents.size()), &written, nullptr)) {
+                return Fail("attacks: " + path + " cannot be written");
+            }
+            file.reset();
+            const Cost cost = CostOf(path);
+            if (first == 0) first = cost.seconds;
+            last = cost.seconds;
+            isCancelled = isCancelled || cost.isCancelled;
+            times += (times.empty() ? "" : ", ") + (cost.isCancelled ? "over 20 s" : Milliseconds(cost.seconds));
+            memory += (memory.empty() ? "" : ", ") + Number(cost.megabytes, 0);
+            if (cost.isCancelled) break;
+        }
+        bench->rows.push_back({std::string(attack.name) + ": " + times, Milliseconds(last), memory + " MB",
+                               first > 0.05 ? Number(last / first, 1) : "", "<= " + Number(kMostSeconds, 0) + " s",
+                               !isCancelled && last <= kMostSeconds ? Row::kMet : Row::kMissed});
+    }
+    return true;
+}
