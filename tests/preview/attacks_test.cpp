@@ -16,7 +16,7 @@ TEST(Attacks, DrawWhatCanBeSeen) {
         const GuardBlock file(attack.write(200'000));
         char text[400] = "";
         Comment comment = {text, sizeof(text), nullptr};
-        CheckedCanvas canvas, framed;
+        CheckedCanvas canvas({0, 0, 300, 200}), framed({0, 0, 300, 200});
         framed.textsAsFrames = true;
         attack.decode(file.View(), &comment, &canvas);
         EXPECT_EQ(canvas.counts, attack.drawn) << attack.name;

@@ -58,11 +58,11 @@ std::string OddExtents(std::size_t size) {
 }
 constexpr const char *kNan = "nan", *kInfinite = "1e999", *kEmpty = "1000", *kHuge = "-1e308";
 std::string Circles(std::size_t size) {  // as large as a circle is drawn
-    return DxfOf(size, "0", [](int i) { return Dxf("0 CIRCLE|10 5|20 5|40 " + std::to_string(174000 - i % 100)); });
+    return DxfOf(size, "0", [](int i) { return Dxf("0 CIRCLE|10 5|20 5|40 " + std::to_string(114600 - i % 100)); });
 }
 std::string Texts(std::size_t size) {  // a font for each
     return DxfOf(size, "0", [](int i) {
-        return Dxf("0 TEXT|10 500|20 350|40 " + std::to_string(21000 - i % 1000) + "|1 W|50 " +
+        return Dxf("0 TEXT|10 500|20 350|40 " + std::to_string(14330 - i % 1000) + "|1 W|50 " +
                    std::to_string(i % 3600 / 10.0));
     });
 }

@@ -12,7 +12,7 @@ struct Attack {
     const char* extension;  // which its format goes by
     Decoder decode;
     std::string (*write)(std::size_t size);
-    StrokeCounts drawn;  // of 200,000 bytes, on the pane's canvas
+    StrokeCounts drawn;  // of 200,000 bytes, on a canvas of 300 x 200 pixels
 };
 
 extern const Attack kAttacks[];

@@ -2,11 +2,6 @@
 #include "support/attacks.h"
 
 #include <windows.h>
-// psapi.h needs windows.h.
-#include <psapi.h>
-
-#include <algorithm>
-#include <cstdio>
 
 #include "frame/services.h"
 #include "kit/handles.h"
@@ -18,7 +13,7 @@ static constexpr DWORD kLongestMilliseconds = 20000;  // then the run is cancell
 static constexpr double kMostSeconds = 2;             // for the largest file
 
 struct Cost {
-    double seconds = 0, megabytes = 0;  // of the processor; of memory at its peak
+    double seconds = 0;  // of the processor
     bool isCancelled = false;
 };
 
@@ -37,8 +32,6 @@ static void CALLBACK CancelRun(void* ended, BOOLEAN) {
 }
 
 static Cost CostOf(const std::string& path) {
-    PROCESS_MEMORY_COUNTERS before = {}, after = {};
-    GetProcessMemoryInfo(GetCurrentProcess(), &before, sizeof(before));
     Cost cost;
     HANDLE timer = nullptr;
     volatile bool isCancelled = false;
@@ -48,19 +41,18 @@ static Cost CostOf(const std::string& path) {
     std::string comment(32767, '\0');
     const PreviewReader reader = PaneReaderFor(IdentifyFileType(path.c_str(), nullptr, 0));
     const UniqueBitmap bitmap(
-        reader ? reader(2, path.c_str(), &kPaneTarget, comment.data(), static_cast<DWORD>(comment.size())) : nullptr);
+        reader ? reader(kRenderColor, path.c_str(), &kPaneTarget, comment.data(), static_cast<DWORD>(comment.size()))
+               : nullptr);
     cost.seconds = ProcessorSeconds() - start;
     DeleteTimerQueueTimer(nullptr, timer, INVALID_HANDLE_VALUE);
     cost.isCancelled = isCancelled;
-    GetProcessMemoryInfo(GetCurrentProcess(), &after, sizeof(after));
-    cost.megabytes =
-        static_cast<double>(after.PeakWorkingSetSize - std::min(before.WorkingSetSize, after.PeakWorkingSetSize)) /
-        kMegabyte;
     return cost;
 }
 
 bool BenchAttacks(Bench* bench) {
     constexpr std::size_t kSizes[] = {1, 2, 10};
+    const Drawing* small = DrawingOf(bench, 1);
+    if (!small) return false;
     for (std::size_t i = 0; i < kAttackCount; ++i) {
         const Attack& attack = kAttacks[i];
         Progress(std::string("attacks: ") + attack.name);
@@ -81,8 +73,10 @@ bool BenchAttacks(Bench* bench) {
             last = cost.seconds;
             isCancelled = isCancelled || cost.isCancelled;
             times += (times.empty() ? "" : ", ") + (cost.isCancelled ? "over 20 s" : Milliseconds(cost.seconds));
-            memory += (memory.empty() ? "" : ", ") + Number(cost.megabytes, 0);
             if (cost.isCancelled) break;
+            int kilobytes = 0;
+            if (!RunPreviewMemory(*small, path, &kilobytes)) return Fail("attacks: the process has failed");
+            memory += (memory.empty() ? "" : ", ") + Number(kilobytes / 1024.0, 0);
         }
         bench->rows.push_back({std::string(attack.name) + ": " + times, Milliseconds(last), memory + " MB",
                                first > 0.05 ? Number(last / first, 1) : "", "<= " + Number(kMostSeconds, 0) + " s",
