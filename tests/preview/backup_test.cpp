@@ -6,38 +6,10 @@
 
 static std::string Shown(const std::string& file) { return PlotOf(DecodeBackup, file, 40, 30, false); }
 
-// On a sheet of 40 x 30 units, one pixel each.
-static std::string Elements(const std::string& records) { return Shown(BackupFile(40, 30, records)); }
-
-TEST(DecodeBackup, Elements) {
-    const std::string line = LineRecord(2, 2.7, 30, 20);
-    const auto head = [&](std::size_t at, const char* bytes) { return Put(line, {{at, {bytes, at == 7 ? 1u : 2u}}}); };
-    const auto text = [](unsigned horizontal, unsigned vertical, float angle = 0) {
-        return CountedTextRecord({10, 15, 3, 2, .5, angle}, Justified(horizontal, vertical), 5);
-    };
-    const Stroke drawn = LineStroke(0, 2, 2.7, 30, 20);
-    const struct {
-        const char* what;
-        std::string records;
-        std::vector<Stroke> strokes;
-    } cases[] = {
-        // clang-format off
-        {"flags that do not hide", head(0, "\1\0") + head(0, "\xFF\x3F"), {drawn}},
-        {"flags that hide", head(0, "\0\x40") + head(0, "\0\x80"), {}},
-        {"every layer is shown", head(7, "\xFF"), {drawn}},
-        {"the kind is in four bits", head(4, "\xF2\xFF"), {drawn}},
-        {"other kinds", head(4, "\0\0") + head(4, "\3\0") + head(4, "\5\0") + head(4, "\x10\0") + ArcRecord(9, 9, 4, 0, 360),
-         {ArcStroke(0, 9, 9, 4, 0, 360)}},
-        // a justification that is none keeps what the last element left on its axis, whatever its kind
-        {"a line's x", line + text(3, 0), {drawn, FrameStroke(2, 15, 30, 18, 10, 15)}},
-        {"a line's y", line + text(0, 3), {drawn, FrameStroke(10, 2.7, 22.5, 20, 10, 15)}},
-        // clang-format on
-    };
-    for (const auto& c : cases) EXPECT_EQ(Elements(c.records), PlotOf(c.strokes, 40, 30)) << c.what;
+TEST(DecodeBackup, SheetElsewhere) {
     EXPECT_EQ(Shown(Put(BackupFile(0, 0, LineRecord(102, 52.7, 130, 70)),
                         {{410, Raw(100.0) + Raw(50.0) + Raw(140.0) + Raw(80.0)}})),
-              PlotOf({drawn}, 40, 30))
-        << "a sheet elsewhere";
+              PlotOf({LineStroke(0, 2, 2.7, 30, 20)}, 40, 30));
 }
 
 // Lines have no end marks of their own: the word holds the low half of what the last arc's end angle left there.
@@ -46,7 +18,7 @@ TEST(DecodeBackup, EndMarksOfLines) {
     end.Set(90);
     end.SetEndMarks(EndMarkWord(2, 1));
     const std::string line = LineRecord(5, 5, 35, 25, 0x1A00);
-    EXPECT_EQ(Elements(ArcRecord(20, 15, 8, 0, end.AsDouble()) + line),
+    EXPECT_EQ(Shown(BackupFile(40, 30, ArcRecord(20, 15, 8, 0, end.AsDouble()) + line)),
               PlotOf({ArcStroke(0, 20, 15, 8, 0, 90), LineStroke(0, 5, 5, 35, 25, EndMarkWord(2, 1))}, 40, 30));
 }
 

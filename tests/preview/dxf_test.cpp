@@ -22,18 +22,14 @@ TEST(DecodeDxf, Entities) {
         std::vector<Stroke> strokes;
     } cases[] = {
         // clang-format off
-        {"lines", kLower + "|" + kUpper, {kLowerLine, kUpperLine}},
-        {"points", "0 POINT|10 2|20 2.7|0 POINT|10 15|20 5.7", {PointStroke(2, 2.7), PointStroke(15, 5.7)}},
         {"what lacks a group is dropped",
          "0 LINE|10 2|20 2.7|11 9|0 POINT|10 3|0 ARC|10 8|20 4|40 3|50 0|0 TEXT|10 1|20 1|40 5|" + kLower,
          {kLowerLine}},
         {"slots of a dropped item do not count", "0 LINE|10 2|20 2.7|0 LINE|11 9|21 2.7|0 POINT", {}},
         {"unknown entities", "0 INSERT|10 1|20 1|11 5|21 5|" + kLower + "|0 SPLINE|10 1|20 1", {kLowerLine}},
         {"what is no number is 0", "0 POINT|10 abc|20 2.7", {PointStroke(0, 2.7)}},
-        {"longer names", "0 LINEX|10 2|20 2.7|11 9|21 2.7", {kLowerLine}},
         {"a value that begins like a keyword is one", kLower + "|1 EOFX|" + kUpper, {}},
         {"the end of the section", kLower + "|0 ENDSEC|" + kUpper, {kLowerLine}},
-        {"the end of the file", kLower + "|0 EOF|" + kUpper, {kLowerLine}},
         // clang-format on
     };
     for (const auto& c : cases) EXPECT_EQ(Shown(DxfDrawing(16, 8, c.entities)), PlotOf(c.strokes, 16, 8)) << c.what;
@@ -47,11 +43,9 @@ TEST(DecodeDxf, SameDrawings) {
         std::string a, b;
     } cases[] = {
         // clang-format off
-        {"circle and arc", circle, "0 ARC|10 8|20 4.2|40 3|50 0|51 360"},
         {"a negative radius", circle, "0 CIRCLE|10 8|20 4.2|40 -3"},
         {"a circle without its x takes what stands there", circle, "0 INSERT|10 8|0 CIRCLE|20 4.2|40 3"},
         {"line types by the beginning of the name", kWide + "CENTER", kWide + "CENTERX2"},
-        {"unknown ones are solid", kWide, kWide + "BYLAYER"},
         {"the line type ends with its entity", kWide + "DOT|" + kUpper, kUpper + "|" + kWide + "DOT"},
         // clang-format on
     };
@@ -100,7 +94,6 @@ TEST(DecodeDxf, TextLengths) {
         bool frames;
     } cases[] = {
         // clang-format off
-        {"defaults", text("10 40.2|20 30.2"), text("10 40.2|20 30.2|50 0|41 1|51 0|72 0|73 0"), false},
         {"%%d is one cell", text("10 9.2|20 9.2", "%%dabc"), text("10 9.2|20 9.2"), true},
         {"%%065 is one", text("10 9.2|20 9.2", "abc%%065"), text("10 9.2|20 9.2"), true},
         {"a lone % is one, a two-byte character two", text("10 9.2|20 9.2", "%\x83\x5c%"), text("10 9.2|20 9.2"), true},

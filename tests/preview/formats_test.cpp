@@ -27,6 +27,8 @@ std::vector<Shape> Shapes() {
         {Shape::kLineShape, {16, 9, 34, 16}, 0, 2, 1},
         {Shape::kLineShape, {-90, 46, 40, 46}, 2, 2, 0},  // marks at clipped ends
         {Shape::kLineShape, {40, 30, 40, 300}, 0, 3, 1},
+        {Shape::kLineShape, {-30, -60, 200, 55}, 1},  // clipped in two passes, and at a corner
+        {Shape::kLineShape, {85, 58, 106, 37}, 1},
         {Shape::kLineShape, {-9, 20, -1, 40}, 3, 1, 1},  // not seen
         {Shape::kArcShape, {54, 12, 9, 0, 360}, 1},
         {Shape::kArcShape, {54, 12, 6, 30, 300}, 3, 1, 2},
@@ -66,10 +68,10 @@ std::string TextLines() {
            "GT 99,44,4,3,0,180,0,0,'turned'\n";
 }
 
-std::string Records(bool marks) {
+std::string Records() {
     std::string records;
     for (const Shape& s : Shapes()) {
-        const unsigned word = s.pen << 4 | (marks ? s.first << 8 | s.second << 11 : 0);
+        const unsigned word = s.pen << 4 | s.first << 8 | s.second << 11;
         switch (s.kind) {
             case Shape::kPointShape: records += PointRecord(s.v[0], s.v[1]); break;
             case Shape::kLineShape: records += LineRecord(s.v[0], s.v[1], s.v[2], s.v[3], word); break;
@@ -79,29 +81,39 @@ std::string Records(bool marks) {
     return records;
 }
 
-// Every justification, and those that are none; one text turned.
+// Short lines, one below the other, whose records differ in a few bytes: flags, kinds, layers, bits beside the pen.
+std::string Variants() {
+    const std::pair<std::size_t, std::string> parts[] = {
+        {0, "\1"},       {0, {"\0\x40", 2}}, {0, {"\0\x80", 2}}, {0, "\xFE\x3F"}, {0, "\xA5\x25"},
+        {4, "\xF2\xFF"}, {4, {"\0", 1}},     {4, "\3"},          {4, "\5"},       {4, "\x10"},
+        {7, "\1"},       {7, "\xFF"},        {48, "\x0F\xE4"}};
+    std::string records;
+    double y = 42;
+    for (const auto& part : parts) records += Put(LineRecord(16, y, 24, y), {part}), y -= 1.6;
+    return records;
+}
+
+// Every justification, and those that are none behind a turned text and a line.
 template <typename Write>
 std::string Texts(Write write) {
     std::string texts;
     for (unsigned i = 0; i < 16; ++i) {
-        const TextLook look = {
-            50.f + static_cast<float>(i % 4), 40.f - static_cast<float>(i), 3, 4, 1, i == 5 ? 90.f : 0};
+        const TextLook look = {50.f + static_cast<float>(i % 4), 40.f - static_cast<float>(i), 3, 4, 1,
+                               i == 6 || i == 11 ? 90.f : 0};
         texts += write(look, Justified(i / 4, i % 4), i);
+        if (look.angle != 0) texts += LineRecord(80, 40, 82, 38);
     }
     return texts;
 }
 
 std::string NativeRecords() {
-    const std::string hidden = LineRecord(0, 0, 96, 48);
-    std::string records = Records(true) + Put(hidden, {{0, "\1"}}) + Put(hidden, {{7, "\2"}});
-    return records + Texts([](const TextLook& look, unsigned placement, unsigned i) {
+    return Records() + Variants() + Texts([](const TextLook& look, unsigned placement, unsigned i) {
                return TextRecord(look, placement, "a|" + std::string(1, static_cast<char>('A' + i)));
            });
 }
 
 std::string BackupRecords() {
-    return Records(true) + Put(LineRecord(0, 0, 96, 48), {{1, "\x40"}}) +
-           Texts([](const TextLook& look, unsigned placement, unsigned i) {
+    return Records() + Variants() + Texts([](const TextLook& look, unsigned placement, unsigned i) {
                return CountedTextRecord(look, placement, 2 + i % 3);
            });
 }
@@ -145,15 +157,20 @@ std::vector<Format> EveryFormat() {
     };
 }
 
+// The sheet as it is, with bands beside it, and with bands above and below.
+constexpr struct {
+    const char* name;
+    bool frames;
+    int width, height;
+} kLooks[] = {
+    {"texts", false, 96, 48}, {"texts, wide", false, 40, 16}, {"frames", true, 96, 48}, {"frames, high", true, 32, 20}};
+
 std::vector<std::pair<std::string, std::string>> Pictures() {
     std::vector<std::pair<std::string, std::string>> pictures;
     for (const Format& format : EveryFormat()) {
-        for (const bool frames : {false, true}) {
-            for (const int part : {1, 3}) {
-                pictures.emplace_back(
-                    std::string(format.name) + (frames ? ", frames, 1:" : ", texts, 1:") + std::to_string(part),
-                    PlotOf(format.decode, format.file, kWidth / part, kHeight / part, frames));
-            }
+        for (const auto& look : kLooks) {
+            pictures.emplace_back(std::string(format.name) + ", " + look.name,
+                                  PlotOf(format.decode, format.file, look.width, look.height, look.frames));
         }
     }
     return pictures;

@@ -9,33 +9,8 @@ static std::string Shown(const std::string& file, int width, int height, bool fr
     return PlotOf(DecodeNative, file, width, height, frames);
 }
 
-static const std::string kLower = LineRecord(2, 2.7, 9, 2.7), kUpper = LineRecord(3, 5.7, 12, 5.7);
-static const Stroke kLowerLine = LineStroke(0, 2, 2.7, 9, 2.7), kUpperLine = LineStroke(0, 3, 5.7, 12, 5.7);
-
-TEST(DecodeNative, Elements) {
-    const auto type = [](const char* word) { return Put(kLower, {{4, {word, 2}}}); };
-    const auto status = [](const char* word) { return Put(kLower, {{0, {word, 2}}}); };
-    const struct {
-        const char* what;
-        std::string records;
-        std::vector<Stroke> strokes;
-    } cases[] = {
-        // clang-format off
-        {"the kind is in four bits", type("\xF2\xFF"), {kLowerLine}},
-        {"other kinds", type("\0\0") + type("\3\0") + type("\5\0") + type("\x10\0") + kUpper, {kUpperLine}},
-        {"what hides", status("\1\0") + status("\0\x40") + status("\0\x80") + kUpper, {kUpperLine}},
-        {"what does not", status("\xFE\x3F"), {kLowerLine}}, {"a filler as status", status("\xA5\x25"), {kLowerLine}},
-        {"bits beside them", LineRecord(10, 50, 190, 50, 0xE40F), {LineStroke(0, 10, 50, 190, 50)}},
-        // clang-format on
-    };
-    for (const auto& c : cases)
-        for (const NativeEdition edition : {kEditionA, kEditionB})
-            EXPECT_EQ(Shown(NativeFile(edition, 200, 120, c.records), 200, 120), PlotOf(c.strokes, 200, 120))
-                << c.what << " " << edition;
-}
-
 TEST(DecodeNative, Layers) {
-    const auto on = [](int layer) { return Put(kLower, {{7, {static_cast<char>(layer)}}}); };
+    const auto on = [](int layer) { return Put(LineRecord(2, 2.7, 9, 2.7), {{7, {static_cast<char>(layer)}}}); };
     const std::string all(512, '\1');
     const struct {
         const char* what;
@@ -79,34 +54,6 @@ static std::string Wide(const std::string& text) {
     std::string wide;
     for (const char c : text) wide += {'\x82', static_cast<char>(c - 'a' + 0x81)};
     return wide;
-}
-
-// A justification that is none leaves the text where the last one stood, on that axis.
-TEST(DecodeNative, LastText) {
-    const auto at = [](float x, float y, float angle, unsigned placement) {
-        return TextRecord({x, y, 8, 10, 1, angle}, placement, "abc");
-    };
-    const auto text = [](double x, double y, double angle) { return TextStrokeOf(x, y, 8, 5, 1, angle, Wide("abc")); };
-    const auto frame = [](double x, double y, double angle, double x1, double y1) {
-        return FrameStroke(x1, y1, x1 + 18, y1 + 8, x, y, angle);
-    };
-    const struct {
-        const char* what;
-        std::string records;
-        std::vector<Stroke> texts, frames;
-    } cases[] = {
-        // clang-format off
-        {"the last y of a turned text, not of a line", at(60, 20, 90, Justified(0, 2)) + LineRecord(0, 0, 0, 0) + at(20, 40, 0, Justified(0, 3)),
-         {text(60, 20, 90), text(20, 20, 0)}, {frame(60, 20, 90, 60, 12), frame(20, 40, 0, 20, 12)}},
-        {"the last x after its rotation", at(60, 20, 90, Justified(0, 0)) + at(20, 40, 0, Justified(3, 0)),
-         {text(52, 20, 90), text(52, 48, 0)}, {frame(60, 20, 90, 60, 20), frame(20, 40, 0, 60, 40)}},
-        // clang-format on
-    };
-    for (const auto& c : cases) {
-        const std::string file = NativeFile(kEditionA, 100, 60, c.records);
-        EXPECT_EQ(Shown(file, 100, 60), PlotOf(c.texts, 100, 60)) << c.what;
-        EXPECT_EQ(Shown(file, 100, 60, true), PlotOf(c.frames, 100, 60)) << c.what << ", frames";
-    }
 }
 
 // What a text record, which is number 1, and the records behind it give.

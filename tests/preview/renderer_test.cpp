@@ -32,6 +32,12 @@ TEST(DrawPreviewPrimitive, AsGdiDrawsIt) {
         // clang-format off
         {"line", LineStroke(0, 2, 3.7, 20, 9.7), [](HDC dc) { MoveToEx(dc, 2, 17, nullptr), LineTo(dc, 20, 11); }},
         {"point", PointStroke(2, 3.7), [](HDC dc) { SetPixelV(dc, 2, 17, 0); }},
+        {"arrowhead and dot", LineStroke(0, 3, 3.7, 20, 3.7, EndMarkWord(kMarkArrow, kMarkDot)), [](HDC dc) {
+             MoveToEx(dc, 3, 17, nullptr), LineTo(dc, 20, 17);
+             const POINT corners[] = {{3, 17}, {3, 17}, {3, 17}};
+             Polygon(dc, corners, 3);
+             Chord(dc, 18, 15, 23, 20, 23, 17, 23, 17);
+         }},
         {"circle", ArcStroke(0, 12, 10.7, 4, 0, 360), [](HDC dc) { Arc(dc, 8, 6, 16, 14, 16, 10, 16, 10); }},
         {"across 0 degrees", ArcStroke(0, 4, 10.7, 12, 330, 30), [](HDC dc) { Arc(dc, -8, -2, 16, 22, 14, 16, 14, 4); }},
         {"turned text", TextStrokeOf(6, 3.7, 8, 5, 0, 90.06, "AL"), [](HDC dc) {
@@ -58,20 +64,6 @@ TEST(DrawPreviewPrimitive, AsGdiDrawsIt) {
                   expected)
             << c.what;
     }
-}
-
-TEST(DrawEndMark, Pictures) {
-    const auto mark = [](std::uint32_t code, double x, double angle, double size) {
-        return OnCanvas(12, 8, [&](Canvas& c) { DrawEndMark(*c.strokes, 0, c.view, code, x, 4.7, angle, size); });
-    };
-    const std::string arrow = Picture("............", "............", ".......###..", "...#######..", ".#########..",
-                                      "....######..", "........##..", "............");
-    const std::string dot = Picture("............", "............", "....###.....", "...#####....", "...#####....",
-                                    "...#####....", "....###.....", "............");
-    for (const double angle : {0, -360}) EXPECT_EQ(mark(kMarkArrow, 1, angle, 8), arrow);
-    for (const double size : {0, 4}) EXPECT_EQ(mark(kMarkDot, 5, 0, size), dot) << "never less than 2 pixels";
-    EXPECT_NE(mark(kMarkDot, 5, 0, 6), dot);
-    EXPECT_FALSE(HasInk(mark(3, 5, 0, 6)));
 }
 
 TEST(Canvas, PensAndBitmaps) {
