@@ -9,44 +9,54 @@
 #include "preview.h"
 #include "preview/dispatch.h"
 
-static constexpr DWORD kLongestMilliseconds = 20000;  // then the run is cancelled
-static constexpr double kMostSeconds = 2;             // for the largest file
+static constexpr double kLongestSeconds = 20;  // then the run is cancelled
+static constexpr double kMostSeconds = 2;      // for the largest file
 
 struct Cost {
     double seconds = 0;  // of the processor
     bool isCancelled = false;
 };
 
-static double ProcessorSeconds() {
+static double ProcessorSeconds(HANDLE thread) {
     FILETIME created, exited, kernel = {}, user = {};
-    GetThreadTimes(GetCurrentThread(), &created, &exited, &kernel, &user);
+    GetThreadTimes(thread, &created, &exited, &kernel, &user);
     const auto ticks = [](FILETIME time) {
         return static_cast<double>(time.dwHighDateTime) * 4294967296.0 + time.dwLowDateTime;
     };
     return (ticks(kernel) + ticks(user)) * 1e-7;
 }
 
-static void CALLBACK CancelRun(void* ended, BOOLEAN) {
-    *static_cast<volatile bool*>(ended) = true;
+// A run of this thread, from another thread's point of view.
+struct Run {
+    UniqueHandle thread;
+    double start = 0;
+    volatile bool isCancelled = false;
+};
+
+static void CALLBACK WatchRun(void* parameter, BOOLEAN) {
+    Run& run = *static_cast<Run*>(parameter);
+    if (ProcessorSeconds(run.thread.get()) - run.start < kLongestSeconds) return;
+    run.isCancelled = true;
     PreviewCancel(0);
 }
 
 static Cost CostOf(const std::string& path) {
-    Cost cost;
-    HANDLE timer = nullptr;
-    volatile bool isCancelled = false;
-    CreateTimerQueueTimer(&timer, nullptr, CancelRun, const_cast<bool*>(&isCancelled), kLongestMilliseconds, 0,
-                          WT_EXECUTEDEFAULT);
-    const double start = ProcessorSeconds();
+    constexpr DWORD kWatchMilliseconds = 500;
+    Run run;
+    HANDLE thread = nullptr, timer = nullptr;
+    const HANDLE process = GetCurrentProcess();
+    DuplicateHandle(process, GetCurrentThread(), process, &thread, 0, FALSE, DUPLICATE_SAME_ACCESS);
+    run.thread.reset(thread);
+    run.start = ProcessorSeconds(thread);
+    CreateTimerQueueTimer(&timer, nullptr, WatchRun, &run, kWatchMilliseconds, kWatchMilliseconds, WT_EXECUTEDEFAULT);
     std::string comment(32767, '\0');
     const PreviewReader reader = PaneReaderFor(IdentifyFileType(path.c_str(), nullptr, 0));
     const UniqueBitmap bitmap(
         reader ? reader(kRenderColor, path.c_str(), &kPaneTarget, comment.data(), static_cast<DWORD>(comment.size()))
                : nullptr);
-    cost.seconds = ProcessorSeconds() - start;
+    const double seconds = ProcessorSeconds(thread) - run.start;
     DeleteTimerQueueTimer(nullptr, timer, INVALID_HANDLE_VALUE);
-    cost.isCancelled = isCancelled;
-    return cost;
+    return {seconds, run.isCancelled};
 }
 
 bool BenchAttacks(Bench* bench) {
