@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "frame/module.h"
+#include "kit/guard.h"
 #include "kit/list_rows.h"
 #include "kwdialogs.h"
 #include "resources/resource.h"
@@ -40,7 +41,7 @@ BOOL SelectDirectoryClassic(HWND owner, const char* title, char* directory) {
     dialog.lpstrInitialDir = directory;
     dialog.lpstrTitle = title;
     dialog.Flags = OFN_ENABLEHOOK | OFN_ENABLETEMPLATE | OFN_HIDEREADONLY;
-    dialog.lpfnHook = RowsHook;
+    dialog.lpfnHook = GuardedProcedure<UINT_PTR, RowsHook>;
     dialog.lpstrDefExt = DUMMY_NAME;  // the whole name, not an extension
     dialog.lpTemplateName = MAKEINTRESOURCEA(IDD_DIRECTORY_SELECTION);
     if (!GetOpenFileNameA(&dialog) || dialog.nFileOffset == 0 || dialog.nFileOffset >= sizeof(file)) return FALSE;

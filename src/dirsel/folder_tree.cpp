@@ -10,6 +10,7 @@
 #include "dirsel/shell_item.h"
 #include "frame/dialog_icons.h"
 #include "frame/module.h"
+#include "kit/guard.h"
 #include "kit/handles.h"
 #include "kit/layout.h"
 #include "kwdialogs.h"
@@ -143,6 +144,6 @@ BOOL SelectFolderTree(HWND owner, const char* title, char* directory) {
     FolderTree tree;
     tree.title = title;
     tree.directory = directory;
-    return DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(IDD_FOLDER_TREE), owner, FolderTreeProc,
-                           reinterpret_cast<LPARAM>(&tree)) == TRUE;
+    return DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(IDD_FOLDER_TREE), owner,
+                           GuardedProcedure<INT_PTR, FolderTreeProc>, reinterpret_cast<LPARAM>(&tree)) == TRUE;
 }

@@ -13,6 +13,7 @@
 #include "dlgctrl/pages.h"
 #include "frame/os_kind.h"
 #include "frame/services.h"
+#include "kit/guard.h"
 
 static INT_PTR CALLBACK ControllerProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
@@ -26,7 +27,7 @@ static DialogContext* NewContext(const DialogSetup& setup) {
         HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, sizeof(DialogContext) + count * sizeof(ItemHandles)));
     if (!context) return nullptr;
     context->setup = setup;
-    context->procedure = ControllerProc;
+    context->procedure = GuardedProcedure<INT_PTR, ControllerProc>;
     return context;
 }
 
@@ -52,7 +53,7 @@ static INT_PTR OnInitDialog(HWND dialog, WPARAM wParam, LPARAM lParam) {
     if (ContextOf(dialog)) return FALSE;  // sent again by somebody
     DialogContext* const context = NewContext(*reinterpret_cast<const DialogSetup*>(lParam));
     SetWindowLongPtrA(dialog, DWLP_USER, reinterpret_cast<LONG_PTR>(context));
-    if (!context || !ConstructItems(dialog, -1)) {
+    if (!context || !Guarded(0, [&] { return ConstructItems(dialog, -1); })) {
         EndControlledDialog(dialog, 0);
         return TRUE;
     }
@@ -169,8 +170,8 @@ int RunControlledDialog(HINSTANCE instance, const char* templateName, HWND owner
     const INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_TAB_CLASSES | ICC_UPDOWN_CLASS};
     InitCommonControlsEx(&controls);  // a host's template may hold a tab control before anybody has asked for it
     DialogSetup setup = {std::max(itemCount, 0), items, callback, 0, 0};
-    return static_cast<int>(
-        DialogBoxParamA(instance, templateName, owner, ControllerProc, reinterpret_cast<LPARAM>(&setup)));
+    return static_cast<int>(DialogBoxParamA(instance, templateName, owner, GuardedProcedure<INT_PTR, ControllerProc>,
+                                            reinterpret_cast<LPARAM>(&setup)));
 }
 
 int FocusControl(HWND dialog, int controlId) {

@@ -12,6 +12,7 @@
 #include "frame/module.h"
 #include "frame/os_kind.h"
 #include "frame/services.h"
+#include "kit/guard.h"
 #include "kit/list_rows.h"
 #include "kit/paths.h"
 #include "resources/resource.h"
@@ -132,7 +133,7 @@ BOOL SelectFileClassic(HWND owner, int modeBits, SelectRequest* request) {
     } else {
         dialog.Flags |= kSaveFlags | (modeBits & KW_FILE_OVERWRITE ? 0 : OFN_OVERWRITEPROMPT);
     }
-    dialog.lpfnHook = FileSelectionHook;
+    dialog.lpfnHook = GuardedProcedure<UINT_PTR, FileSelectionHook>;
     dialog.lpTemplateName = MAKEINTRESOURCEA(IDD_FILE_SELECTION);
 
     SortOptionBits = request->sortOptions;
@@ -189,10 +190,10 @@ BOOL SelectFileExplorer(HWND owner, int modeBits, SelectRequest* request) {
     OPENFILENAMEA dialog = DialogOf(owner, *request);
     dialog.lpstrInitialDir = request->initialDir;
     dialog.Flags = OFN_EXPLORER | OFN_ENABLEHOOK | (IsOpenMode(modeBits) ? kOpenFlags : kSaveFlags);
-    dialog.lpfnHook = CenteringHook;
+    dialog.lpfnHook = GuardedProcedure<UINT_PTR, CenteringHook>;
     if (modeBits & KW_FILE_PREVIEW) {
         dialog.Flags |= OFN_ENABLETEMPLATE;
-        dialog.lpfnHook = PreviewHook;
+        dialog.lpfnHook = GuardedProcedure<UINT_PTR, PreviewHook>;
         dialog.lpTemplateName = MAKEINTRESOURCEA(IDD_PREVIEW_PANE);
     }
     const BOOL chosen = IsOpenMode(modeBits) ? GetOpenFileNameA(&dialog) : RunSaveDialog(&dialog, modeBits, *request);

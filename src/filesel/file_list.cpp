@@ -9,6 +9,7 @@
 #include <string>
 
 #include "filesel/file_line.h"
+#include "kit/guard.h"
 #include "kit/handles.h"
 #include "kwdialogs.h"
 #include "resources/resource.h"
@@ -186,7 +187,7 @@ static void RebuildList(const ListBox& list) {
 // ---- Subclass
 
 static LRESULT CALLBACK FileListProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
-    if (message == WM_SETREDRAW && wParam) RebuildList(ListBox(list));
+    if (message == WM_SETREDRAW && wParam) Guarded(0, [&] { return RebuildList(ListBox(list)), 0; });
     if (message == WM_NCDESTROY) UnsubclassFileList(list);
     return DefSubclassProc(list, message, wParam, lParam);
 }

@@ -6,6 +6,7 @@
 #include "dlgctrl/controller.h"
 #include "filesel/file_dialog.h"
 #include "frame/os_kind.h"
+#include "kit/guard.h"
 #include "kwdialogs.h"
 
 // 0: Explorer style where the shell has it; positive: classic. Never changed by the library itself.
@@ -35,7 +36,7 @@ static BOOL SelectFile(HWND owner, int modeBits, SelectRequest* request) {
 
 unsigned int WINAPI kwSelectFileName(HWND owner, int modeBits, int keepLongName, SelectRequest* request) {
     if (!request || !request->fileBuffer || request->fileBufferSize == 0) return 0;  // no room for a choice
-    const BOOL chosen = SelectFile(owner, modeBits, request);
+    const BOOL chosen = Guarded(FALSE, [&] { return SelectFile(owner, modeBits, request); });
     if (chosen && !keepLongName) GetShortPathNameA(request->fileBuffer, request->fileBuffer, request->fileBufferSize);
     return static_cast<unsigned int>(chosen);
 }
@@ -49,12 +50,14 @@ int WINAPI kwSelectFileGUI(int mode) {
 unsigned int WINAPI kwSelectDirectryName(HWND owner, const char* title, char* directory) {
     if (!directory || !std::memchr(directory, '\0', KW_MAX_PATH)) return 0;
     const KeptDirectory kept;
-    const BOOL chosen = UsesExplorerStyle() ? SelectFolderTree(owner, title, directory)
-                                            : SelectDirectoryClassic(owner, title, directory);
+    const BOOL chosen = Guarded(FALSE, [&] {
+        return UsesExplorerStyle() ? SelectFolderTree(owner, title, directory)
+                                   : SelectDirectoryClassic(owner, title, directory);
+    });
     return static_cast<unsigned int>(chosen);
 }
 
 int WINAPI kwDlgBoxCtrl(HINSTANCE instance, const char* templateName, HWND owner, DialogItem* items, int itemCount,
                         DialogCallback callback) {
-    return RunControlledDialog(instance, templateName, owner, items, itemCount, callback);
+    return Guarded(-1, [&] { return RunControlledDialog(instance, templateName, owner, items, itemCount, callback); });
 }

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "frame/module.h"
+#include "kit/guard.h"
 #include "kit/handles.h"
 
 // ---- Resource strings
@@ -219,16 +220,16 @@ struct ThreadStart {
 DWORD WINAPI ModuleThread(void* parameter) {
     const ThreadStart start = *static_cast<ThreadStart*>(parameter);
     delete static_cast<ThreadStart*>(parameter);
-    start.work(start.argument);
+    Guarded(0, [&] { return start.work(start.argument), 0; });
     FreeLibraryAndExitThread(start.module, 1);
 }
 
 }  // namespace
 
 bool StartModuleThread(void (*work)(void*), void* argument) {
-    auto start = std::make_unique<ThreadStart>(ThreadStart{nullptr, work, argument});
-    if (!GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCSTR>(&ModuleThread),
-                            &start->module)) {
+    std::unique_ptr<ThreadStart> start(new (std::nothrow) ThreadStart{nullptr, work, argument});
+    if (!start || !GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCSTR>(&ModuleThread),
+                                      &start->module)) {
         return false;
     }
     const HMODULE module = start->module;

@@ -12,6 +12,7 @@
 #include "frame/services.h"
 #include "gallery/gallery_grid.h"
 #include "gallery/gallery_items.h"
+#include "kit/guard.h"
 #include "kit/handles.h"
 #include "kit/layout.h"
 #include "kit/paths.h"
@@ -100,7 +101,7 @@ void FillGallery(void* argument) {
     Gallery& gallery = *static_cast<Gallery*>(argument);
     for (int i = 0; i < gallery.items.count && !gallery.worker.stopRequested; ++i) {
         GalleryItem& item = gallery.items[i];
-        MakeThumbnail(gallery, item);
+        Guarded(0, [&] { return MakeThumbnail(gallery, item), 0; });
         item.flags |= kItemFinished;
         gallery.finished = i + 1;
     }
@@ -323,7 +324,7 @@ int ShowGallery(HWND owner, int listMode, const char* folder, const char* names,
     InitCommonControlsEx(&controls);
     Gallery gallery;
     gallery.request = {listMode, folder ? folder : "", names ? names : "", result, resultSize};
-    const INT_PTR ended = DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(IDD_GALLERY), owner, GalleryProc,
-                                          reinterpret_cast<LPARAM>(&gallery));
+    const INT_PTR ended = DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(IDD_GALLERY), owner,
+                                          GuardedProcedure<INT_PTR, GalleryProc>, reinterpret_cast<LPARAM>(&gallery));
     return ended == 1;
 }

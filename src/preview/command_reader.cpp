@@ -1,5 +1,6 @@
 #include "preview/command_reader.h"
 
+#include "kit/guard.h"
 #include "kwdialogs.h"
 #include "preview/dispatch.h"
 #include "preview/formats/command.h"
@@ -28,7 +29,7 @@ HBITMAP PreviewCommandFile(DWORD renderMode, const char* fileName, const RECT* t
                            DWORD commentSize) {
     if (!fileName) return nullptr;
     Comment comment = ContinueComment(commentOut, commentSize);
-    const std::string path = DrawingOf(fileName, &comment);
+    const std::string path = Guarded(std::string(), [&] { return DrawingOf(fileName, &comment); });
     if (path.empty()) return nullptr;
     const PreviewReader reader = CommandReaderFor(IdentifyFileType(path.c_str(), nullptr, 0));
     return reader ? reader(renderMode, path.c_str(), target, nullptr, 0) : nullptr;

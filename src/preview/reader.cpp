@@ -5,6 +5,7 @@
 
 #include "frame/services.h"
 #include "kit/file_version.h"
+#include "kit/guard.h"
 
 // ---- Comments
 
@@ -65,7 +66,7 @@ static HBITMAP RunReader(const PreviewFormat& format, const PreviewRequest& requ
     if (format.manner == PreviewFormat::kTargetedDrawing && !request.target) return nullptr;
     const bool isDrawing = format.manner == PreviewFormat::kDrawing || format.manner == PreviewFormat::kTargetedDrawing;
     if (isDrawing) PreviewCancel(1);
-    const HBITMAP bitmap = decode(comment);
+    const HBITMAP bitmap = Guarded(HBITMAP{}, [&] { return decode(comment); });
     if (isDrawing) PreviewCancel(0);
     return bitmap;
 }

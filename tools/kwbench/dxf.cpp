@@ -9,6 +9,7 @@
 #include "kit/handles.h"
 #include "kwbench.h"
 #include "preview.h"
+#include "preview/dispatch.h"
 
 static constexpr double kDecodeRate = 0.4;    // of the bare scan's
 static constexpr double kPreviewTime = 1.25;  // times scan and replay
@@ -61,28 +62,31 @@ bool BenchCancel(Bench* bench) {
 
 // ---- Memory
 
-int PreviewMemoryKilobytes(const char* smallDrawing, const char* drawing) {
-    const Drawing small = {DrawingFormat::kDxf, smallDrawing}, whole = {DrawingFormat::kDxf, drawing};
+static UniqueBitmap PreviewAny(const char* path) {
+    const PreviewReader reader = PaneReaderFor(IdentifyFileType(path, nullptr, 0));
+    return UniqueBitmap(reader ? reader(kRenderColor, path, &kPaneTarget, nullptr, 0) : nullptr);
+}
+
+int PreviewMemoryKilobytes(const char* smallDrawing, const char* path) {
+    const Drawing small = {DrawingFormat::kDxf, smallDrawing};
     if (!Preview(small)) return -1;  // what the process needs once: fonts, system libraries, the heap's start
     PROCESS_MEMORY_COUNTERS before = {}, after = {};
     const HANDLE process = GetCurrentProcess();
-    if (!GetProcessMemoryInfo(process, &before, sizeof(before)) || !Preview(whole) ||
-        !GetProcessMemoryInfo(process, &after, sizeof(after))) {
-        return -1;
-    }
+    if (!GetProcessMemoryInfo(process, &before, sizeof(before))) return -1;
+    PreviewAny(path);
+    if (!GetProcessMemoryInfo(process, &after, sizeof(after))) return -1;
     // Either may miss something: a working set what was never touched, and not every system keeps the other's peak.
     const SIZE_T resident = after.PeakWorkingSetSize - before.WorkingSetSize;
     const SIZE_T committed = after.PeakPagefileUsage - before.PagefileUsage;
     return static_cast<int>(std::max(resident, committed) / 1024);
 }
 
-// A process's peak never falls, so each measurement needs a process of its own.
-static bool RunPreviewMemory(const Drawing& smallDrawing, const Drawing& drawing, int* kilobytes) {
+bool RunPreviewMemory(const Drawing& smallDrawing, const std::string& path, int* kilobytes) {
     char program[MAX_PATH];
     const DWORD length = GetModuleFileNameA(nullptr, program, sizeof(program));
     if (length == 0 || length >= sizeof(program)) return false;
     std::string command =
-        "\"" + std::string(program) + "\" --preview-memory \"" + smallDrawing.path + "\" \"" + drawing.path + "\"";
+        "\"" + std::string(program) + "\" --preview-memory \"" + smallDrawing.path + "\" \"" + path + "\"";
     STARTUPINFOA startup = {};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION started = {};
@@ -105,7 +109,7 @@ bool BenchMemory(Bench* bench) {
     std::vector<double> peaks;
     for (int i = 0; i < 3; ++i) {
         int kilobytes = 0;
-        if (!RunPreviewMemory(*smallDrawing, *drawing, &kilobytes)) return Fail("memory: the process has failed");
+        if (!RunPreviewMemory(*smallDrawing, drawing->path, &kilobytes)) return Fail("memory: the process has failed");
         peaks.push_back(kilobytes / 1024.0);
     }
     const double peak = Median(peaks);

@@ -28,6 +28,8 @@ static constexpr struct {
     {"gallery", "the gallery over small drawings, against its readers in a loop", BenchGallery},
     {"list", "the classic dialog's file list, against FindFirstFileA of each file", BenchList},
     {"memory", "the peak of memory during ReadDxfPreview, against the file's size", BenchMemory},
+    {"attacks", "files that are made to cost, of 1, 2 and 10 MB: processor time (10 MB to 1 MB) and memory",
+     BenchAttacks},
     {"expression", "evaluateExpression, against the same conversions and operations without a parser", BenchExpression},
     {"dialog", "kwDlgBoxCtrl with a hundred items, against the bare DialogBoxParamA", BenchDialog},
 };

@@ -34,14 +34,17 @@ bool BenchCancel(Bench* bench);
 bool BenchMemory(Bench* bench);
 bool BenchIdentify(Bench* bench);
 bool BenchExpression(Bench* bench);
+bool BenchAttacks(Bench* bench);
 bool BenchDialog(Bench* bench);
 bool BenchDrawings(Bench* bench);
 bool BenchGallery(Bench* bench);
 bool BenchList(Bench* bench);
 
-// The part of BenchMemory that runs in a process of its own: reads a small drawing, then another, and returns by how
-// many kilobytes the second has raised the process's peak; -1 when a preview could not be made.
-int PreviewMemoryKilobytes(const char* smallDrawing, const char* drawing);
+// A process's peak never falls, so each is measured in a process of its own: reads a small drawing, then a file of any
+// kind, and says by how many kilobytes the second has raised the peak; false when the small one gave no preview.
+bool RunPreviewMemory(const Drawing& smallDrawing, const std::string& path, int* kilobytes);
+// That process's part; -1 when it fails.
+int PreviewMemoryKilobytes(const char* smallDrawing, const char* path);
 
 // The generated drawing of that size, made at its first use; null, after a word to the error stream, when it cannot be.
 const Drawing* DrawingOf(Bench* bench, int megabytes);

@@ -1,0 +1,138 @@
+#include "support/attacks.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#include "preview/formats/backup.h"
+#include "preview/formats/command.h"
+#include "preview/formats/comments.h"
+#include "preview/formats/dxf.h"
+#include "preview/formats/native.h"
+#include "preview/formats/text.h"
+#include "support/samples.h"
+
+namespace {
+
+// `head`, then what `next` gives for 0, 1, 2 ..., as long as it fits the size, then `tail`.
+template <typename Next>
+std::string Fill(std::size_t size, std::string text, Next next, const std::string& tail = "") {
+    for (int i = 0;; ++i) {
+        const std::string part = next(i);
+        if (text.size() + part.size() + tail.size() > size) return text + tail;
+        text += part;
+    }
+}
+
+template <typename Next>
+std::string DxfOf(std::size_t size, const std::string& extents, Next next) {
+    return Fill(size, Dxf("9 $EXTMIN|10 " + extents + "|20 0|9 $EXTMAX|10 1000|20 700|0 SECTION|2 ENTITIES"), next,
+                Dxf("0 ENDSEC|0 EOF"));
+}
+
+// ---- DXF
+
+std::string OldX(std::size_t size) {  // one long number that every circle asks for again
+    return DxfOf(size, "0", [size](int i) {
+        return i > 0 ? Dxf("0 CIRCLE|20 350|40 90") : Dxf("0 POINT|10 0." + std::string(size / 2, '1') + "|20 1");
+    });
+}
+std::string Justification(std::size_t size) {
+    return DxfOf(size, "0", [](int) { return Dxf("0 TEXT|10 9|20 9|40 90|1 x|50 1|72 3|73 5"); });
+}
+std::string PercentRuns(std::size_t size) {
+    return DxfOf(size, "0", [](int) { return Dxf("0 TEXT|10 9|20 9|40 90|1 " + std::string(127, '%')); });
+}
+std::string OneLine(std::size_t size) { return std::string(size, '1'); }
+std::string BlankLines(std::size_t size) { return "x" + std::string(size - 1, '\n'); }
+std::string LongNumbers(std::size_t size) {
+    const std::string number = "0." + std::string(780, '9');
+    return DxfOf(size, "0", [&](int) { return Dxf("0 LINE|10 0|20 0|11 " + number + "e3|21 " + number + "e2"); });
+}
+template <const char* const& minX>
+std::string OddExtents(std::size_t size) {
+    return DxfOf(size, minX, [](int i) {
+        return Dxf("0 LINE|10 -1e300|20 0|11 1e" + std::to_string(i % 309) + "|21 5|0 CIRCLE|10 0|20 0|40 1e" +
+                   std::to_string(i % 309));
+    });
+}
+constexpr const char *kNan = "nan", *kInfinite = "1e999", *kEmpty = "1000", *kHuge = "-1e308";
+std::string Circles(std::size_t size) {  // as large as a circle is drawn
+    return DxfOf(size, "0", [](int i) { return Dxf("0 CIRCLE|10 5|20 5|40 " + std::to_string(114600 - i % 100)); });
+}
+std::string Texts(std::size_t size) {  // a font for each
+    return DxfOf(size, "0", [](int i) {
+        return Dxf("0 TEXT|10 500|20 350|40 " + std::to_string(14330 - i % 1000) + "|1 W|50 " +
+                   std::to_string(i % 3600 / 10.0));
+    });
+}
+
+// ---- Other formats
+
+// Every other record is a text, and every text's chain leads into a ring of all deleted continuations.
+std::string Chains(std::size_t size) {
+    const auto records = static_cast<std::uint16_t>(std::min<std::size_t>((size - 1024) / 64, 65534));
+    std::string file = BytesAt(1024, {{4, "CAD ORVIL QA V4.0"},
+                                      {25, "\4"},
+                                      {32, Raw(400.0) + Raw(300.0)},
+                                      {242, Raw(records)},
+                                      {248, std::string(34, '\1')}});
+    for (unsigned i = 0; i < records; ++i) {
+        const auto link = static_cast<std::uint16_t>(i % 2 ? (i + 2) % records + 1 : i + 2);
+        file += i % 2 ? BytesAt(64, {{0, Raw(std::uint16_t{0x4000})}, {4, "\11"}, {62, Raw(link)}})
+                      : BytesAt(64, {{4, "\10"},
+                                     {16, Raw(5.0f) + Raw(9.0f) + Raw(9.0f) + Raw(9.0f)},
+                                     {48, "a text"},
+                                     {62, Raw(link)}});
+    }
+    return file + std::string(size - file.size(), '\0');
+}
+std::string FarFrames(std::size_t size) {
+    const auto count = static_cast<std::uint32_t>((size - 446) / 64);
+    std::string file = BytesAt(
+        446, {{0, "VEXTRON lumos Backup V2"}, {410, Raw(0.0) + Raw(0.0) + Raw(400.0) + Raw(300.0)}, {442, Raw(count)}});
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const float away = i % 2 ? 1e38f : -3e9f;
+        file += BytesAt(64, {{4, "\10"},
+                             {16, Raw(away) + Raw(away) + Raw(1e30f) + Raw(1e30f) + Raw(1e30f) + Raw(33.0f)},
+                             {46, "\xff\xff"}});
+    }
+    return file;
+}
+std::string OpenTexts(std::size_t size) {  // none has its closing quote
+    return Fill(size, "AR 0,0,400,300\n", [](int) { return "GT 5,5,9,9,0,0,0,6 '" + std::string(200, 'x') + "\n"; });
+}
+std::string Areas(std::size_t size) {
+    return Fill(size, "", [](int i) { return "AR 0,0,40" + std::to_string(i % 10) + ",300\nGL 1,0,0,400,300,0\n"; });
+}
+std::string NamesItself(std::size_t size) {
+    return Fill(size, "", [](int) { return "DIALOG_PREVIEW \"..\\attack.cmd\"\n"; });
+}
+bool DecodeCommand(ByteView file, Comment* comment, DrawingSink*) {
+    return !ResolveBeside("C:\\a\\attack.cmd", TakeCommandFile(file, comment)).empty();
+}
+
+}  // namespace
+
+const Attack kAttacks[] = {
+    {"a number asked for again", ".dxf", DecodeDxf, OldX, {0, 0, 3120, 0, 0}},
+    {"justification 3", ".dxf", DecodeDxf, Justification, {0, 0, 0, 0, 2939}},
+    {"runs of %%", ".dxf", DecodeDxf, PercentRuns, {0, 0, 0, 0, 1175}},
+    {"one line", ".dxf", DecodeDxf, OneLine, {}},
+    {"one line, .exf", ".exf", DecodeTextDrawing, OneLine, {}},
+    {"blank lines", ".dxf", DecodeDxf, BlankLines, {}},
+    {"numbers of 780 digits", ".dxf", DecodeDxf, LongNumbers, {0, 124, 0, 0, 0}},
+    {"extents NaN", ".dxf", DecodeDxf, OddExtents<kNan>, {0, 0, 36, 0, 0}},
+    {"extents infinite", ".dxf", DecodeDxf, OddExtents<kInfinite>, {}},
+    {"extents empty", ".dxf", DecodeDxf, OddExtents<kEmpty>, {0, 0, 21, 0, 0}},
+    {"extents of 1e308", ".dxf", DecodeDxf, OddExtents<kHuge>, {}},
+    {"circles of 32,766 pixels", ".dxf", DecodeDxf, Circles, {0, 0, 4759, 0, 0}},
+    {"texts of a new angle each", ".dxf", DecodeDxf, Texts, {0, 0, 0, 0, 2955}},
+    {"chains of deleted records", ".qa", DecodeNative, Chains, {0, 0, 0, 0, 1555}},
+    {"frames far away", ".lbk", DecodeBackup, FarFrames, {}},
+    {"texts without an end", ".exf", DecodeTextDrawing, OpenTexts, {}},
+    {"extents again and again", ".exf", DecodeTextDrawing, Areas, {0, 5882, 0, 0, 0}},
+    {"a command file that names itself", ".cmd", DecodeCommand, NamesItself, {}},
+    {"one line, .txt", ".txt", DecodeTextComment, OneLine, {}},
+};
+const std::size_t kAttackCount = std::size(kAttacks);

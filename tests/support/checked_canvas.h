@@ -1,0 +1,25 @@
+// A canvas that keeps nothing but holds what it is asked for against the promises of the strokes, and counts it.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "preview/drawing/strokes.h"
+#include "preview/formats/sink.h"
+
+struct StrokeCounts {
+    std::uint32_t pixels, lines, arcs, marks, texts;
+    bool operator==(const StrokeCounts& other) const {
+        return pixels == other.pixels && lines == other.lines && arcs == other.arcs && marks == other.marks &&
+               texts == other.texts;
+    }
+};
+
+struct CheckedCanvas : DrawingSink, StrokeTarget {
+    explicit CheckedCanvas(const PixelRect& rect = {0, 0, 189, 126});
+    PixelRect target;
+    bool opened = false;
+    std::uint32_t fitsLeft = ~0u, drawsLeft = ~0u;  // then there is nothing to draw on, or the run is cancelled
+    std::atomic<std::int32_t> flag = 1;
+    StrokeCounts counts = {};
+};
