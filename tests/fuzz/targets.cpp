@@ -180,7 +180,7 @@ void RunCommand(ByteView input) {
     Ways ways(input);
     CommentBuffer buffer(ways);
     const std::string named = TakeCommandFile(input, &buffer.comment);
-    const std::string path = ResolveBeside("C:\\drawings\\\x83\x5c\\plot.cmd", named);
+    const std::string path = ResolveBeside("C:\\drawings\\\x83\x5c\\plot.cmd", named, 'D');
     Require(named.size() < kMaxPath && path.size() < kMaxPath);
     FindExtension(path.c_str());
     FindLastBackslash(path.c_str());

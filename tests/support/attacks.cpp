@@ -109,7 +109,7 @@ std::string NamesItself(std::size_t size) {
     return Fill(size, "", [](int) { return "DIALOG_PREVIEW \"..\\attack.cmd\"\n"; });
 }
 bool DecodeCommand(ByteView file, Comment* comment, DrawingSink*) {
-    return !ResolveBeside("C:\\a\\attack.cmd", TakeCommandFile(file, comment)).empty();
+    return !ResolveBeside("C:\\a\\attack.cmd", TakeCommandFile(file, comment), 'C').empty();
 }
 
 }  // namespace
