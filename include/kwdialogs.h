@@ -55,7 +55,7 @@ extern "C" {
 /* What kwSelectFileName asks and answers: nine 32-bit words on 32-bit Windows, 64 bytes on 64-bit Windows. The host
  * owns every buffer. */
 typedef struct SelectRequest {
-    const char* title;      /* dialog caption; null: the system's or the template's own */
+    const char* title;      /* dialog caption; null: the system's own */
     const char* filter;     /* pairs of description and pattern, each ended by NUL, the list by one more NUL */
     const char* initialDir; /* starting directory, may be relative; null: the system's choice or the current one */
     DWORD filterIndex;      /* in/out: 1-based filter pair; written back after OK and after Cancel */
@@ -82,7 +82,7 @@ int WINAPI kwSelectFileGUI(int mode);
 
 /* Lets the user choose a directory.
  *   owner      window that owns the modal dialog; may be null
- *   title      dialog caption; null: the template's own
+ *   title      dialog caption; null: "DirSelection" in the folder tree, the system's own in the classic style
  *   directory  at least KW_MAX_PATH bytes; in: starting directory, out: the chosen one, both with a trailing backslash
  *              (the folder tree selects the parent of one that has none); a virtual folder gives the shell's name for
  *              it. Null, or a text that does not end within KW_MAX_PATH, gives 0

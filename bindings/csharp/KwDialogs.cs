@@ -78,7 +78,7 @@ public static class KwDialogs
 
     // Lets the user choose a directory.
     //   owner      window that owns the modal dialog; may be zero
-    //   title      dialog caption; null: the template's own
+    //   title      dialog caption; null: "DirSelection" in the folder tree, the system's own in the classic style
     //   directory  at least KW_MAX_PATH bytes; in: starting directory, out: the chosen one, both with a trailing
     //              backslash (the folder tree selects the parent of one that has none); a virtual folder gives the
     //              shell's name for it. Null, or a text that does not end within KW_MAX_PATH, gives 0

@@ -140,7 +140,7 @@ function kwSelectFileGUI(mode: LongInt): LongInt; stdcall;
 
 { Lets the user choose a directory.
     owner      window that owns the modal dialog; may be 0
-    title      dialog caption; nil: the template's own
+    title      dialog caption; nil: "DirSelection" in the folder tree, the system's own in the classic style
     directory  at least KW_MAX_PATH bytes; in: starting directory, out: the chosen one, both with a trailing backslash
                (the folder tree selects the parent of one that has none); a virtual folder gives the shell's name for
                it. Nil, or a text that does not end within KW_MAX_PATH, gives 0

@@ -143,7 +143,7 @@ PROTOTYPES = {
     # the call.
     "kwSelectFileGUI": (c_int32, [c_int32]),
     # (owner, title, directory): lets the user choose a directory.
-    #   title      dialog caption; None: the template's own
+    #   title      dialog caption; None: "DirSelection" in the folder tree, the system's own in the classic style
     #   directory  create_string_buffer(start, KW_MAX_PATH); in: starting directory, out: the chosen one, both with a
     #              trailing backslash (the folder tree selects the parent of one that has none); a virtual folder gives
     #              the shell's name for it. None, or a text that does not end within KW_MAX_PATH, gives 0
