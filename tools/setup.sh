@@ -299,8 +299,10 @@ make_root() {
   check_kernel
   add_missing_for_root
   install_missing
-  arch-test amd64 >/dev/null 2>&1 && arch-test i386 >/dev/null 2>&1 ||
-    fail "this machine cannot run x86 programs of 64 and of 32 bits, which Wine here consists of"
+  local width
+  for width in amd64 i386; do
+    arch-test $width >/dev/null 2>&1 || fail "this machine cannot run $width programs, which Wine here consists of"
+  done
   check_space "$cache" 5500 KWDIALOGS_CACHE
   is_root || check_space "${TMPDIR:-/tmp}" 3500 TMPDIR  # mmdebstrap works there for an ordinary user
   find_mirror
