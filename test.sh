@@ -1,10 +1,10 @@
 #!/bin/bash
 # Builds everything and runs every test: the portable part's natively, with sanitizers (seconds), then all of them under
-# Wine, in English and in Japanese. Installs what is missing first (tools/setup.sh).
+# Wine, in 64 bits in English, in 32 bits in English and in Japanese. Installs what is missing first (tools/setup.sh).
 #
 #   ./test.sh [CTEST ARGUMENTS...]     for instance: ./test.sh -R preview
 #
-#   KWDIALOGS_PRESET=mingw-debug       other presets of CMakePresets.json than "native mingw"
+#   KWDIALOGS_PRESET=mingw-debug       other presets of CMakePresets.json than "native mingw64 mingw"
 set -euo pipefail
 cd "$(dirname "$(realpath "${BASH_SOURCE[0]}")")"
 tools/setup.sh
@@ -15,7 +15,7 @@ for compiler in fpc mcs; do
   command -v $compiler >/dev/null || echo "test.sh: skipped: a binding's test needs $compiler (tools/setup.sh --checks)"
 done
 ran=no
-for preset in ${KWDIALOGS_PRESET:-native mingw}; do
+for preset in ${KWDIALOGS_PRESET:-native mingw64 mingw}; do
   tools/build.sh "$preset"
   ! ctest --test-dir "build/$preset" -N "$@" | grep -q '^Total Tests: 0$' || continue
   jobs=$(nproc)

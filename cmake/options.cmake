@@ -1,4 +1,5 @@
-# kwdialogs_options: how the project's own sources are compiled and linked (GoogleTest's are not).
+# kwdialogs_options: how the project's own sources are compiled and linked (GoogleTest's are not). The presets turn
+# warnings into errors (CMAKE_COMPILE_WARNING_AS_ERROR).
 add_library(kwdialogs_options INTERFACE)
 
 # Windows 7 is the oldest system. The A functions are called by name, so UNICODE stays undefined.
@@ -9,11 +10,11 @@ endif()
 if(MSVC)
   target_compile_definitions(kwdialogs_options INTERFACE _CRT_SECURE_NO_WARNINGS _CRT_NONSTDC_NO_WARNINGS)
   target_compile_options(kwdialogs_options INTERFACE
-    $<$<COMPILE_LANGUAGE:C,CXX>:/W4 /WX /utf-8>
+    $<$<COMPILE_LANGUAGE:C,CXX>:/W4 /utf-8>
     $<$<COMPILE_LANGUAGE:CXX>:/permissive- /Zc:__cplusplus /EHsc>)
 else()
   target_compile_options(kwdialogs_options INTERFACE
-    $<$<COMPILE_LANGUAGE:C,CXX>:-Wall -Wextra -Wpedantic -Wconversion -Wno-sign-conversion -Werror>
+    $<$<COMPILE_LANGUAGE:C,CXX>:-Wall -Wextra -Wpedantic -Wconversion -Wno-sign-conversion>
     $<$<COMPILE_LANGUAGE:C,CXX>:-ffunction-sections -fdata-sections>)
   # No -fstack-protector: this compiler's runtime draws its cookie from a crypto provider, which would be loaded
   # while the DLL is attached, under the loader lock.

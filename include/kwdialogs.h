@@ -1,6 +1,7 @@
 /* kwdialogs.h - user-interface services for CAD/CAM hosts: file and directory selection, table-driven dialogs.
  *
- * Plain C (C89 and later) and C++. 32-bit Windows, __stdcall, undecorated export names.
+ * Plain C (C89 and later) and C++. Windows of 32 and of 64 bits, __stdcall, undecorated export names. A host takes the
+ * DLL of its own width.
  *
  * All text is 8-bit text in the system's ANSI code page; Shift_JIS double-byte characters are never split.
  * All paths live in buffers of KW_MAX_PATH bytes, terminator included; longer paths are not supported.
@@ -11,13 +12,23 @@
 #ifndef KWDIALOGS_H
 #define KWDIALOGS_H
 
+/* The version of this header; the DLL carries its own as a version resource. To ask for one while compiling:
+ * #if KW_VERSION < KW_MAKE_VERSION(0, 1, 0) */
+#define KW_VERSION_MAJOR 0
+#define KW_VERSION_MINOR 1
+#define KW_VERSION_PATCH 0
+#define KW_MAKE_VERSION(major, minor, patch) ((major)*10000 + (minor)*100 + (patch))
+#define KW_VERSION KW_MAKE_VERSION(KW_VERSION_MAJOR, KW_VERSION_MINOR, KW_VERSION_PATCH)
+
+#define KW_MAX_PATH 260
+
+#ifndef RC_INVOKED /* what follows is nothing that a resource script can hold */
+
 #include <windows.h>
 
 #ifdef __cplusplus
 extern "C" {
 #endif
-
-#define KW_MAX_PATH 260
 
 /* ---- File selection ------------------------------------------------------------------------------------------ */
 
@@ -41,9 +52,10 @@ extern "C" {
 
 #pragma pack(push, 8)
 
-/* What kwSelectFileName asks and answers: nine 32-bit words on 32-bit Windows. The host owns every buffer. */
+/* What kwSelectFileName asks and answers: nine 32-bit words on 32-bit Windows, 64 bytes on 64-bit Windows. The host
+ * owns every buffer. */
 typedef struct SelectRequest {
-    const char* title;      /* dialog caption; null: the system's or the template's own */
+    const char* title;      /* dialog caption; null: the system's own */
     const char* filter;     /* pairs of description and pattern, each ended by NUL, the list by one more NUL */
     const char* initialDir; /* starting directory, may be relative; null: the system's choice or the current one */
     DWORD filterIndex;      /* in/out: 1-based filter pair; written back after OK and after Cancel */
@@ -70,7 +82,7 @@ int WINAPI kwSelectFileGUI(int mode);
 
 /* Lets the user choose a directory.
  *   owner      window that owns the modal dialog; may be null
- *   title      dialog caption; null: the template's own
+ *   title      dialog caption; null: "DirSelection" in the folder tree, the system's own in the classic style
  *   directory  at least KW_MAX_PATH bytes; in: starting directory, out: the chosen one, both with a trailing backslash
  *              (the folder tree selects the parent of one that has none); a virtual folder gives the shell's name for
  *              it. Null, or a text that does not end within KW_MAX_PATH, gives 0
@@ -151,10 +163,16 @@ int WINAPI kwDlgBoxCtrl(HINSTANCE instance, const char* templateName, HWND owner
 #endif
 
 /* The records' shapes, so that a compiler with other ideas about packing is found out at once. */
-#ifndef _WIN64
+#ifdef _WIN64
+typedef char KwSelectRequestIs64Bytes[sizeof(SelectRequest) == 64 ? 1 : -1];
+typedef char KwDialogItemIs40Bytes[sizeof(DialogItem) == 40 ? 1 : -1];
+typedef char KwPageDescriptorIs40Bytes[sizeof(PageDescriptor) == 40 ? 1 : -1];
+#else
 typedef char KwSelectRequestIs36Bytes[sizeof(SelectRequest) == 36 ? 1 : -1];
 typedef char KwDialogItemIs40Bytes[sizeof(DialogItem) == 40 ? 1 : -1];
 typedef char KwPageDescriptorIs20Bytes[sizeof(PageDescriptor) == 20 ? 1 : -1];
 #endif
+
+#endif /* RC_INVOKED */
 
 #endif /* KWDIALOGS_H */

@@ -1,5 +1,6 @@
 #!/bin/bash
-# Configures and builds a preset: tools/build.sh [PRESET]. Speaks of what it compiles, and of the rest only on failure.
+# Configures and builds a preset: tools/build.sh [PRESET [TARGET...]]. Speaks of what it compiles, and of the rest only
+# on failure.
 set -euo pipefail
 cd "$(dirname "$(dirname "$(realpath "${BASH_SOURCE[0]}")")")"
 preset=${1:-mingw}
@@ -9,4 +10,5 @@ cmake --preset "$preset" >"$log" 2>&1 || {
   cat "$log" >&2
   exit 1
 }
-cmake --build --preset "$preset"
+set -- "${@:2}"
+cmake --build --preset "$preset" ${1:+--target "$@"}

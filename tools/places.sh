@@ -6,6 +6,6 @@
 cache=${KWDIALOGS_CACHE:-${XDG_CACHE_HOME:-${HOME:?HOME is not set}/.cache}/kwdialogs}
 mkdir -p "$cache"
 cache=$(realpath "$cache")
-windows_base=$cache/windows-root-2     # root/: a small i386 Debian with Wine; root/prefix/LANG: a Windows folder tree each
-machine_wine=$cache/machine-wine       # the version of the machine's own Wine, once it has run a 32-bit program
+windows_base=$cache/windows-root-3     # root/: a small Debian with Wine of both widths; root/prefix/LANG: a Windows folder tree each
+machine_wine=$cache/machine-wine       # the version of the machine's own Wine, once it has run programs of both widths
 machine_prefixes=$cache/machine-prefix # that Wine's Windows folder trees, LANG/ each

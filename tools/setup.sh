@@ -1,5 +1,5 @@
 #!/bin/bash
-# Makes the machine ready: packages that are missing, and somewhere to run 32-bit Windows programs.
+# Makes the machine ready: packages that are missing, and somewhere to run Windows programs of 32 and of 64 bits.
 #
 #   tools/setup.sh            what building and running needs
 #   tools/setup.sh --checks   also what .ci/run needs (clang-format, clang-tidy, cppcheck, fpc, mcs)
@@ -45,7 +45,8 @@ has_sanitizers() {
 }
 
 find_missing() {
-  need g++-mingw-w64-i686-win32 "the compiler" command -v i686-w64-mingw32-g++
+  need g++-mingw-w64-i686-win32 "the compiler for 32 bits" command -v i686-w64-mingw32-g++
+  need g++-mingw-w64-x86-64-win32 "the compiler for 64 bits" command -v x86_64-w64-mingw32-g++
   need cmake "configures the build" command -v cmake
   need ninja-build "builds" command -v ninja
   need python3 "scripts" command -v python3
@@ -67,7 +68,7 @@ find_missing() {
 # What making the root needs; looked for only when one is to be made.
 add_missing_for_root() {
   need mmdebstrap "makes the root that Windows programs run in" command -v mmdebstrap
-  need arch-test "tells whether 32-bit programs run here" command -v arch-test
+  need arch-test "tells which programs run here" command -v arch-test
   is_root || need uidmap "lets an ordinary user make that root" command -v newuidmap
 }
 
@@ -108,29 +109,37 @@ check_versions() {
 
 # ---- The machine's own Wine
 
-# Whether it runs a 32-bit program, with a screen, and knows Japanese. Tried, because packages do not tell.
-machine_wine_works() {
-  local trial=$1 language prefix
-  command -v xvfb-run >/dev/null || return 1
-  fc-list :lang=ja 2>/dev/null | grep -q . || return 1
+# Whether it runs programs of both widths, with a screen, and knows Japanese. Tried, because packages do not tell. What it
+# lacks goes into the file "lacks".
+machine_wine_works() {  # FOLDER
+  local trial=$1 language width
+  lacks() {
+    echo "$1" >"$trial/lacks"
+    return 1
+  }
+  command -v xvfb-run >/dev/null || lacks "xvfb-run" || return
+  fc-list :lang=ja 2>/dev/null | grep -q . || lacks "a Japanese font" || return
   cat >"$trial/trial.c" <<'C'
 #include <windows.h>
 #include <stdlib.h>
 int main(int argc, char** argv) {
     HWND window = CreateWindowA("BUTTON", "", WS_OVERLAPPEDWINDOW, 0, 0, 9, 9, NULL, NULL, NULL, NULL);
-    return argc == 2 && window && GetACP() == (UINT)atoi(argv[1]) ? 0 : 1;
+    if (!window) return 1;
+    return argc == 2 && GetACP() == (UINT)atoi(argv[1]) ? 0 : 2;
 }
 C
-  i686-w64-mingw32-gcc -o "$trial/trial.exe" "$trial/trial.c" || return 1
+  i686-w64-mingw32-gcc -o "$trial/trial32.exe" "$trial/trial.c"
+  x86_64-w64-mingw32-gcc -o "$trial/trial64.exe" "$trial/trial.c"
   mkdir -p "$machine_prefixes"
   for language in en ja; do
-    prefix=$machine_prefixes/$language
-    if [ ! -d "$prefix" ]; then
-      make_prefix_on_machine "$language" "$prefix" || return 1
-    fi
+    [ -d "$machine_prefixes/$language" ] || make_prefix_on_machine $language "$machine_prefixes/$language" ||
+      lacks "a 64-bit Windows folder tree (wineboot fails)" || return
   done
   echo trial >"$machine_wine"  # so that winrun.sh uses it
-  timeout -k 10 60 "$tools/winrun.sh" en "$trial/trial.exe" 1252 && timeout -k 10 60 "$tools/winrun.sh" ja "$trial/trial.exe" 932
+  for width in 32 64; do
+    timeout -k 10 60 "$tools/winrun.sh" en "$trial/trial$width.exe" 1252 || lacks "$width-bit programs" || return
+  done
+  timeout -k 10 60 "$tools/winrun.sh" ja "$trial/trial32.exe" 932 || lacks "Japanese (the locale ja_JP.UTF-8)" || return
 }
 
 make_prefix_on_machine() {  # LANG PREFIX
@@ -138,7 +147,7 @@ make_prefix_on_machine() {  # LANG PREFIX
   [ "$1" = en ] || locale=ja_JP.UTF-8
   rm -rf "$2.new"
   # shellcheck disable=SC2016
-  LC_ALL=$locale WINEPREFIX=$2.new WINEARCH=win32 WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=' \
+  LC_ALL=$locale WINEPREFIX=$2.new WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=' \
     timeout -k 10 180 xvfb-run -a bash -c 'wineboot -u && wineserver -w' || return 1
   settle_prefix "$2.new"
   mv "$2.new" "$2"
@@ -169,7 +178,7 @@ try_machine_wine() {
     rm -rf "$machine_wine" "$machine_prefixes"
   fi
   [ "$(cat "$machine_wine.bad" 2>/dev/null)" != "$version" ] || return 1
-  say "trying whether the machine's own $version runs 32-bit programs"
+  say "trying whether the machine's own $version runs programs of 32 and of 64 bits"
   trial=$(mktemp -d "$cache/trial.XXXXXX")
   if machine_wine_works "$trial" >"$trial/log" 2>&1; then
     say "it does: that Wine is used"
@@ -177,7 +186,7 @@ try_machine_wine() {
     rm -rf "$trial"
     return 0
   fi
-  say "it does not (or it lacks xvfb-run, a Japanese font or the locale ja_JP.UTF-8): a root with its own Wine is made"
+  say "it does not, it lacks $(cat "$trial/lacks" 2>/dev/null || echo "more than can be told"): a root with its own Wine is made"
   rm -rf "$machine_wine" "$machine_prefixes" "$trial"
   echo "$version" >"$machine_wine.bad"
   return 1
@@ -191,13 +200,13 @@ check_kernel() {
   "${what[@]}" true 2>/dev/null && return
   if is_root; then
     fail "this machine (a container?) does not let root make namespaces, which the Windows root needs.
-    Give the container that right, or install a Wine that runs 32-bit programs (and xvfb, xauth, a Japanese font,
-    the locales en_US.UTF-8 and ja_JP.UTF-8): then no root is needed."
+    Give the container that right, or install a Wine that runs 32-bit and 64-bit programs (and xvfb, xauth, a
+    Japanese font, the locales en_US.UTF-8 and ja_JP.UTF-8): then no root is needed."
   fi
   fail "this machine's kernel does not let an ordinary user make namespaces, which the Windows root needs.
     Let root allow it (sysctl kernel.unprivileged_userns_clone=1, user.max_user_namespaces above 0, and no AppArmor
-    restriction of user namespaces), or run this script as root, or install a Wine that runs 32-bit programs
-    (and xvfb, xauth, a Japanese font, the locales en_US.UTF-8 and ja_JP.UTF-8)."
+    restriction of user namespaces), or run this script as root, or install a Wine that runs 32-bit
+    and 64-bit programs (and xvfb, xauth, a Japanese font, the locales en_US.UTF-8 and ja_JP.UTF-8)."
 }
 
 find_mirror() {
@@ -212,12 +221,12 @@ build_root() {  # DIRECTORY
   while read -r setting; do
     options+=(--aptopt="$setting")
   done < <(apt-config dump 2>/dev/null | grep -E '^Acquire::(https?|Retries|ForceIPv[46])[: ]' | grep -v '""' || true)
-  options+=(--architectures=i386 --variant=apt --components=main --aptopt='APT::Install-Recommends "false"'
-    --include=wine32,wine,xvfb,xauth,xdotool,imagemagick,locales,fonts-wine,fonts-liberation,fonts-ipafont-gothic
+  options+=(--architectures=amd64,i386 --variant=apt --components=main --aptopt='APT::Install-Recommends "false"'
+    --include=wine32:i386,wine64,wine,xvfb,xauth,xdotool,imagemagick,locales,fonts-wine,fonts-liberation,fonts-ipafont-gothic
     --customize-hook='printf "en_US.UTF-8 UTF-8\nja_JP.UTF-8 UTF-8\n" >"$1/etc/locale.gen" && chroot "$1" locale-gen'
     --customize-hook='rm -rf "$1"/usr/share/doc "$1"/usr/share/man "$1"/var/lib/apt/lists/*'
     --customize-hook='mkdir "$1/prefix"')
-  say "installing a small i386 Debian with Wine from $mirror (one to three minutes)"
+  say "installing a small Debian with Wine of both widths from $mirror (two to four minutes)"
   local code=0
   if is_root; then
     mmdebstrap --mode=root "${options[@]}" trixie "$new/root" "$mirror" >"$log" 2>&1 &
@@ -237,7 +246,7 @@ build_root() {  # DIRECTORY
   fi
   if [ $code != 0 ]; then
     tail -n 20 "$log" >&2
-    fail "the i386 Debian could not be installed (mmdebstrap's last words stand above)"
+    fail "the small Debian could not be installed (mmdebstrap's last words stand above)"
   fi
 
   local language
@@ -251,10 +260,12 @@ build_root() {  # DIRECTORY
     settle_prefix "$new/root/prefix/$language"
   done
 
-  # Wine copies its libraries into each tree (600 MB); the trees' copies become links to the originals.
-  local original=$new/root/usr/lib/i386-linux-gnu/wine/i386-windows file
+  # Wine copies its libraries into each tree (1.2 GB); the trees' copies become links to the originals.
+  local original file
   find "$new"/root/prefix/*/drive_c/windows -type f -size +8k | while read -r file; do
-    [ ! -f "$original/${file##*/}" ] || ! cmp -s "$file" "$original/${file##*/}" || ln -f "$original/${file##*/}" "$file"
+    for original in "$new"/root/usr/lib/*/wine/*-windows/"${file##*/}"; do
+      ! cmp -s "$file" "$original" || ln -f "$original" "$file"
+    done
   done
   rm -f "$log"
 }
@@ -284,13 +295,16 @@ make_root() {
   fi
   [ ! -d "$windows_base" ] || return 0
 
-  say "no Windows root yet: making one in $windows_base (once for this machine, about 2 GB)"
+  say "no Windows root yet: making one in $windows_base (once for this machine, about 3 GB)"
   check_kernel
   add_missing_for_root
   install_missing
-  arch-test i386 >/dev/null 2>&1 || fail "this machine cannot run 32-bit x86 programs, which Wine here consists of"
-  check_space "$cache" 3500 KWDIALOGS_CACHE
-  is_root || check_space "${TMPDIR:-/tmp}" 2000 TMPDIR  # mmdebstrap works there for an ordinary user
+  local width
+  for width in amd64 i386; do
+    arch-test $width >/dev/null 2>&1 || fail "this machine cannot run $width programs, which Wine here consists of"
+  done
+  check_space "$cache" 5500 KWDIALOGS_CACHE
+  is_root || check_space "${TMPDIR:-/tmp}" 3500 TMPDIR  # mmdebstrap works there for an ordinary user
   find_mirror
   rm -rf --one-file-system "$windows_base".new.*  # left by a run that was killed; nobody else builds now
   new=$(mktemp -d "$windows_base.new.XXXXXX")

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Runs a 32-bit Windows program on a Linux machine and passes on its exit code.
+# Runs a Windows program of 32 or of 64 bits on a Linux machine and passes on its exit code.
 #
 #   tools/winrun.sh [--desktop WIDTHxHEIGHT[@DPI]] LANG PROGRAM.exe ARGUMENTS...
 #
@@ -32,7 +32,7 @@ set_language() {  # LANG PREFIX
     *) fail "unknown language '$1' (en, ja)" ;;
   esac
   unset LANGUAGE
-  export WINEPREFIX=$2 WINEARCH=win32 WINEDEBUG=${WINEDEBUG:--all}
+  export WINEPREFIX=$2 WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
   # No offers to download a browser engine or .NET, no entries in the user's menus.
   export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe='
 }

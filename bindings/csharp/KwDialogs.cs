@@ -1,7 +1,7 @@
 // kwdialogs for C#: file and directory selection, table-driven dialogs (P/Invoke declarations of kwdialogs.h).
 //
-// The library is 32-bit: build the host for x86 ("Prefer 32-bit" or -platform:x86). All text is 8-bit text in the
-// system's ANSI code page, and text fields are pointers, because the library keeps and fills the host's own buffers:
+// Build the host for the width of the DLL: -platform:x86 or -platform:x64, never "Any CPU". All text is 8-bit text in
+// the system's ANSI code page, and text fields are pointers, because the library keeps and fills the host's own buffers:
 // Marshal.StringToHGlobalAnsi makes one. Buffers, tables and delegates stay where they are until the call has returned
 // (unmanaged memory or a pinned GCHandle; a delegate in a variable and GC.KeepAlive behind the call). All calls are
 // made on the host's user-interface thread; the dialogs are modal and return on that thread.
@@ -47,7 +47,7 @@ public static class KwDialogs
     public const uint KW_SHOW_TIME = 0x04;
     public const uint KW_SHOW_COMMENT = 0x08;
 
-    // What kwSelectFileName asks and answers: 36 bytes. The host owns every buffer.
+    // What kwSelectFileName asks and answers: 36 bytes, in 64 bits 64. The host owns every buffer.
     [StructLayout(LayoutKind.Sequential, Pack = 8)]
     public struct SelectRequest
     {
@@ -78,7 +78,7 @@ public static class KwDialogs
 
     // Lets the user choose a directory.
     //   owner      window that owns the modal dialog; may be zero
-    //   title      dialog caption; null: the template's own
+    //   title      dialog caption; null: "DirSelection" in the folder tree, the system's own in the classic style
     //   directory  at least KW_MAX_PATH bytes; in: starting directory, out: the chosen one, both with a trailing
     //              backslash (the folder tree selects the parent of one that has none); a virtual folder gives the
     //              shell's name for it. Null, or a text that does not end within KW_MAX_PATH, gives 0
@@ -117,7 +117,7 @@ public static class KwDialogs
     public const uint KW_FLAG_SPIN = 0x40000;      // edit fields: attach a spin button that steps by one
     public const uint KW_FLAG_KEEP_PAGE = 0x80000; // pages: on acceptance store the page shown into minimum
 
-    // One control, or one radio group, of a dialog: 40 bytes. The host owns the table; it stays alive and writable
+    // One control, or one radio group, of a dialog: 40 bytes in both widths. The host owns the table; it stays alive and writable
     // until the dialog has ended. A range is active only when minimum and maximum differ.
     [StructLayout(LayoutKind.Sequential, Pack = 8)]
     public struct DialogItem
@@ -135,7 +135,7 @@ public static class KwDialogs
     [UnmanagedFunctionPointer(CallingConvention.StdCall)]
     public delegate IntPtr DialogCallback(IntPtr dialog, uint message, IntPtr wParam, IntPtr lParam);
 
-    // One page of a page container: 20 bytes.
+    // One page of a page container: 20 bytes, in 64 bits 40.
     [StructLayout(LayoutKind.Sequential, Pack = 8)]
     public struct PageDescriptor
     {

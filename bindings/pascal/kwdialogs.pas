@@ -1,6 +1,6 @@
 { kwdialogs for Delphi and Free Pascal: file and directory selection, table-driven dialogs (kwdialogs.h as a unit).
 
-  The library is 32-bit: build for Win32. All text is 8-bit text in the system's ANSI code page (AnsiString; in Free
+  Build for the width of the DLL, Win32 or Win64. All text is 8-bit text in the system's ANSI code page (AnsiString; in Free
   Pascal one that is not declared as UTF-8). Records, buffers and texts stay alive until the call has returned. All
   calls are made on the thread of the user interface; the dialogs are modal and return on that thread. Pascal traps
   floating-point errors, and what runs inside a system dialog (shell extensions) expects that nobody does: mask them
@@ -85,7 +85,7 @@ const
   KW_FLAG_KEEP_PAGE = $80000; { pages: on acceptance store the index of the page shown into minimum }
 
 type
-  { What kwSelectFileName asks and answers: 36 bytes. The host owns every buffer. }
+  { What kwSelectFileName asks and answers: 36 bytes, in 64 bits 64. The host owns every buffer. }
   PSelectRequest = ^TSelectRequest;
   TSelectRequest = record
     title: PAnsiChar;         { dialog caption; nil: the system's own }
@@ -99,7 +99,7 @@ type
     displayOptions: DWORD;    { in/out, classic dialog only: KW_SHOW_... }
   end;
 
-  { One control, or one radio group, of a dialog: 40 bytes. The host owns the table; it stays alive and writable until
+  { One control, or one radio group, of a dialog: 40 bytes in both widths. The host owns the table; it stays alive and writable until
     the dialog has ended. A range is active only when minimum and maximum differ. }
   PDialogItem = ^TDialogItem;
   TDialogItem = record
@@ -115,7 +115,7 @@ type
     No exception may leave it. }
   TDialogCallback = function(dialog: HWND; message: UINT; wParam: WPARAM; lParam: LPARAM): LRESULT; stdcall;
 
-  { One page of a page container: 20 bytes. }
+  { One page of a page container: 20 bytes, in 64 bits 40. }
   PPageDescriptor = ^TPageDescriptor;
   TPageDescriptor = record
     instance: HINST;             { module that holds the page's template; 0: the dialog's own module }
@@ -140,7 +140,7 @@ function kwSelectFileGUI(mode: LongInt): LongInt; stdcall;
 
 { Lets the user choose a directory.
     owner      window that owns the modal dialog; may be 0
-    title      dialog caption; nil: the template's own
+    title      dialog caption; nil: "DirSelection" in the folder tree, the system's own in the classic style
     directory  at least KW_MAX_PATH bytes; in: starting directory, out: the chosen one, both with a trailing backslash
                (the folder tree selects the parent of one that has none); a virtual folder gives the shell's name for
                it. Nil, or a text that does not end within KW_MAX_PATH, gives 0

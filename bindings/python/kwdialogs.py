@@ -1,6 +1,6 @@
 """kwdialogs for Python (ctypes): file and directory selection, table-driven dialogs.
 
-The library is 32-bit and so must Python be. All text is bytes in the system's ANSI code page: ansi("...") makes them.
+A 32-bit Python takes the DLL of the package's x86, a 64-bit one that of x64. All text is bytes in the system's ANSI code page: ansi("...") makes them.
 Keep every record, buffer and callback in a variable until the call has returned. All calls are made on the thread of
 the host's user interface; the dialogs are modal and return on that thread.
 
@@ -42,7 +42,7 @@ KW_SHOW_COMMENT = 0x08
 
 
 class SelectRequest(ctypes.Structure):
-    """What kwSelectFileName asks and answers: 36 bytes. A field that is left out is null or 0."""
+    """What kwSelectFileName asks and answers: 36 bytes, in 64 bits 64. A field that is left out is null or 0."""
 
     _layout_ = "ms"
     _pack_ = 8
@@ -95,7 +95,7 @@ NO_CALLBACK = DialogCallback()  # ctypes takes no None in its place
 
 
 class DialogItem(ctypes.Structure):
-    """One control, or one radio group, of a dialog: 40 bytes. A range is active only when minimum and maximum differ.
+    """One control, or one radio group, of a dialog: 40 bytes in both widths. A range is active only when minimum and maximum differ.
 
     The table, the variables and the texts stay alive and writable until the dialog has ended.
     """
@@ -113,7 +113,7 @@ class DialogItem(ctypes.Structure):
 
 
 class PageDescriptor(ctypes.Structure):
-    """One page of a page container: 20 bytes."""
+    """One page of a page container: 20 bytes, in 64 bits 40."""
 
     _layout_ = "ms"
     _pack_ = 8
@@ -143,7 +143,7 @@ PROTOTYPES = {
     # the call.
     "kwSelectFileGUI": (c_int32, [c_int32]),
     # (owner, title, directory): lets the user choose a directory.
-    #   title      dialog caption; None: the template's own
+    #   title      dialog caption; None: "DirSelection" in the folder tree, the system's own in the classic style
     #   directory  create_string_buffer(start, KW_MAX_PATH); in: starting directory, out: the chosen one, both with a
     #              trailing backslash (the folder tree selects the parent of one that has none); a virtual folder gives
     #              the shell's name for it. None, or a text that does not end within KW_MAX_PATH, gives 0
@@ -165,11 +165,17 @@ def load(path="kwdialogs.dll"):
     """Loads the library and returns it with its four exports declared.
 
     Give a full path: Python looks for bare names beside python.exe and in the system's folders only. OSError when the
-    library cannot be loaded, or when this Python is not a 32-bit one on Windows.
+    library cannot be loaded; when it has the other width than this Python, the message says so.
     """
-    if not hasattr(ctypes, "WinDLL") or ctypes.sizeof(c_void_p) != 4:
-        raise OSError("kwdialogs.dll needs a 32-bit Python on Windows")
-    library = ctypes.WinDLL(path)
+    if not hasattr(ctypes, "WinDLL"):
+        raise OSError("kwdialogs.dll needs Python on Windows")
+    try:
+        library = ctypes.WinDLL(path)
+    except OSError as error:
+        if getattr(error, "winerror", 0) != 193:  # ERROR_BAD_EXE_FORMAT
+            raise
+        bits = 8 * ctypes.sizeof(c_void_p)
+        raise OSError(f"{path} is not for this Python of {bits} bits: take the DLL of x86 for 32, of x64 for 64") from error
     for name, (result, parameters) in PROTOTYPES.items():
         export = getattr(library, name)
         export.restype, export.argtypes = result, parameters

@@ -1,9 +1,9 @@
 """Opens a dialog of two pages, which kwdialogs runs from tables, and prints what the user entered.
 
-    py -3-32 sample_dialog.py [FOLDER]      with a 32-bit Python
+    py -3 sample_dialog.py [FOLDER]
 
-FOLDER holds kwdialogs.dll and kwdemo.exe; it is the package's bin when it is left out. The dialog's templates are those
-of kwdemo.exe; a host brings its own in its resources.
+FOLDER holds kwdialogs.dll and kwdemo.exe of the width of this Python; without it they are the package's. The dialog's
+templates are those of kwdemo.exe; a host brings its own in its resources.
 """
 import ctypes
 import os
@@ -112,8 +112,9 @@ def load_resources(path):
 def main():
     if len(sys.argv) > 2 or "-h" in sys.argv or "--help" in sys.argv:
         sys.exit(__doc__)
-    folder = sys.argv[1] if len(sys.argv) == 2 else os.path.join(os.path.dirname(__file__), "..", "..", "bin")
-    folder = os.path.abspath(folder)
+    width = "x64" if ctypes.sizeof(ctypes.c_void_p) == 8 else "x86"
+    packaged = os.path.join(os.path.dirname(__file__), "..", "..", width, "bin")
+    folder = os.path.abspath(sys.argv[1] if len(sys.argv) == 2 else packaged)
     try:
         library = kw.load(os.path.join(folder, "kwdialogs.dll"))
         module = load_resources(os.path.join(folder, "kwdemo.exe"))

@@ -1,4 +1,5 @@
 // The exports: thin dispatchers that choose a dialog variant and keep the process's current directory.
+#include <cstddef>
 #include <cstring>
 
 #include "dirsel/classic_directory.h"
@@ -8,6 +9,24 @@
 #include "frame/os_kind.h"
 #include "kit/guard.h"
 #include "kwdialogs.h"
+
+// What hosts of 32 and of 64 bits have compiled into them.
+static constexpr std::size_t Offset(std::size_t in32Bits, std::size_t in64Bits) {
+    return sizeof(void*) == 4 ? in32Bits : in64Bits;
+}
+static_assert(sizeof(SelectRequest) == Offset(36, 64));
+static_assert(offsetof(SelectRequest, initialDir) == Offset(8, 16));
+static_assert(offsetof(SelectRequest, filterIndex) == Offset(12, 24));
+static_assert(offsetof(SelectRequest, fileBuffer) == Offset(16, 32));
+static_assert(offsetof(SelectRequest, fileBufferSize) == Offset(20, 40));
+static_assert(offsetof(SelectRequest, defaultExt) == Offset(24, 48));
+static_assert(offsetof(SelectRequest, displayOptions) == Offset(32, 60));
+static_assert(sizeof(DialogItem) == 40 && offsetof(DialogItem, value) == 8 && offsetof(DialogItem, minimum) == 16);
+static_assert(offsetof(DialogItem, maximum) == 24 && offsetof(DialogItem, text) == 32);
+static_assert(sizeof(PageDescriptor) == Offset(20, 40));
+static_assert(offsetof(PageDescriptor, callback) == Offset(8, 16));
+static_assert(offsetof(PageDescriptor, itemCount) == Offset(12, 24));
+static_assert(offsetof(PageDescriptor, items) == Offset(16, 32));
 
 // 0: Explorer style where the shell has it; positive: classic. Never changed by the library itself.
 static int GuiMode = 0;

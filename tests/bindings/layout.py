@@ -5,8 +5,8 @@
 
 The header is the one source of truth: its names are read from its text, its numbers are what the compiler makes of it.
 A line of the table is "constant NAME VALUE", "size RECORD BYTES", "field RECORD.NAME OFFSET BYTES" or
-"parameters EXPORT COUNT". The compilers at hand are 64-bit ones, so before Pascal and C# are compiled, the pointers in
-their records are replaced by 32-bit integers, which stand and count in a record as 32-bit pointers do.
+"parameters EXPORT COUNT". The compilers at hand are 64-bit ones, so for a 32-bit table the pointers in the bindings' records
+are first replaced by 32-bit integers, which stand and count in a record as 32-bit pointers do.
 """
 import ctypes
 import re
@@ -24,7 +24,7 @@ class Names:
 
     def __init__(self, header):
         text = re.sub(r"/\*.*?\*/", "", header.read_text(encoding="ascii"), flags=re.S)
-        self.constants = re.findall(r"^#define (KW_\w+) ", text, re.M)
+        self.constants = re.findall(r"^#define (KW_(?!VERSION)\w+) ", text, re.M)
         self.records = {
             name: re.findall(r"(\w+);", body)
             for body, name in re.findall(r"typedef struct \w+ \{(.*?)\} (\w+);", text, re.S)
@@ -87,11 +87,12 @@ def with_32_bit_pointers(kind):
     return kind if is_number and kind not in (ctypes.c_size_t, ctypes.c_ssize_t) else ctypes.c_uint32
 
 
-def python_table(names, binding):
+def python_table(names, binding, narrow):
     module = types.SimpleNamespace(**runpy.run_path(binding))
     lines = [f"constant {c} {getattr(module, c)}" for c in names.constants]
     for record, fields in names.records.items():
-        model = with_32_bit_pointers(getattr(module, record))
+        model = getattr(module, record)
+        model = with_32_bit_pointers(model) if narrow else model
         lines.append(f"size {record} {ctypes.sizeof(model)}")
         lines += [f"field {record}.{f} {getattr(model, f).offset} {getattr(model, f).size}" for f in fields]
     lines += [f"parameters {e} {len(module.PROTOTYPES[e][1])}" for e in names.exports]
@@ -100,23 +101,24 @@ def python_table(names, binding):
 
 # ---- Pascal
 
-WINDOWS_UNIT = """unit Windows;  { the types that the binding takes from there, as 32-bit Windows has them }
+WINDOWS_UNIT = """unit Windows;  { the types that the binding takes from there, as Windows has them }
 interface
-type HWND = LongWord; HINST = LongWord; UINT = LongWord; DWORD = LongWord;
-  WPARAM = LongInt; LPARAM = LongInt; LRESULT = LongInt;
+type HWND = PtrUInt; HINST = PtrUInt; UINT = LongWord; DWORD = LongWord;
+  WPARAM = PtrInt; LPARAM = PtrInt; LRESULT = PtrInt;
 implementation
 end.
 """
 
 
-def pascal_table(names, binding):
+def pascal_table(names, binding, narrow):
     unit = binding.read_text(encoding="ascii")
     exports = {
         name: sum(1 + part.split(":")[0].count(",") for part in parameters.split(";"))
         for name, parameters in re.findall(r"^function (kw\w+)\(([^)]*)\):[^;]*;\s+stdcall;", unit, re.M)
     }
-    narrow = re.compile(r"(?<=: )(Pointer|P[A-Z]\w+|TDialogCallback)(?=;)")
-    unit = re.sub(r"= record.*?end;", lambda record: narrow.sub("LongWord", record[0]), unit, flags=re.S)
+    pointer = re.compile(r"(?<=: )(Pointer|P[A-Z]\w+|TDialogCallback|HINST)(?=;)")
+    if narrow:
+        unit = re.sub(r"= record.*?end;", lambda record: pointer.sub("LongWord", record[0]), unit, flags=re.S)
     unit = re.sub(r"external KwDialogsDll name '\w+';", "begin Result := 0 end;", unit)  # there is no DLL to link
     own_names = {"type": "itemType"}
     lines = ["program Table;", "uses kwdialogs;", "begin"]
@@ -135,9 +137,10 @@ def pascal_table(names, binding):
 # ---- C#
 
 
-def csharp_table(names, binding):
+def csharp_table(names, binding, narrow):
     code = binding.read_text(encoding="ascii")
-    code = re.sub(r"public struct.*?\n    }", lambda record: record[0].replace("IntPtr", "uint"), code, flags=re.S)
+    if narrow:
+        code = re.sub(r"public struct.*?\n    }", lambda record: record[0].replace("IntPtr", "uint"), code, flags=re.S)
     lines = ["using System; using System.Reflection; using System.Runtime.InteropServices;"]
     lines += ["static class Table {"]
     lines += ["    static void Size(Type record) {"]
@@ -168,9 +171,10 @@ def main():
         return
     language, header, binding, command = sys.argv[1], Path(sys.argv[2]), Path(sys.argv[3]), sys.argv[4:]
     names = Names(header)
-    found = {line.strip() for line in TABLES[language](names, binding).splitlines() if line.strip()}
     run = subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True)
     wanted = {line.strip() for line in run.stdout.splitlines()}
+    table = TABLES[language](names, binding, narrow="field SelectRequest.title 0 4" in wanted)
+    found = {line.strip() for line in table.splitlines() if line.strip()}
     mentioned = set(re.findall(r"\bKW_[A-Z0-9_]*[A-Z0-9]\b(?!_?\.\.\.)", binding.read_text(encoding="ascii")))
     errors = [f"header:  {line}" for line in sorted(wanted - found)]
     errors += [f"binding: {line}" for line in sorted(found - wanted)]

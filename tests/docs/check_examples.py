@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Compiles the C examples of the documentation as a reader would compile them.
+"""Compiles the C and C++ examples of the documentation as a reader would compile them.
 
     check_examples.py --docs DIR --include DIR --import-library FILE --compiler GCC --resource-compiler WINDRES --work DIR
 
-Every code fence marked c, h or rc is a whole file and begins with its name in a comment: /* open.c */. The files of one
-document go into one folder. Each .c file is compiled with warnings as errors; one with a main function or WinMain is
+Every code fence marked c, cpp, h or rc is a whole file and begins with its name in a comment: /* open.c */. The files of one
+document go into one folder. Each .c and .cpp file is compiled with warnings as errors; one with a main function or WinMain is
 linked with the import library, and with the .rc file of the same name when there is one. Ends with 1 when anything
 fails.
 """
@@ -16,14 +16,15 @@ import shutil
 import subprocess
 import sys
 
-FENCE = re.compile(r"^```(c|h|rc)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
-NAME = re.compile(r"/\* ([a-z0-9_]+\.(?:c|h|rc)) \*/\n")
+FENCE = re.compile(r"^```(c|cpp|h|rc)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+NAME = re.compile(r"/\* ([a-z0-9_]+\.(?:c|cpp|h|rc)) \*/\n")
 PROGRAM = re.compile(r"^int (?:WINAPI )?(?:main|WinMain)\(", re.MULTILINE)
-WARNINGS = ["-std=c99", "-Wall", "-Wextra", "-Wpedantic", "-Werror"]
+WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Werror"]
+STANDARDS = {".c": ["-std=c99"], ".cpp": ["-x", "c++", "-std=c++11"]}
 
 
 def extract(document, folder):
-    """Writes the document's examples into a new folder and returns the .c files; raises ValueError for a nameless one."""
+    """Writes the document's examples into a new folder and returns the .c and .cpp files; raises ValueError for a nameless one."""
     text = document.read_text(encoding="utf-8")
     written = []
     for fence in FENCE.finditer(text):
@@ -37,12 +38,13 @@ def extract(document, folder):
         folder.mkdir(parents=True, exist_ok=True)
         path.write_text(fence[2], encoding="utf-8")
         written.append(path)
-    return [path for path in written if path.suffix == ".c"]
+    return [path for path in written if path.suffix in STANDARDS]
 
 
 def commands(source, options):
     """The commands that build one example."""
-    compile_only = [options.compiler, *WARNINGS, "-I", options.include, "-c", source, "-o", source.with_suffix(".o")]
+    compile_only = [options.compiler, *WARNINGS, *STANDARDS[source.suffix], "-I", options.include]
+    compile_only += ["-c", source, "-o", source.with_suffix(".o")]
     if not PROGRAM.search(source.read_text(encoding="utf-8")):
         return [compile_only]
     objects, script = [source.with_suffix(".o")], source.with_suffix(".rc")

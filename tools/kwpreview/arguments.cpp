@@ -1,83 +1,83 @@
 #include "arguments.h"
 
-#include <charconv>
-#include <cstring>
-
 #include "console.h"
 #include "resource.h"
 
 namespace {
 
 struct Flag {
-    const char* name;
+    const wchar_t* name;
     bool Options::*value;
 };
 constexpr Flag kFlags[] = {
-    {"--mono", &Options::mono}, {"--frames", &Options::frames}, {"--comment", &Options::comment},
-    {"--kind", &Options::kind}, {"--help", &Options::help},     {"-h", &Options::help},
-    {"/?", &Options::help},
+    {L"--mono", &Options::mono},       {L"--frames", &Options::frames}, {L"--comment", &Options::comment},
+    {L"--kind", &Options::kind},       {L"--strict", &Options::strict}, {L"--recursive", &Options::recursive},
+    {L"--version", &Options::version}, {L"--help", &Options::help},     {L"-h", &Options::help},
+    {L"/?", &Options::help},
 };
 
 // A number of pixels, digits alone; moves on behind it.
-bool TakeSide(const char** at, long* out) {
-    const char* const end = *at + std::strlen(*at);
-    if (**at == '-') return false;
-    const auto [next, error] = std::from_chars(*at, end, *out);
-    if (error != std::errc() || *out < kMinSide || *out > kMaxSide) return false;
-    *at = next;
+bool TakeSide(const wchar_t** at, long* out) {
+    const wchar_t* end = *at;
+    long value = 0;
+    for (; *end >= L'0' && *end <= L'9' && value <= kMaxSide; ++end) value = value * 10 + (*end - L'0');
+    if (value < kMinSide || value > kMaxSide) return false;
+    *at = end;
+    *out = value;
     return true;
 }
 
-bool ParseSize(const char* text, SIZE* out) {
+bool ParseSize(const wchar_t* text, SIZE* out) {
     SIZE size = {};
-    if (!TakeSide(&text, &size.cx) || (*text != 'x' && *text != 'X')) return false;
+    if (!TakeSide(&text, &size.cx) || (*text != L'x' && *text != L'X')) return false;
     ++text;
     if (!TakeSide(&text, &size.cy) || *text) return false;
     *out = size;
     return true;
 }
 
-bool TakeFlag(const std::string& argument, Options* options) {
+bool TakeFlag(const std::wstring& argument, Options* options) {
     for (const Flag& flag : kFlags) {
         if (argument == flag.name) return options->*flag.value = true;
     }
     return false;
 }
 
-bool TakeValue(const std::string& option, const char* value, Options* options, std::string* complaint) {
-    if (!value || !*value) {
+bool TakeValue(const std::wstring& option, const std::wstring& value, Options* options, std::wstring* complaint) {
+    if (value.empty()) {
         *complaint = TextWith(IDS_MISSING_VALUE, {option});
         return false;
     }
-    if (option == "-o") {
-        options->folder = value;
+    if (option == L"-o") {
+        options->output = value;
         return true;
     }
-    if (ParseSize(value, &options->size)) return true;
-    *complaint = TextWith(IDS_BAD_SIZE, {value, std::to_string(kMinSide), std::to_string(kMaxSide)});
+    if (ParseSize(value.c_str(), &options->size)) return true;
+    *complaint = TextWith(IDS_BAD_SIZE, {value, std::to_wstring(kMinSide), std::to_wstring(kMaxSide)});
     return false;
 }
 
 }  // namespace
 
-bool ParseArguments(int count, const char* const* arguments, Options* options, std::string* complaint) {
+bool ParseArguments(const std::vector<std::wstring>& arguments, Options* options, std::wstring* complaint) {
     bool optionsEnded = false;
-    for (int i = 1; i < count; ++i) {
-        const std::string argument = arguments[i];
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        const std::wstring& argument = arguments[i];
         if (!optionsEnded && TakeFlag(argument, options)) continue;
-        if (!optionsEnded && (argument == "-o" || argument == "--size")) {
+        if (!optionsEnded && (argument == L"-o" || argument == L"--size")) {
             ++i;
-            if (!TakeValue(argument, i < count ? arguments[i] : nullptr, options, complaint)) return false;
-        } else if (!optionsEnded && argument == "--") {
+            const std::wstring value = i < arguments.size() ? arguments[i] : std::wstring();
+            if (!TakeValue(argument, value, options, complaint)) return false;
+        } else if (!optionsEnded && argument == L"--") {
             optionsEnded = true;
-        } else if (!optionsEnded && argument[0] == '-') {
+        } else if (!optionsEnded && argument[0] == L'-') {
             *complaint = TextWith(IDS_UNKNOWN_OPTION, {argument});
             return false;
         } else if (!argument.empty()) {
-            options->inputs.push_back(argument);
+            options->inputs.emplace_back(argument);
         }
     }
-    if (options->help || !options->inputs.empty()) return true;
+    if (options->help || options->version || !options->inputs.empty()) return true;
     *complaint = Text(IDS_NO_INPUT);
     return false;
 }

@@ -1,51 +1,41 @@
 #include "console.h"
 
-#include <io.h>
-
 #include <memory>
 
-#include "frame/services.h"
 #include "kit/handles.h"
 
-std::string Text(UINT id) {
-    char text[512];
-    CopyResString(id, text, sizeof(text));
-    return text;
+static bool outputFailed = false;
+
+std::wstring Text(UINT id) {
+    const wchar_t* text = nullptr;  // with a size of 0, the address of the resource itself
+    const int length = LoadStringW(GetModuleHandleW(nullptr), id, reinterpret_cast<wchar_t*>(&text), 0);
+    return {text, static_cast<std::size_t>(length)};
 }
 
-static std::string FormatWith(DWORD flags, const void* source, DWORD error, char** values) {
-    char* allocated = nullptr;
-    const DWORD length = FormatMessageA(flags | FORMAT_MESSAGE_ALLOCATE_BUFFER, source, error, 0,
-                                        reinterpret_cast<char*>(&allocated), 0, reinterpret_cast<va_list*>(values));
-    const UniqueLocal<char> owner(allocated);
-    return length > 0 ? std::string(allocated, length) : std::string();
+static std::wstring FormatWith(DWORD flags, const void* source, DWORD error, wchar_t** values) {
+    wchar_t* allocated = nullptr;
+    const DWORD length = FormatMessageW(flags | FORMAT_MESSAGE_ALLOCATE_BUFFER, source, error, 0,
+                                        reinterpret_cast<wchar_t*>(&allocated), 0, reinterpret_cast<va_list*>(values));
+    const UniqueLocal<wchar_t> owner(allocated);
+    return length > 0 ? std::wstring(allocated, length) : std::wstring();
 }
 
-std::string TextWith(UINT id, const std::vector<std::string>& values) {
-    std::vector<char*> pointers;
+std::wstring TextWith(UINT id, const std::vector<std::wstring>& values) {
+    std::vector<wchar_t*> pointers;
     pointers.reserve(values.size());
-    for (const std::string& value : values) pointers.push_back(const_cast<char*>(value.c_str()));
+    for (const std::wstring& value : values) pointers.push_back(const_cast<wchar_t*>(value.c_str()));
     return FormatWith(FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ARGUMENT_ARRAY, Text(id).c_str(), 0, pointers.data());
 }
 
-std::string SystemMessage(DWORD error) {
+std::wstring SystemMessage(DWORD error) {
     constexpr DWORD kOneLine = FORMAT_MESSAGE_MAX_WIDTH_MASK;
-    std::string text =
+    std::wstring text =
         FormatWith(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | kOneLine, nullptr, error, nullptr);
-    while (!text.empty() && text.back() == ' ') text.pop_back();
-    return text.empty() ? std::to_string(error) : text;
+    while (!text.empty() && text.back() == L' ') text.pop_back();
+    return text.empty() ? std::to_wstring(error) : text;
 }
 
-static HANDLE HandleOf(std::FILE* stream) {
-    return GetStdHandle(stream == stderr ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE);
-}
-
-bool IsConsole(std::FILE* stream) {
-    DWORD mode;
-    return GetConsoleMode(HandleOf(stream), &mode) != 0;
-}
-
-static std::wstring Widen(const std::string& text) {
+std::wstring Widen(const std::string& text) {
     const int size = static_cast<int>(text.size());
     std::wstring wide(text.size(), L'\0');  // never more characters than bytes
     wide.resize(static_cast<std::size_t>(
@@ -61,15 +51,26 @@ static std::string ToUtf8(const std::wstring& wide) {
     return text;
 }
 
-void Print(std::FILE* stream, const std::string& text) {
-    if (text.empty()) return;
-    const std::wstring wide = Widen(text);
+static HANDLE HandleOf(std::FILE* stream) {
+    return GetStdHandle(stream == stderr ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE);
+}
+
+bool IsConsole(std::FILE* stream) {
+    DWORD mode;
+    return GetConsoleMode(HandleOf(stream), &mode) != 0;
+}
+
+static bool Write(std::FILE* stream, const std::wstring& text) {
     DWORD written = 0;
     if (IsConsole(stream)) {
-        WriteConsoleW(HandleOf(stream), wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr);
-        return;
+        return WriteConsoleW(HandleOf(stream), text.data(), static_cast<DWORD>(text.size()), &written, nullptr) != 0;
     }
-    const std::string bytes = ToUtf8(wide);
-    std::fwrite(bytes.data(), 1, bytes.size(), stream);
-    std::fflush(stream);
+    const std::string bytes = ToUtf8(text);
+    return std::fwrite(bytes.data(), 1, bytes.size(), stream) == bytes.size() && std::fflush(stream) == 0;
 }
+
+void Print(std::FILE* stream, const std::wstring& text) {
+    if (!Write(stream, text) && stream == stdout) outputFailed = true;
+}
+
+bool OutputFailed() { return outputFailed; }

@@ -1,13 +1,20 @@
 // kwpreview: draws previews into PNG files, as the dialogs would show them, and says why a file shows nothing.
 //
-//   kwpreview FILE... [-o DIR] [--size WxH] [--mono] [--frames] [--comment] [--kind]
+//   kwpreview FILE... [-o DIR|NAME.png] [--size WxH] [--mono] [--frames] [--comment] [--kind] [--recursive] [--strict]
 //
-// docs/kwpreview.md tells more; --help says the same in short.
+// docs/kwpreview.md tells more; --help says the same in short. Files are opened here, by their wide names, and their
+// bytes go to the library's readers.
+#include <windows.h>
+
+#include <shellapi.h>
+
 #include <algorithm>
 
 #include "arguments.h"
 #include "console.h"
 #include "files.h"
+#include "kit/handles.h"
+#include "kwdialogs.h"
 #include "output.h"
 #include "png_file.h"
 #include "preview/drawing/canvas.h"
@@ -15,41 +22,43 @@
 #include "report.h"
 #include "resource.h"
 
-// The C runtime leaves wildcards alone: a pattern that matches nothing would come to us like a file's name.
-extern "C" {
-int _dowildcard = 0;  // NOLINT(bugprone-reserved-identifier)
-}
-
 namespace {
 
 // The worst thing that has happened.
-enum ExitCode { kAllPictures = 0, kNoPicture = 1, kUsage = 2, kNoFile = 3, kNotWritten = 4 };
+enum ExitCode { kNothingWrong = 0, kNoPicture = 1, kUsage = 2, kNoFile = 3, kNotWritten = 4 };
 
-ExitCode CodeOf(NoPicture problem) {
-    switch (problem) {
-        case NoPicture::none: return kAllPictures;
+ExitCode CodeOf(const Preview& preview, bool isStrict) {
+    switch (preview.problem) {
+        case NoPicture::none: return kNothingWrong;
         case NoPicture::missing:
         case NoPicture::noMatch:
         case NoPicture::emptyFolder:
-        case NoPicture::foreignName:
         case NoPicture::unreadable:
         case NoPicture::device: return kNoFile;
         case NoPicture::notWritten: return kNotWritten;
-        default: return kNoPicture;
+        default: return isStrict || IsDrawing(preview.kind) ? kNoPicture : kNothingWrong;
     }
 }
 
-int Complain(const std::string& text, ExitCode code) {
-    Print(stderr, "kwpreview: " + text + "\n");
+int Complain(const std::wstring& text, ExitCode code) {
+    Print(stderr, L"kwpreview: " + text + L"\n");
     return code;
 }
 
+int Finish(ExitCode code) { return OutputFailed() ? Complain(Text(IDS_NO_OUTPUT), kNotWritten) : code; }
+
 int PrintHelp() {
     for (UINT id = IDS_HELP;; ++id) {
-        const std::string line = Text(id);
-        if (line.empty()) return kAllPictures;
-        Print(stdout, line == " " ? "\n" : line + "\n");
+        const std::wstring line = Text(id);
+        if (line.empty()) return Finish(kNothingWrong);
+        Print(stdout, line == L" " ? L"\n" : line + L"\n");
     }
+}
+
+int PrintVersion() {
+    Print(stdout, L"kwpreview " + std::to_wstring(KW_VERSION_MAJOR) + L"." + std::to_wstring(KW_VERSION_MINOR) + L"." +
+                      std::to_wstring(KW_VERSION_PATCH) + L"\n");
+    return Finish(kNothingWrong);
 }
 
 Preview PreviewOf(const Options& options, const Input& input) {
@@ -63,41 +72,58 @@ Preview PreviewOf(const Options& options, const Input& input) {
     return RenderPreview(input.path, renderMode, options.size);
 }
 
-int RenderAll(const Options& options, const std::vector<Input>& inputs) {
-    OutputNames names(options.folder, inputs);
+// Pictures go to `file` when it is named, else where `names` says.
+int RenderAll(const Options& options, const std::vector<Input>& inputs, const FilePath& file, OutputNames names) {
     Progress progress(inputs.size());
-    ExitCode code = kAllPictures;
-    std::size_t pictures = 0, number = 0;
+    ExitCode worst = kNothingWrong;
+    std::size_t pictures = 0;
     for (const Input& input : inputs) {
-        progress.Show(++number, input.path);
+        progress.Begin(input.path);
         Preview preview = PreviewOf(options, input);
-        std::string png;
+        FilePath png;
         if (preview.problem == NoPicture::none) {
-            png = names.Take(input.path);
+            png = file.empty() ? names.Take(input.path) : file;
             if (SavePng(preview.bitmap.get(), png.c_str())) ++pictures;
             else preview.problem = NoPicture::notWritten;
         }
-        progress.Clear();
-        PrintReport(options, input.path, png, preview);
-        code = std::max(code, CodeOf(preview.problem));
+        const ExitCode code = CodeOf(preview, options.strict);
+        progress.Report(code == kNothingWrong ? stdout : stderr, ReportOf(options, input.path, png, preview));
+        worst = std::max(worst, code);
+        if (OutputFailed()) break;
     }
-    PrintSummary(pictures, inputs.size());
-    return code;
+    progress.Report(stdout, SummaryOf(pictures, inputs.size()));
+    return Finish(worst);
+}
+
+int Run(const Options& options) {
+    const std::vector<Input> inputs = FindInputs(options.inputs, options.recursive);
+    const bool isFile = HasPngExtension(options.output) && !IsFolder(options.output);
+    const FilePath folder = isFile ? options.output.parent_path() : options.output;
+    if (isFile && (inputs.size() != 1 || PathKey(inputs[0].path) == PathKey(options.output))) {
+        return Complain(TextWith(IDS_ONE_FILE, {options.output}), kUsage);
+    }
+    if (const DWORD error = folder.empty() ? 0 : MakeFolder(folder)) {
+        return Complain(TextWith(IDS_NO_FOLDER, {folder, SystemMessage(error)}), kNotWritten);
+    }
+    return RenderAll(options, inputs, isFile ? options.output : FilePath(), OutputNames(folder, inputs));
+}
+
+std::vector<std::wstring> Arguments() {
+    int count = 0;
+    const UniqueLocal<wchar_t*> arguments(CommandLineToArgvW(GetCommandLineW(), &count));
+    return {arguments.get(), arguments.get() + count};
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main() {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);  // no boxes for drives without a medium
     Options options;
-    std::string complaint;
-    if (!ParseArguments(argc, argv, &options, &complaint)) {
-        return Complain(complaint + " " + Text(IDS_SEE_HELP), kUsage);
+    std::wstring complaint;
+    if (!ParseArguments(Arguments(), &options, &complaint)) {
+        return Complain(complaint + L" " + Text(IDS_SEE_HELP), kUsage);
     }
     if (options.help) return PrintHelp();
-    const std::vector<Input> inputs = FindInputs(options.inputs);
-    if (const DWORD error = options.folder.empty() ? 0 : MakeFolder(options.folder)) {
-        return Complain(TextWith(IDS_NO_FOLDER, {options.folder, SystemMessage(error)}), kNotWritten);
-    }
-    return RenderAll(options, inputs);
+    if (options.version) return PrintVersion();
+    return Run(options);
 }

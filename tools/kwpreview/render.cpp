@@ -2,12 +2,13 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
+#include <memory>
+#include <new>
 #include <vector>
 
-#include "kit/paths.h"
-#include "preview/command_reader.h"
+#include "console.h"
 #include "preview/dispatch.h"
+#include "preview/formats/command.h"
 #include "preview/reader.h"
 
 namespace {
@@ -17,64 +18,95 @@ constexpr DWORD kCommentSize = 32767;  // as in the file dialog's pane
 // What it means for a kind when its reader gives no bitmap, and when the bitmap is all white.
 struct KindRow {
     FileTypeCode code;
-    const char* word;
+    const wchar_t* word;
     NoPicture withoutBitmap = NoPicture::kindWithout;
     NoPicture blank = NoPicture::none;
 };
 constexpr KindRow kKinds[] = {
-    {FT_LUMOS, "lumos", NoPicture::damaged, NoPicture::blankRecords},
-    {FT_QA, "qa", NoPicture::damaged, NoPicture::blankRecords},
-    {FT_QJ, "qj", NoPicture::titleOnly},
-    {FT_QF, "qf", NoPicture::titleOnly},
-    {FT_DXF, "dxf", NoPicture::damaged, NoPicture::blankDxf},
-    {FT_BMI, "bmi"},
-    {FT_PCS, "pcs"},
-    {FT_EXF, "exf", NoPicture::damaged, NoPicture::blankText},
-    {FT_HLP, "help"},
-    {FT_DLL, "dll", NoPicture::versionOnly},
-    {FT_BAT, "batch"},
-    {FT_EXE, "exe", NoPicture::versionOnly},
-    {FT_SYS, "sys"},
-    {FT_VXD, "vxd"},
-    {FT_OBJLIB, "object"},
-    {FT_BMP, "bitmap", NoPicture::badBitmap},
-    {FT_ICO, "icon"},
-    {FT_CUR, "cursor"},
-    {FT_LZH, "lzh"},
-    {FT_SZDD, "szdd"},
-    {FT_TEXT, "text", NoPicture::textOnly},
-    {FT_BINARY, "unknown", NoPicture::unknownKind},
-    {FT_NCPROGRAM, "nc"},
-    {FT_BACKUP, "backup", NoPicture::damaged, NoPicture::blankRecords},
-    {FT_BLOCKSEQ, "blocks"},
-    {FT_COMMAND, "command", NoPicture::ofNamed, NoPicture::ofNamed},
+    {FT_LUMOS, L"lumos", NoPicture::damaged, NoPicture::blankRecords},
+    {FT_QA, L"qa", NoPicture::damaged, NoPicture::blankRecords},
+    {FT_QJ, L"qj", NoPicture::titleOnly},
+    {FT_QF, L"qf", NoPicture::titleOnly},
+    {FT_DXF, L"dxf", NoPicture::damaged, NoPicture::blankDxf},
+    {FT_BMI, L"bmi"},
+    {FT_PCS, L"pcs"},
+    {FT_EXF, L"exf", NoPicture::damaged, NoPicture::blankText},
+    {FT_HLP, L"help"},
+    {FT_DLL, L"dll", NoPicture::versionOnly},
+    {FT_BAT, L"batch"},
+    {FT_EXE, L"exe", NoPicture::versionOnly},
+    {FT_SYS, L"sys"},
+    {FT_VXD, L"vxd"},
+    {FT_OBJLIB, L"object"},
+    {FT_BMP, L"bitmap", NoPicture::badBitmap},
+    {FT_ICO, L"icon"},
+    {FT_CUR, L"cursor"},
+    {FT_LZH, L"lzh"},
+    {FT_SZDD, L"szdd"},
+    {FT_TEXT, L"text", NoPicture::textOnly},
+    {FT_BINARY, L"unknown", NoPicture::unknownKind},
+    {FT_NCPROGRAM, L"nc"},
+    {FT_BACKUP, L"backup", NoPicture::damaged, NoPicture::blankRecords},
+    {FT_BLOCKSEQ, L"blocks"},
+    {FT_COMMAND, L"command", NoPicture::ofNamed, NoPicture::ofNamed},
 };
 
 const KindRow& RowOf(FileTypeCode kind) {
     for (const KindRow& row : kKinds) {
         if (row.code == kind) return row;
     }
-    static constexpr KindRow kOther = {FT_BINARY, "unknown", NoPicture::unknownKind};
+    static constexpr KindRow kOther = {FT_BINARY, L"unknown", NoPicture::unknownKind};
     return kOther;
 }
 
-// Tries what the readers will do: to open the file as they do.
-NoPicture CheckFile(const std::string& path, DWORD* error) {
-    if (std::strchr(FindFileName(path.c_str()), '?')) return NoPicture::foreignName;
-    const UniqueHandle file(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                        FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!IsOpen(file)) {
+struct File {
+    UniqueHandle handle;
+    std::uint64_t size = 0;
+};
+
+// Opens a file as the library does, but by its wide name.
+NoPicture OpenFile(const FilePath& path, File* file, DWORD* error) {
+    if (FullPath(path).rfind(L"\\\\.\\", 0) == 0) return NoPicture::device;  // merely opening one may block for ever
+    file->handle.reset(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                   FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!IsOpen(file->handle)) {
         *error = GetLastError();
         const bool isMissing = *error == ERROR_FILE_NOT_FOUND || *error == ERROR_PATH_NOT_FOUND;
         return isMissing ? NoPicture::missing : NoPicture::unreadable;
     }
-    if (GetFileType(file.get()) != FILE_TYPE_DISK) return NoPicture::device;
+    if (GetFileType(file->handle.get()) != FILE_TYPE_DISK) return NoPicture::device;
     LARGE_INTEGER size = {};
-    if (!GetFileSizeEx(file.get(), &size)) {
+    if (!GetFileSizeEx(file->handle.get(), &size)) {
         *error = GetLastError();
         return NoPicture::unreadable;
     }
+    file->size = static_cast<std::uint64_t>(size.QuadPart);
     return size.QuadPart == 0 ? NoPicture::empty : NoPicture::none;
+}
+
+std::string Narrow(const std::wstring& text) {
+    char bytes[4 * MAX_PATH] = "";
+    BOOL isForeign = FALSE;
+    WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, text.c_str(), -1, bytes, sizeof(bytes), nullptr, &isForeign);
+    return isForeign ? std::string() : bytes;
+}
+
+FileTypeCode Identify(const File& file, const FilePath& path, char* line, int lineSize) {
+    std::uint8_t head[kHeadSize];
+    DWORD count = 0;
+    if (file.size > 0 && !ReadFile(file.handle.get(), head, sizeof(head), &count, nullptr)) count = 0;
+    return IdentifyBytes({head, count}, Narrow(path.extension()).c_str(), line, lineSize);
+}
+
+// The whole file; null when it does not fit the memory or cannot be read to its end.
+std::unique_ptr<std::uint8_t[]> LoadFile(const File& file) {
+    if (file.size > MAXLONG) return nullptr;
+    const auto size = static_cast<DWORD>(file.size);
+    std::unique_ptr<std::uint8_t[]> bytes(new (std::nothrow) std::uint8_t[size]);
+    DWORD count = 0;
+    SetFilePointer(file.handle.get(), 0, nullptr, FILE_BEGIN);
+    const bool isWhole = bytes && ReadFile(file.handle.get(), bytes.get(), size, &count, nullptr) && count == size;
+    return isWhole ? std::move(bytes) : nullptr;
 }
 
 void TrimBlanks(std::string* text) {
@@ -83,7 +115,7 @@ void TrimBlanks(std::string* text) {
 
 // A comment with plain line ends and without the blanks that fill fields; control characters, which a terminal would
 // obey, are shown as dots.
-std::string CleanComment(const char* comment) {
+std::wstring CleanComment(const char* comment) {
     std::string text;
     for (; *comment; ++comment) {
         const auto byte = static_cast<std::uint8_t>(*comment);
@@ -93,7 +125,7 @@ std::string CleanComment(const char* comment) {
         text += isShown ? *comment : '.';
     }
     while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
-    return text.empty() ? text : text + "\n";
+    return text.empty() ? std::wstring() : Widen(text + "\n");
 }
 
 // Looks at a band of rows at a time: a large picture's pixels need not stand in the memory twice.
@@ -121,55 +153,108 @@ bool IsBlank(HBITMAP bitmap) {
     return true;
 }
 
-// A reader says only that it has no picture. What it needs besides a sound file is asked for here, one by one.
-NoPicture WhyNoBitmap(const std::string& path, DWORD renderMode, const RECT& target, const KindRow& row) {
-    if (!PaneReaderFor(row.code)) return row.withoutBitmap;
-    if (!LoadedFile(path.c_str()).data) return NoPicture::tooLarge;
-    Canvas canvas(renderMode, target);
-    return OpenCanvas(&canvas) ? row.withoutBitmap : NoPicture::noMemory;
+// A run over one file.
+struct Run {
+    const DWORD renderMode;
+    const SIZE size;
+    std::vector<char> comment = std::vector<char>(kCommentSize);  // zeros, as command files want it
+    RECT Target() const { return {0, 0, size.cx, size.cy}; }
+};
+
+Preview Render(const FilePath& path, DWORD renderMode, SIZE size, bool isNamed);
+
+// Beside the command file, as the library has it; empty when the path becomes longer than it can be.
+FilePath NamedBeside(const FilePath& commandFile, const std::string& name) {
+    const FilePath path = name.empty() ? FilePath() : commandFile.parent_path() / Widen(name);
+    return path.native().size() < kMaxPath ? path : FilePath();
 }
 
-// A command file without a picture: what is wrong with the drawing that it names.
-void ExplainCommand(const std::string& path, DWORD renderMode, SIZE size, Preview* preview) {
-    preview->named = DrawingOfCommandFile(path.c_str());
-    if (preview->named.empty()) {
+// A command file shows the drawing that it names, if that is of a kind that command files can show.
+void RenderNamed(const FilePath& path, const ByteView file, Run* run, Preview* preview) {
+    Comment comment = ContinueComment(run->comment.data(), kCommentSize);
+    const FilePath named = NamedBeside(path, TakeCommandFile(file, &comment));
+    preview->named = named;
+    if (named.empty()) {
         preview->problem = NoPicture::namesNone;
         return;
     }
-    const bool isCommand = IdentifyFileType(preview->named.c_str(), nullptr, 0) == FT_COMMAND;  // it may name itself
-    const Preview named = isCommand ? Preview() : RenderPreview(preview->named, renderMode, size);
-    if (named.problem == NoPicture::none) {
-        preview->problem = NoPicture::namesOther;
+    Preview drawing = Render(named, run->renderMode, run->size, true);
+    preview->whyNamed = drawing.problem;
+    preview->error = drawing.error;
+    if (drawing.problem != NoPicture::none) preview->problem = NoPicture::ofNamed;
+    else if (CommandReaderFor(drawing.kind)) preview->bitmap = std::move(drawing.bitmap);
+    else preview->problem = NoPicture::namesOther;
+}
+
+// A reader says only that it has no picture. What it needs besides a sound file is asked for here.
+void RenderContents(const File& file, const PreviewFormat& format, Run* run, Preview* preview) {
+    const auto bytes = LoadFile(file);
+    if (!bytes) {
+        preview->problem = NoPicture::tooLarge;
         return;
     }
-    preview->whyNamed = named.problem;
-    preview->error = named.error;
+    const RECT target = run->Target();
+    const PreviewRequest request = {run->renderMode, &target, run->comment.data(), kCommentSize};
+    preview->bitmap.reset(PreviewBytes(format, bytes.get(), static_cast<std::size_t>(file.size), request));
+    const KindRow& row = RowOf(preview->kind);
+    if (!preview->bitmap) {
+        Canvas canvas(run->renderMode, target);
+        preview->problem = OpenCanvas(&canvas) ? row.withoutBitmap : NoPicture::noMemory;
+    } else if (row.blank != NoPicture::none && IsBlank(preview->bitmap.get())) {
+        preview->problem = row.blank;
+        preview->bitmap.reset();
+    }
+}
+
+void RenderCommand(const File& file, const FilePath& path, Run* run, Preview* preview) {
+    const auto bytes = LoadFile(file);
+    if (!bytes) {
+        preview->problem = NoPicture::tooLarge;
+        return;
+    }
+    bytes[static_cast<std::size_t>(file.size) - 1] = 0;  // as the library ends its texts
+    RenderNamed(path, {bytes.get(), static_cast<std::size_t>(file.size)}, run, preview);
+}
+
+// Kinds without a picture. The version of a program is asked of the system, by a name that it also has in the system's
+// code page.
+void ReadVersion(const FilePath& path, Run* run, Preview* preview) {
+    preview->problem = RowOf(preview->kind).withoutBitmap;
+    wchar_t shortPath[MAX_PATH];
+    std::string name = Narrow(path);
+    const DWORD length = name.empty() ? GetShortPathNameW(path.c_str(), shortPath, MAX_PATH) : 0;
+    if (length > 0 && length < MAX_PATH) name = Narrow(shortPath);
+    const PreviewReader reader = PaneReaderFor(preview->kind);
+    if (reader && !name.empty()) reader(run->renderMode, name.c_str(), nullptr, run->comment.data(), kCommentSize);
+}
+
+Preview Render(const FilePath& path, DWORD renderMode, SIZE size, bool isNamed) {
+    Preview preview;
+    File file;
+    preview.problem = OpenFile(path, &file, &preview.error);
+    if (preview.problem != NoPicture::none && preview.problem != NoPicture::empty) return preview;
+    char line[1024] = "";
+    preview.kind = Identify(file, path, line, sizeof(line));
+    const bool isCommand = preview.kind == FT_COMMAND;
+    if (preview.problem == NoPicture::empty || (isNamed && isCommand)) return preview;  // it may name itself
+
+    Run run = {renderMode, size};
+    if (isCommand) RenderCommand(file, path, &run, &preview);
+    else if (const PreviewFormat* format = FormatOf(preview.kind)) RenderContents(file, *format, &run, &preview);
+    else ReadVersion(path, &run, &preview);
+    preview.comment = CleanComment(run.comment[0] ? run.comment.data() : line);
+    return preview;
 }
 
 }  // namespace
 
-const char* KindWord(FileTypeCode kind) { return RowOf(kind).word; }
+const wchar_t* KindWord(FileTypeCode kind) { return RowOf(kind).word; }
 
-Preview RenderPreview(const std::string& path, DWORD renderMode, SIZE size) {
-    Preview preview;
-    preview.problem = CheckFile(path, &preview.error);
-    if (preview.problem != NoPicture::none) return preview;
+bool IsDrawing(FileTypeCode kind) {
+    const PreviewFormat* const format = FormatOf(kind);
+    return kind == FT_COMMAND || (format && format->manner != PreviewFormat::kComment);
+}
 
-    std::vector<char> comment(kCommentSize);  // zeros, as PreviewCommandFile wants it
-    char line[1024] = "";
-    preview.kind = IdentifyFileType(path.c_str(), line, sizeof(line));
-    const RECT target = {0, 0, size.cx, size.cy};
-    if (const PreviewReader reader = PaneReaderFor(preview.kind)) {
-        preview.bitmap.reset(reader(renderMode, path.c_str(), &target, comment.data(), kCommentSize));
-    }
-    preview.comment = CleanComment(comment[0] ? comment.data() : line);
-    const KindRow& row = RowOf(preview.kind);
-    if (!preview.bitmap) {
-        preview.problem = WhyNoBitmap(path, renderMode, target, row);
-    } else if (row.blank != NoPicture::none && IsBlank(preview.bitmap.get())) {
-        preview.problem = row.blank;
-        preview.bitmap.reset();
-    }
-    if (preview.problem == NoPicture::ofNamed) ExplainCommand(path, renderMode, size, &preview);
-    return preview;
+Preview RenderPreview(const FilePath& path, DWORD renderMode, SIZE size) {
+    return Render(path, renderMode, size, false);
 }

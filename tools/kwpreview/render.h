@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "files.h"
 #include "kit/handles.h"
 #include "preview/file_type.h"
 
@@ -14,7 +15,6 @@ enum class NoPicture {
     missing,       // no such file
     noMatch,       // a pattern that no file matches
     emptyFolder,   // a folder without files
-    foreignName,   // a name that the system's code page cannot express
     unreadable,    // cannot be opened: see `error`
     device,        // no file of a disk
     empty,         // 0 bytes
@@ -38,17 +38,20 @@ enum class NoPicture {
 
 struct Preview {
     FileTypeCode kind = FT_UNREADABLE;
-    std::string comment;  // lines end in "\n"
-    UniqueBitmap bitmap;  // null unless `problem` is none
+    std::wstring comment;  // lines end in "\n"
+    UniqueBitmap bitmap;   // null unless `problem` is none
     NoPicture problem = NoPicture::none;
-    DWORD error = 0;    // the system's code, for unreadable
-    std::string named;  // the drawing that a command file without a picture names
+    DWORD error = 0;     // the system's code, for unreadable
+    std::wstring named;  // the drawing that a command file without a picture names
     NoPicture whyNamed = NoPicture::none;
 };
 
+// True for kinds whose files are meant to show a picture.
+bool IsDrawing(FileTypeCode kind);
+
 // Draws a file as the dialogs do. `renderMode` as for readers (preview/drawing/canvas.h); a bitmap file keeps its own size.
 // A file is taken to show nothing when all of its picture is white, unless it is a bitmap file.
-Preview RenderPreview(const std::string& path, DWORD renderMode, SIZE size);
+Preview RenderPreview(const FilePath& path, DWORD renderMode, SIZE size);
 
 // The word for a kind that scripts may rely on ("dxf"); the description is IDS_KIND + kind.
-const char* KindWord(FileTypeCode kind);
+const wchar_t* KindWord(FileTypeCode kind);

@@ -10,6 +10,7 @@
 #define IDS_BAD_SIZE 402       /* %1 the value, %2 and %3 the smallest and the largest side */
 #define IDS_NO_INPUT 403
 #define IDS_SEE_HELP 404
+#define IDS_ONE_FILE 405 /* %1 the value of -o */
 
 /* The report */
 #define IDS_PICTURE 410    /* %1 input, %2 PNG file, %3 and %4 its width and height */
@@ -18,8 +19,9 @@
 #define IDS_COMMENT_LINE 413
 #define IDS_NO_COMMENT_LINE 414
 #define IDS_SUMMARY 415   /* %1 pictures, %2 inputs */
-#define IDS_PROGRESS 416  /* %1 number, %2 count, %3 input */
+#define IDS_PROGRESS 416  /* %1 number, %2 count, %3 input, %4 seconds */
 #define IDS_NO_FOLDER 417 /* %1 the folder, %2 the system's message */
+#define IDS_NO_OUTPUT 418
 
 /* Descriptions of kinds: IDS_KIND + FileTypeCode, which ends at 26 */
 #define IDS_KIND 420
