@@ -27,7 +27,7 @@ static std::string OnCanvas(int width, int height, const std::function<void(Canv
     const WorldRect sheet = {0, 0, static_cast<double>(width), static_cast<double>(height)};
     EXPECT_TRUE(canvas.fit(canvas, sheet, DrawingSink::kWipe));
     draw(canvas);
-    return TakePicture(ReleaseCanvasBitmap(&canvas));
+    return TakePicture(TakeCanvasBitmap(&canvas));
 }
 
 TEST(ViewTransform, Fits) {

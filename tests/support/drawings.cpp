@@ -120,5 +120,5 @@ std::string Rendered(int width, int height, const std::vector<Stroke>& strokes) 
     const WorldRect sheet = {0, 0, static_cast<double>(width), static_cast<double>(height)};
     if (!canvas.fit(canvas, sheet, DrawingSink::kWipe)) return "no canvas";
     for (Stroke stroke : strokes) canvas.draw(canvas, stroke.primitive, stroke.pen);
-    return TakePicture(ReleaseCanvasBitmap(&canvas));
+    return TakePicture(TakeCanvasBitmap(&canvas));
 }

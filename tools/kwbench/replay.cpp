@@ -275,7 +275,7 @@ HBITMAP Replay(const Recording& recording) {
     Canvas canvas(recording.renderMode, recording.target);
     if (!OpenCanvas(&canvas)) return nullptr;
     const HDC dc = canvas.dc.get();
-    GdiStrokes marks(dc, &canvas.textFont);  // with the pen that is selected
+    GdiStrokes marks(dc, &canvas.textFonts);  // with the pen that is selected
     const std::int32_t* call = recording.calls.data();
     const std::int32_t* const end = call + recording.calls.size();
     while (call < end) {
@@ -315,5 +315,5 @@ HBITMAP Replay(const Recording& recording) {
             }
         }
     }
-    return ReleaseCanvasBitmap(&canvas);
+    return TakeCanvasBitmap(&canvas);
 }

@@ -1,12 +1,8 @@
 #include "preview/drawing/canvas.h"
 
-#include "frame/services.h"
+#include <algorithm>
 
-// Cosmetic pens: one pixel wide, black.
-static constexpr DWORD kPenStyles[kPenCount] = {
-    PS_SOLID, PS_SOLID, PS_DASH,  PS_DASHDOT, PS_DASHDOTDOT, PS_DOT,   PS_ALTERNATE, PS_SOLID,
-    PS_SOLID, PS_SOLID, PS_SOLID, PS_SOLID,   PS_SOLID,      PS_SOLID, PS_SOLID,     PS_SOLID,
-};
+#include "frame/services.h"
 
 HBITMAP CreatePreviewBitmap(HDC screen, DWORD renderMode, const RECT& target) {
     const int width = target.right - target.left;
@@ -15,26 +11,96 @@ HBITMAP CreatePreviewBitmap(HDC screen, DWORD renderMode, const RECT& target) {
                                      : CreateBitmap(width, height, 1, 1, nullptr);
 }
 
+// ---- Strokes
+
+// Who draws with that pen. What GDI may still hold back comes first.
+static StrokeTarget& DrawerOf(StrokeTarget& target, unsigned pen) {
+    auto& strokes = static_cast<CanvasStrokes&>(target);
+    if (!IsSolidPen(pen)) {
+        strokes.mayBePending = true;
+        return strokes.gdi;
+    }
+    if (strokes.mayBePending) GdiFlush();
+    strokes.mayBePending = false;
+    return strokes.raster;
+}
+
+static constexpr unsigned kSolidPen = 0;
+
+CanvasStrokes::CanvasStrokes(HDC dc, TextFonts* fonts, UniquePen* pens) : StrokeTarget{}, gdi(dc, fonts, pens) {
+    pixel = [](StrokeTarget& target, PixelPoint at) {
+        StrokeTarget& drawer = DrawerOf(target, kSolidPen);
+        drawer.pixel(drawer, at);
+    };
+    line = [](StrokeTarget& target, unsigned pen, PixelPoint from, PixelPoint to) {
+        StrokeTarget& drawer = DrawerOf(target, pen);
+        drawer.line(drawer, pen, from, to);
+    };
+    arc = [](StrokeTarget& target, unsigned pen, PixelPoint centre, std::int32_t radius, PixelPoint from,
+             PixelPoint to) {
+        StrokeTarget& drawer = DrawerOf(target, pen);
+        drawer.arc(drawer, pen, centre, radius, from, to);
+    };
+    polyline = [](StrokeTarget& target, unsigned pen, const PixelPoint* points, std::size_t count) {
+        StrokeTarget& drawer = DrawerOf(target, pen);
+        drawer.polyline(drawer, pen, points, count);
+    };
+    area = [](StrokeTarget& target, const PixelPoint* points, const std::size_t* counts, std::size_t outlines) {
+        StrokeTarget& drawer = DrawerOf(target, kSolidPen);
+        drawer.area(drawer, points, counts, outlines);
+    };
+    polygon = [](StrokeTarget& target, unsigned pen, const PixelPoint* corners, std::size_t count) {
+        StrokeTarget& drawer = DrawerOf(target, pen);
+        drawer.polygon(drawer, pen, corners, count);
+    };
+    dot = [](StrokeTarget& target, unsigned pen, PixelPoint centre, std::int32_t radius) {
+        StrokeTarget& drawer = DrawerOf(target, pen);
+        drawer.dot(drawer, pen, centre, radius);
+    };
+    text = [](StrokeTarget& target, const TextStroke& stroke) {
+        auto& strokes = static_cast<CanvasStrokes&>(target);
+        strokes.mayBePending = true;
+        strokes.gdi.text(strokes.gdi, stroke);
+    };
+}
+
+// ---- The bitmap
+
+// How the bits stand: one a pixel or 32, from the top down.
+struct SectionInfo {
+    BITMAPINFOHEADER header;
+    RGBQUAD colours[2];
+};
+static SectionInfo InfoOf(const Canvas& canvas) {
+    // For a target without area CreatePreviewBitmap gives one pixel.
+    const LONG width = std::max(canvas.target.right - canvas.target.left, 1L);
+    const LONG height = std::max(canvas.target.bottom - canvas.target.top, 1L);
+    const WORD depth = canvas.renderMode & kRenderColor ? 32 : 1;
+    return {{sizeof(BITMAPINFOHEADER), width, -height, 1, depth, BI_RGB, 0, 0, 0, 0, 0}, {{}, {255, 255, 255, 0}}};
+}
+
 bool OpenCanvas(Canvas* canvas) {
-    const WindowDc screen(nullptr);
-    if (!screen.dc) return false;
-    canvas->dc.reset(CreateCompatibleDC(screen.dc));
-    canvas->bitmap.reset(CreatePreviewBitmap(screen.dc, canvas->renderMode, canvas->target));
+    const SectionInfo info = InfoOf(*canvas);
+    void* bits = nullptr;
+    canvas->dc.reset(CreateCompatibleDC(nullptr));
+    canvas->section.reset(
+        CreateDIBSection(nullptr, reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS, &bits, nullptr, 0));
     canvas->black.reset(CreateSolidBrush(RGB(0, 0, 0)));
     canvas->white.reset(CreateSolidBrush(RGB(255, 255, 255)));
-    if (!canvas->dc || !canvas->bitmap || !canvas->black || !canvas->white) return false;
+    if (!canvas->dc || !canvas->section || !canvas->black || !canvas->white) return false;
 
-    const LOGBRUSH black = {BS_SOLID, RGB(0, 0, 0), 0};
-    for (int i = 0; i < kPenCount; ++i) {
-        canvas->pens[i].reset(ExtCreatePen(PS_COSMETIC | kPenStyles[i], 1, &black, 0, nullptr));
-    }
     const HDC dc = canvas->dc.get();
-    canvas->originalBitmap = SelectObject(dc, canvas->bitmap.get());
+    canvas->strokes.emplace(dc, &canvas->textFonts, canvas->pens);
+    if (!OpenRaster(&canvas->strokes->raster, bits, info.header.biWidth, -info.header.biHeight,
+                    info.header.biBitCount)) {
+        canvas->strokes.reset();
+        return false;
+    }
+    SelectObject(dc, canvas->section.get());
     FillRect(dc, &canvas->target, canvas->white.get());
     SelectObject(dc, canvas->black.get());  // fills arrowheads and dots
     SetTextColor(dc, RGB(0, 0, 0));
     SetBkMode(dc, TRANSPARENT);
-    canvas->strokes.emplace(dc, &canvas->textFont, canvas->pens);
     return true;
 }
 
@@ -45,6 +111,7 @@ static bool FitCanvas(DrawingSink& sink, const WorldRect& extents, DrawingSink::
         if (!OpenCanvas(&canvas)) return false;
     } else if (mode == DrawingSink::kWipe) {
         FillRect(canvas.dc.get(), &target, canvas.white.get());
+        canvas.strokes->mayBePending = true;
     }
     FitViewTransform(extents, {target.left, target.top, target.right, target.bottom}, &canvas.view);
     return true;
@@ -59,8 +126,16 @@ Canvas::Canvas(DWORD mode, const RECT& rect)
       renderMode(mode),
       target(rect) {}
 
-HBITMAP ReleaseCanvasBitmap(Canvas* canvas) {
-    if (!canvas->strokes) return nullptr;
-    SelectObject(canvas->dc.get(), canvas->originalBitmap);
-    return canvas->bitmap.release();
+HBITMAP TakeCanvasBitmap(Canvas* canvas) {
+    const WindowDc screen(nullptr);
+    if (!canvas->strokes || !screen.dc) return nullptr;
+    UniqueBitmap bitmap(CreatePreviewBitmap(screen.dc, canvas->renderMode, canvas->target));
+    const SectionInfo info = InfoOf(*canvas);
+    const Raster& raster = canvas->strokes->raster;
+    GdiFlush();
+    if (!bitmap || !SetDIBits(screen.dc, bitmap.get(), 0, static_cast<UINT>(raster.height), raster.bits,
+                              reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS)) {
+        return nullptr;
+    }
+    return bitmap.release();
 }

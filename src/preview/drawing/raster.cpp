@@ -7,7 +7,7 @@
 
 namespace {
 
-Raster& RasterOf(StrokeTarget& target) { return reinterpret_cast<Raster&>(target); }
+Raster& RasterOf(StrokeTarget& target) { return static_cast<Raster&>(target); }
 
 // ---- Pixels, by their number in the bitmap: y * pitch + x
 
@@ -412,7 +412,7 @@ bool OpenRaster(Raster* raster, void* bits, std::int32_t width, std::int32_t hei
     if (!bits || width <= 0 || height <= 0 || (bitsPerPixel != 1 && bitsPerPixel != 32)) return false;
     const std::int64_t pitch = bitsPerPixel == 1 ? (std::int64_t{width} + 31) / 32 * 32 : width;
     if (pitch > kMaxPixels / height) return false;
-    raster->strokes = bitsPerPixel == 1 ? kStrokes<OneBit> : kStrokes<ScreenLike>;
+    static_cast<StrokeTarget&>(*raster) = bitsPerPixel == 1 ? kStrokes<OneBit> : kStrokes<ScreenLike>;
     raster->bits = bits;
     raster->width = width;
     raster->height = height;

@@ -11,11 +11,10 @@
 
 // A bitmap's bits as a target. It draws with every pen alike and no text: whoever owns it sends dashes and texts
 // elsewhere.
-struct Raster {
-    StrokeTarget strokes;  // first, see there
-    void* bits;            // borrowed; rows from the top down, each padded to four bytes
-    std::int32_t width, height;
-    std::int32_t pitch;                // from a pixel to the one below it, in pixels
+struct Raster : StrokeTarget {
+    void* bits = nullptr;  // borrowed; rows from the top down, each padded to four bytes
+    std::int32_t width = 0, height = 0;
+    std::int32_t pitch = 0;            // from a pixel to the one below it, in pixels
     std::vector<std::uint32_t> edges;  // one bit a pixel: where an area begins or ends; zero between two areas
 };
 

@@ -37,7 +37,7 @@ struct Pair {
     UniquePen pen;
     UniqueDc dc;
     Selection bitmap, selectedPen, brush;
-    Raster raster = {};
+    Raster raster;
     int strokes = 0, differences = 0;
 
     Pair(int width, int height, int depth)
@@ -68,20 +68,20 @@ struct Pair {
     bool SameLine(PixelPoint from, PixelPoint to) {
         MoveToEx(dc.get(), from.x, from.y, nullptr);
         LineTo(dc.get(), to.x, to.y);
-        raster.strokes.line(raster.strokes, 0, from, to);
+        raster.line(raster, 0, from, to);
         return Same();
     }
     bool SameArc(PixelPoint centre, int radius, PixelPoint from, PixelPoint to) {
         Arc(dc.get(), centre.x - radius, centre.y - radius, centre.x + radius, centre.y + radius, from.x, from.y, to.x,
             to.y);
-        raster.strokes.arc(raster.strokes, 0, centre, radius, from, to);
+        raster.arc(raster, 0, centre, radius, from, to);
         return Same();
     }
     bool SamePolygon(const std::vector<PixelPoint>& corners) {
         std::vector<POINT> points;
         for (const PixelPoint& p : corners) points.push_back({p.x, p.y});
         Polygon(dc.get(), points.data(), static_cast<int>(points.size()));
-        raster.strokes.polygon(raster.strokes, 0, corners.data(), corners.size());
+        raster.polygon(raster, 0, corners.data(), corners.size());
         return Same();
     }
 };
@@ -165,7 +165,7 @@ TEST_P(RasterAndGdi, Dots) {
         for (const PixelPoint centre : {PixelPoint{45, 35}, {0, 0}, {100, 20}, {30, 90}}) {
             Chord(pair.dc.get(), centre.x - radius, centre.y - radius, centre.x + radius + 1, centre.y + radius + 1,
                   centre.x + radius + 1, centre.y, centre.x + radius + 1, centre.y);
-            pair.raster.strokes.dot(pair.raster.strokes, 0, centre, radius);
+            pair.raster.dot(pair.raster, 0, centre, radius);
             ASSERT_TRUE(pair.Same()) << radius << " " << centre.x;
         }
     }
@@ -203,7 +203,7 @@ TEST_P(RasterAndGdi, PolygonsAndAreas) {
             }
         }
         PolyPolygon(pair.dc.get(), gdiPoints.data(), gdiCounts.data(), static_cast<int>(gdiCounts.size()));
-        pair.raster.strokes.area(pair.raster.strokes, points.data(), counts.data(), counts.size());
+        pair.raster.area(pair.raster, points.data(), counts.data(), counts.size());
         ASSERT_TRUE(pair.Same()) << i;
     }
 }

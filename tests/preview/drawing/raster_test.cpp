@@ -11,7 +11,7 @@ namespace {
 // Bits of their own size on the heap, so that a sanitizer sees the first one beside them.
 struct Sheet {
     std::vector<std::uint32_t> bits;
-    Raster raster = {};
+    Raster raster;
     int depth;
 
     Sheet(int width, int height, int bitsPerPixel) : depth(bitsPerPixel) {
@@ -71,8 +71,8 @@ TEST(Raster, ClippedStrokesKeepTheirPixels) {
         Sheet sheet(kWidth, kHeight, depth), large(kWidth + 2 * kMargin, kHeight + 2 * kMargin, 33 - depth);
         int inked = 0;
         for (unsigned seed = 0; seed < 4000; ++seed) {
-            DrawStroke(sheet.raster.strokes, seed, 0, 0);
-            DrawStroke(large.raster.strokes, seed, kMargin, kMargin);
+            DrawStroke(sheet.raster, seed, 0, 0);
+            DrawStroke(large.raster, seed, kMargin, kMargin);
             const std::string picture = sheet.Picture(0, 0, kWidth, kHeight);
             ASSERT_EQ(picture, large.Picture(kMargin, kMargin, kWidth, kHeight)) << "stroke " << seed;
             inked += picture.find('#') != std::string::npos;
@@ -85,7 +85,7 @@ TEST(Raster, ClippedStrokesKeepTheirPixels) {
 TEST(Raster, StrokesFromTheEndsOfTheSpace) {
     constexpr std::int32_t kFar = (1 << 27) - 1;
     Sheet sheet(kWidth, kHeight, 1);
-    StrokeTarget& to = sheet.raster.strokes;
+    StrokeTarget& to = sheet.raster;
     const std::size_t counts[] = {4};
     const PixelPoint corners[] = {{-kFar, -kFar}, {kFar, -kFar}, {kFar, kFar}, {-kFar, kFar}};
     for (const PixelPoint a : corners) {
@@ -95,7 +95,7 @@ TEST(Raster, StrokesFromTheEndsOfTheSpace) {
     }
     EXPECT_EQ(sheet.Picture(0, 0, 3, 3), "#..\n.#.\n..#\n") << "only the diagonals come near";
     Sheet filled(kWidth, kHeight, 1);
-    filled.raster.strokes.dot(filled.raster.strokes, 0, corners[0], 0x7FFFFFFF);
+    filled.raster.dot(filled.raster, 0, corners[0], 0x7FFFFFFF);
     to.area(to, corners, counts, 1);
     for (const Sheet* black : {&sheet, &filled}) {
         EXPECT_EQ(black->Picture(0, 0, kWidth, kHeight).find('.'), std::string::npos);
@@ -103,7 +103,7 @@ TEST(Raster, StrokesFromTheEndsOfTheSpace) {
 }
 
 TEST(Raster, RefusesWhatItCannotHold) {
-    Raster raster = {};
+    Raster raster;
     std::uint32_t bits[4] = {};
     EXPECT_FALSE(OpenRaster(&raster, bits, 1, 1, 24));
     EXPECT_FALSE(OpenRaster(&raster, bits, 0, 1, 1));
