@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "frame/services.h"
 #include "preview/drawing/canvas.h"
 #include "support/guard_block.h"
 #include "support/picture.h"
@@ -116,6 +117,7 @@ Stroke TextStroke(double x, double y, double height, double width, double spacin
 }
 
 std::string Rendered(int width, int height, const std::vector<Stroke>& strokes) {
+    PreviewCancel(1);  // a canvas belongs to a run
     Canvas canvas(0, {0, 0, width, height});
     const WorldRect sheet = {0, 0, static_cast<double>(width), static_cast<double>(height)};
     if (!canvas.fit(canvas, sheet, DrawingSink::kWipe)) return "no canvas";

@@ -1,6 +1,7 @@
 #include "preview/drawing/canvas.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "frame/services.h"
 
@@ -13,21 +14,38 @@ HBITMAP CreatePreviewBitmap(HDC screen, DWORD renderMode, const RECT& target) {
 
 // ---- Strokes
 
-// Who draws with that pen. What GDI may still hold back comes first.
 static StrokeTarget& DrawerOf(StrokeTarget& target, unsigned pen) {
     auto& strokes = static_cast<CanvasStrokes&>(target);
-    if (!IsSolidPen(pen)) {
-        strokes.mayBePending = true;
-        return strokes.gdi;
+    return IsSolidPen(pen) ? static_cast<StrokeTarget&>(strokes.raster) : strokes.gdi;
+}
+
+static void DrawWaitingTexts(CanvasStrokes& strokes) {
+    const auto fontOf = [](const CanvasStrokes::WaitingText& text) {
+        return std::tie(text.stroke.escapement, text.stroke.height, text.stroke.width);
+    };
+    std::stable_sort(strokes.texts.begin(), strokes.texts.end(),
+                     [&](const auto& a, const auto& b) { return fontOf(a) < fontOf(b); });
+    for (CanvasStrokes::WaitingText& text : strokes.texts) {
+        if (!strokes.run.MayContinue()) break;
+        text.stroke.text = strokes.characters.data() + text.offset;
+        strokes.gdi.text(strokes.gdi, text.stroke);
     }
-    if (strokes.mayBePending) GdiFlush();
-    strokes.mayBePending = false;
-    return strokes.raster;
+    strokes.texts.clear();
+    strokes.characters.clear();
+}
+
+static void KeepText(StrokeTarget& target, const TextStroke& stroke) {
+    constexpr std::size_t kMostTexts = 2048, kMostCharacters = 1 << 16;
+    auto& strokes = static_cast<CanvasStrokes&>(target);
+    strokes.texts.push_back({stroke, strokes.characters.size()});
+    strokes.characters.append(stroke.text, stroke.length);
+    if (strokes.texts.size() >= kMostTexts || strokes.characters.size() >= kMostCharacters) DrawWaitingTexts(strokes);
 }
 
 static constexpr unsigned kSolidPen = 0;
 
-CanvasStrokes::CanvasStrokes(HDC dc, TextFonts* fonts, UniquePen* pens) : StrokeTarget{}, gdi(dc, fonts, pens) {
+CanvasStrokes::CanvasStrokes(HDC dc, TextFonts* fonts, UniquePen* pens, const DrawingSink& sink)
+    : StrokeTarget{}, gdi(dc, fonts, pens), run(sink) {
     pixel = [](StrokeTarget& target, PixelPoint at) {
         StrokeTarget& drawer = DrawerOf(target, kSolidPen);
         drawer.pixel(drawer, at);
@@ -57,11 +75,7 @@ CanvasStrokes::CanvasStrokes(HDC dc, TextFonts* fonts, UniquePen* pens) : Stroke
         StrokeTarget& drawer = DrawerOf(target, pen);
         drawer.dot(drawer, pen, centre, radius);
     };
-    text = [](StrokeTarget& target, const TextStroke& stroke) {
-        auto& strokes = static_cast<CanvasStrokes&>(target);
-        strokes.mayBePending = true;
-        strokes.gdi.text(strokes.gdi, stroke);
-    };
+    text = KeepText;
 }
 
 // ---- The bitmap
@@ -79,6 +93,13 @@ static SectionInfo InfoOf(const Canvas& canvas) {
     return {{sizeof(BITMAPINFOHEADER), width, -height, 1, depth, BI_RGB, 0, 0, 0, 0, 0}, {{}, {255, 255, 255, 0}}};
 }
 
+static void WipeCanvas(Canvas* canvas) {
+    canvas->strokes->texts.clear();
+    canvas->strokes->characters.clear();
+    FillRect(canvas->dc.get(), &canvas->target, canvas->white.get());
+    GdiFlush();  // before any ink that GDI does not know of
+}
+
 bool OpenCanvas(Canvas* canvas) {
     const SectionInfo info = InfoOf(*canvas);
     void* bits = nullptr;
@@ -90,14 +111,14 @@ bool OpenCanvas(Canvas* canvas) {
     if (!canvas->dc || !canvas->section || !canvas->black || !canvas->white) return false;
 
     const HDC dc = canvas->dc.get();
-    canvas->strokes.emplace(dc, &canvas->textFonts, canvas->pens);
+    canvas->strokes.emplace(dc, &canvas->textFonts, canvas->pens, *canvas);
     if (!OpenRaster(&canvas->strokes->raster, bits, info.header.biWidth, -info.header.biHeight,
                     info.header.biBitCount)) {
         canvas->strokes.reset();
         return false;
     }
     SelectObject(dc, canvas->section.get());
-    FillRect(dc, &canvas->target, canvas->white.get());
+    WipeCanvas(canvas);
     SelectObject(dc, canvas->black.get());  // fills arrowheads and dots
     SetTextColor(dc, RGB(0, 0, 0));
     SetBkMode(dc, TRANSPARENT);
@@ -110,8 +131,7 @@ static bool FitCanvas(DrawingSink& sink, const WorldRect& extents, DrawingSink::
     if (!canvas.strokes) {
         if (!OpenCanvas(&canvas)) return false;
     } else if (mode == DrawingSink::kWipe) {
-        FillRect(canvas.dc.get(), &target, canvas.white.get());
-        canvas.strokes->mayBePending = true;
+        WipeCanvas(&canvas);
     }
     FitViewTransform(extents, {target.left, target.top, target.right, target.bottom}, &canvas.view);
     return true;
@@ -127,8 +147,10 @@ Canvas::Canvas(DWORD mode, const RECT& rect)
       target(rect) {}
 
 HBITMAP TakeCanvasBitmap(Canvas* canvas) {
+    if (!canvas->strokes) return nullptr;
+    DrawWaitingTexts(*canvas->strokes);
     const WindowDc screen(nullptr);
-    if (!canvas->strokes || !screen.dc) return nullptr;
+    if (!screen.dc || !canvas->MayContinue()) return nullptr;
     UniqueBitmap bitmap(CreatePreviewBitmap(screen.dc, canvas->renderMode, canvas->target));
     const SectionInfo info = InfoOf(*canvas);
     const Raster& raster = canvas->strokes->raster;

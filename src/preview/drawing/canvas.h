@@ -4,6 +4,8 @@
 #include <windows.h>
 
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "kit/handles.h"
 #include "preview/drawing/raster.h"
@@ -17,12 +19,20 @@ constexpr DWORD kRenderColor = 2;       // a bitmap like the screen's, else one 
 // An empty bitmap of the target's size in the form that renderMode asks for; null when it cannot be made.
 HBITMAP CreatePreviewBitmap(HDC screen, DWORD renderMode, const RECT& target);
 
-// The strokes of one drawing: solid ones go straight into the bits, dashes and texts to GDI, each after all before it.
+// The strokes of one drawing: solid ones go straight into the bits, dashes to GDI. Texts wait there until many have
+// come and are then drawn font by font, since a change of the font takes as long as ten texts. All ink is black, so the
+// order of strokes does not matter.
 struct CanvasStrokes : StrokeTarget {
-    CanvasStrokes(HDC dc, TextFonts* fonts, UniquePen* pens);
+    CanvasStrokes(HDC dc, TextFonts* fonts, UniquePen* pens, const DrawingSink& sink);
+    struct WaitingText {
+        TextStroke stroke;   // its `text` is not set
+        std::size_t offset;  // in `characters`
+    };
     Raster raster;
     GdiStrokes gdi;
-    bool mayBePending = true;  // GDI calls that are not in the bits yet
+    std::vector<WaitingText> texts;
+    std::string characters;
+    const DrawingSink& run;  // which may be cancelled
 };
 
 // Everything of one run. Members leave in reverse order: the device context goes before what is selected into it.
@@ -42,5 +52,5 @@ struct Canvas : DrawingSink {
 bool OpenCanvas(Canvas* canvas);
 
 // The drawing as CreatePreviewBitmap's kind of bitmap, which is the caller's; the canvas draws no more. Null when it
-// was never opened or the bitmap cannot be made.
+// was never opened, the bitmap cannot be made, or the run is cancelled meanwhile.
 HBITMAP TakeCanvasBitmap(Canvas* canvas);
