@@ -14,7 +14,7 @@ static constexpr DWORD kPenStyles[kPenCount] = {
 
 bool IsSolidPen(unsigned pen) { return kPenStyles[pen] == PS_SOLID; }
 
-static UniquePen MakePen(unsigned pen) {
+UniquePen MakePen(unsigned pen) {
     const LOGBRUSH black = {BS_SOLID, RGB(0, 0, 0), 0};
     return UniquePen(ExtCreatePen(PS_COSMETIC | kPenStyles[pen], 1, &black, 0, nullptr));
 }
@@ -58,7 +58,7 @@ static void FillDot(StrokeTarget& target, unsigned pen, PixelPoint centre, std::
           right, centre.y);
 }
 
-static UniqueFont MakeTextFont(const TextStroke& text) {
+UniqueFont MakeTextFont(const TextStroke& text) {
     LOGFONTA font = {};
     font.lfHeight = -text.height;
     font.lfWidth = text.width;

@@ -16,8 +16,12 @@ struct TextFonts {
     Entry entries[8];
 };
 
-// Whether a canvas's pen draws without gaps.
+// A canvas's pen, and whether it draws without gaps.
+UniquePen MakePen(unsigned pen);
 bool IsSolidPen(unsigned pen);
+
+// Null when it cannot be made.
+UniqueFont MakeTextFont(const TextStroke& text);
 
 // Strokes on a device context.
 struct GdiStrokes : StrokeTarget {
