@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 #include "frame/services.h"
 
@@ -13,11 +14,6 @@ HBITMAP CreatePreviewBitmap(HDC screen, DWORD renderMode, const RECT& target) {
 }
 
 // ---- Strokes
-
-static StrokeTarget& DrawerOf(StrokeTarget& target, unsigned pen) {
-    auto& strokes = static_cast<CanvasStrokes&>(target);
-    return IsSolidPen(pen) ? static_cast<StrokeTarget&>(strokes.raster) : strokes.gdi;
-}
 
 static void DrawWaitingTexts(CanvasStrokes& strokes) {
     const auto fontOf = [](const CanvasStrokes::WaitingText& text) {
@@ -42,41 +38,14 @@ static void KeepText(StrokeTarget& target, const TextStroke& stroke) {
     if (strokes.texts.size() >= kMostTexts || strokes.characters.size() >= kMostCharacters) DrawWaitingTexts(strokes);
 }
 
-static constexpr unsigned kSolidPen = 0;
+static void DrawDot(StrokeTarget& target, unsigned pen, PixelPoint centre, std::int32_t radius) {
+    auto& strokes = static_cast<CanvasStrokes&>(target);
+    if (IsSolidPen(pen)) return strokes.solidDot(target, pen, centre, radius);
+    strokes.gdi.dot(strokes.gdi, pen, centre, radius);
+}
 
 CanvasStrokes::CanvasStrokes(HDC dc, TextFonts* fonts, UniquePen* pens, const DrawingSink& sink)
-    : StrokeTarget{}, gdi(dc, fonts, pens), run(sink) {
-    pixel = [](StrokeTarget& target, PixelPoint at) {
-        StrokeTarget& drawer = DrawerOf(target, kSolidPen);
-        drawer.pixel(drawer, at);
-    };
-    line = [](StrokeTarget& target, unsigned pen, PixelPoint from, PixelPoint to) {
-        StrokeTarget& drawer = DrawerOf(target, pen);
-        drawer.line(drawer, pen, from, to);
-    };
-    arc = [](StrokeTarget& target, unsigned pen, PixelPoint centre, std::int32_t radius, PixelPoint from,
-             PixelPoint to) {
-        StrokeTarget& drawer = DrawerOf(target, pen);
-        drawer.arc(drawer, pen, centre, radius, from, to);
-    };
-    polyline = [](StrokeTarget& target, unsigned pen, const PixelPoint* points, std::size_t count) {
-        StrokeTarget& drawer = DrawerOf(target, pen);
-        drawer.polyline(drawer, pen, points, count);
-    };
-    area = [](StrokeTarget& target, const PixelPoint* points, const std::size_t* counts, std::size_t outlines) {
-        StrokeTarget& drawer = DrawerOf(target, kSolidPen);
-        drawer.area(drawer, points, counts, outlines);
-    };
-    polygon = [](StrokeTarget& target, unsigned pen, const PixelPoint* corners, std::size_t count) {
-        StrokeTarget& drawer = DrawerOf(target, pen);
-        drawer.polygon(drawer, pen, corners, count);
-    };
-    dot = [](StrokeTarget& target, unsigned pen, PixelPoint centre, std::int32_t radius) {
-        StrokeTarget& drawer = DrawerOf(target, pen);
-        drawer.dot(drawer, pen, centre, radius);
-    };
-    text = KeepText;
-}
+    : gdi(dc, fonts, pens), run(sink) {}
 
 // ---- The bitmap
 
@@ -112,12 +81,13 @@ bool OpenCanvas(Canvas* canvas) {
 
     const HDC dc = canvas->dc.get();
     canvas->strokes.emplace(dc, &canvas->textFonts, canvas->pens, *canvas);
-    if (!OpenRaster(&canvas->strokes->raster, bits, info.header.biWidth, -info.header.biHeight,
-                    info.header.biBitCount)) {
+    if (!OpenRaster(&*canvas->strokes, bits, info.header.biWidth, -info.header.biHeight, info.header.biBitCount)) {
         canvas->strokes.reset();
         return false;
     }
     SelectObject(dc, canvas->section.get());
+    canvas->strokes->solidDot = std::exchange(canvas->strokes->dot, DrawDot);
+    canvas->strokes->text = KeepText;
     WipeCanvas(canvas);
     SelectObject(dc, canvas->black.get());  // fills arrowheads and dots
     SetTextColor(dc, RGB(0, 0, 0));
@@ -153,7 +123,7 @@ HBITMAP TakeCanvasBitmap(Canvas* canvas) {
     if (!screen.dc || !canvas->MayContinue()) return nullptr;
     UniqueBitmap bitmap(CreatePreviewBitmap(screen.dc, canvas->renderMode, canvas->target));
     const SectionInfo info = InfoOf(*canvas);
-    const Raster& raster = canvas->strokes->raster;
+    const Raster& raster = *canvas->strokes;
     GdiFlush();
     if (!bitmap || !SetDIBits(screen.dc, bitmap.get(), 0, static_cast<UINT>(raster.height), raster.bits,
                               reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS)) {

@@ -19,16 +19,16 @@ constexpr DWORD kRenderColor = 2;       // a bitmap like the screen's, else one 
 // An empty bitmap of the target's size in the form that renderMode asks for; null when it cannot be made.
 HBITMAP CreatePreviewBitmap(HDC screen, DWORD renderMode, const RECT& target);
 
-// The strokes of one drawing: solid ones go straight into the bits, dashes to GDI. Texts wait there until many have
-// come and are then drawn font by font, since a change of the font takes as long as ten texts. All ink is black, so the
-// order of strokes does not matter.
-struct CanvasStrokes : StrokeTarget {
+// The strokes of one drawing, straight into its bits. Texts wait until many have come and are then drawn by GDI, font
+// by font, since a change of the font takes as long as ten texts. All ink is black, so the order of strokes does not
+// matter.
+struct CanvasStrokes : Raster {
     CanvasStrokes(HDC dc, TextFonts* fonts, UniquePen* pens, const DrawingSink& sink);
     struct WaitingText {
         TextStroke stroke;   // its `text` is not set
         std::size_t offset;  // in `characters`
     };
-    Raster raster;
+    decltype(StrokeTarget::dot) solidDot = nullptr;  // the raster's; others are GDI's too
     GdiStrokes gdi;
     std::vector<WaitingText> texts;
     std::string characters;

@@ -7,6 +7,28 @@
 
 namespace {
 
+// Which steps of a line each pen draws, from the lowest bit on; all patterns repeat within kPeriod steps.
+constexpr std::uint32_t kPeriod = 24, kSolid = 0xFFFFFF, kDash = 0x03FFFF, kDashDot = 0x0381FF, kDashDotDot = 0x1C71FF,
+                        kDot = 0x1C71C7, kAlternate = 0x555555;
+constexpr std::uint32_t kPatterns[kPenCount] = {kSolid,     kSolid, kDash,  kDashDot, kDashDotDot, kDot,
+                                                kAlternate, kSolid, kSolid, kSolid,   kSolid,      kSolid,
+                                                kSolid,     kSolid, kSolid, kSolid};
+
+// Where a stroke stands in its pen's pattern.
+struct Pattern {
+    std::uint32_t steps;
+    std::uint32_t at = 0;
+    bool IsSolid() const { return steps == kSolid; }
+    void Skip(std::int64_t count) { at = static_cast<std::uint32_t>((at + count) % kPeriod); }
+    // Whether this step is drawn; then goes on by less than a period.
+    bool Take(std::uint32_t count) {
+        const bool draws = (steps >> at & 1) != 0;
+        at += count;
+        if (at >= kPeriod) at -= kPeriod;
+        return draws;
+    }
+};
+
 Raster& RasterOf(StrokeTarget& target) { return static_cast<Raster&>(target); }
 
 // ---- Pixels, by their number in the bitmap: y * pitch + x
@@ -94,8 +116,9 @@ void ClipLine(const LineWalk& line, std::int32_t majorExtent, std::int32_t minor
     *end = std::min(*end, pixelThatReaches(to));
 }
 
+// The pattern has made its steps afterwards, whether they were seen or not.
 template <typename Pixels>
-void DrawLineBetween(const Raster& to, PixelPoint a, PixelPoint b) {
+void DrawLineBetween(const Raster& to, Pattern* pattern, PixelPoint a, PixelPoint b) {
     const std::int32_t dx = std::abs(b.x - a.x), dy = std::abs(b.y - a.y);
     const std::int32_t xStep = b.x < a.x ? -1 : 1, yStep = b.y < a.y ? -1 : 1;
     const bool flat = dx > dy;
@@ -106,6 +129,8 @@ void DrawLineBetween(const Raster& to, PixelPoint a, PixelPoint b) {
         return static_cast<std::uint32_t>(p.x) < static_cast<std::uint32_t>(to.width) &&
                static_cast<std::uint32_t>(p.y) < static_cast<std::uint32_t>(to.height);
     };
+    Pattern drawing = *pattern;
+    pattern->Skip(line.length);
     std::int64_t first = 0, end = line.length;
     std::int32_t steps = 0, rest = line.bias;
     if (!inside(a) || !inside(b)) {
@@ -122,23 +147,32 @@ void DrawLineBetween(const Raster& to, PixelPoint a, PixelPoint b) {
     const std::int32_t rise = 2 * line.rise, run = 2 * line.length;
     void* const bits = to.bits;
     rest -= run;  // below 0 until the next step across
-    for (auto left = static_cast<std::int32_t>(end - first); left > 0; --left) {
-        Pixels::Put(bits, at);
-        rest += rise;
-        const std::int32_t stepping = ~(rest >> 31);  // all ones or none: what comes next cannot be guessed
-        at += along + (across & stepping);
-        rest -= run & stepping;
+    const auto draw = [&](auto isSeen) {
+        for (auto left = static_cast<std::int32_t>(end - first); left > 0; --left) {
+            if (isSeen()) Pixels::Put(bits, at);
+            rest += rise;
+            const std::int32_t stepping = ~(rest >> 31);  // all ones or none: what comes next cannot be guessed
+            at += along + (across & stepping);
+            rest -= run & stepping;
+        }
+    };
+    if (drawing.IsSolid()) return draw([] { return true; });
+    drawing.Skip(first);
+    draw([&drawing] { return drawing.Take(1); });
+}
+
+template <typename Pixels>
+void DrawLine(StrokeTarget& target, unsigned pen, PixelPoint from, PixelPoint to) {
+    Pattern pattern = {kPatterns[pen]};
+    DrawLineBetween<Pixels>(RasterOf(target), &pattern, from, to);
+}
+
+template <typename Pixels>
+void DrawPolyline(StrokeTarget& target, unsigned pen, const PixelPoint* points, std::size_t count) {
+    Pattern pattern = {kPatterns[pen]};
+    for (std::size_t i = 1; i < count; ++i) {
+        DrawLineBetween<Pixels>(RasterOf(target), &pattern, points[i - 1], points[i]);
     }
-}
-
-template <typename Pixels>
-void DrawLine(StrokeTarget& target, unsigned, PixelPoint from, PixelPoint to) {
-    DrawLineBetween<Pixels>(RasterOf(target), from, to);
-}
-
-template <typename Pixels>
-void DrawPolyline(StrokeTarget& target, unsigned, const PixelPoint* points, std::size_t count) {
-    for (std::size_t i = 1; i < count; ++i) DrawLineBetween<Pixels>(RasterOf(target), points[i - 1], points[i]);
 }
 
 // ---- Circles
@@ -239,9 +273,10 @@ void ClipOctant(const CirclePath& path, const Octant& part, std::int32_t* first,
     if (nearest > 0) *end = std::min(*end, firstRowWithin(nearest));
 }
 
+// Row by row from `first` on, the pattern going `patternStep` steps at each.
 template <typename Pixels>
 void DrawOctant(const Raster& to, const CirclePath& path, const Octant& part, bool flat, std::int32_t first,
-                std::int32_t end) {
+                std::int32_t end, Pattern pattern, std::uint32_t patternStep) {
     std::int32_t row = first, column = ColumnOfRow(path, first);
     const std::int32_t major = part.major + part.majorStep * row, minor = part.minor + part.minorStep * column;
     std::int32_t at = flat ? minor * to.pitch + major : major * to.pitch + minor;
@@ -249,19 +284,24 @@ void DrawOctant(const Raster& to, const CirclePath& path, const Octant& part, bo
     const std::int32_t inward = -part.minorStep * (flat ? to.pitch : 1);
     void* const bits = to.bits;
     std::int32_t beyond = column * column + row * row + row - path.reach;  // 0 or more: the next column inward
-    for (;;) {
-        Pixels::Put(bits, at);
-        if (++row >= end) return;
-        beyond += 2 * row;
-        const std::int32_t stepping = ~(beyond >> 31);
-        beyond -= (2 * column - 1) & stepping;
-        column += stepping;
-        at += along + (inward & stepping);
-    }
+    const auto draw = [&](auto isSeen) {
+        for (;;) {
+            if (isSeen()) Pixels::Put(bits, at);
+            if (++row >= end) return;
+            beyond += 2 * row;
+            const std::int32_t stepping = ~(beyond >> 31);
+            beyond -= (2 * column - 1) & stepping;
+            column += stepping;
+            at += along + (inward & stepping);
+        }
+    };
+    if (pattern.IsSolid()) return draw([] { return true; });
+    draw([&pattern, patternStep] { return pattern.Take(patternStep); });
 }
 
 template <typename Pixels>
-void DrawArc(StrokeTarget& target, unsigned, PixelPoint centre, std::int32_t radius, PixelPoint from, PixelPoint to) {
+void DrawArc(StrokeTarget& target, unsigned pen, PixelPoint centre, std::int32_t radius, PixelPoint from,
+             PixelPoint to) {
     const Raster& raster = RasterOf(target);
     const PixelRect box = {centre.x - radius, centre.y - radius, centre.x + radius, centre.y + radius};
     if (box.left >= raster.width || box.top >= raster.height || box.right <= 0 || box.bottom <= 0) return;
@@ -294,7 +334,10 @@ void DrawArc(StrokeTarget& target, unsigned, PixelPoint centre, std::int32_t rad
             std::int32_t first = upward ? low : length - high, last = upward ? high : length - low;
             if (first >= last) continue;
             if (!whole) ClipOctant(path, part, &first, &last);
-            if (first < last) DrawOctant<Pixels>(raster, path, part, flat, first, last);
+            if (first >= last) continue;
+            Pattern pattern = {kPatterns[pen]};
+            pattern.Skip(base + (upward ? first : length - 1 - first) - begin);
+            DrawOctant<Pixels>(raster, path, part, flat, first, last, pattern, upward ? 1 : kPeriod - 1);
         }
         index += length;
     }
@@ -394,8 +437,9 @@ void DrawArea(StrokeTarget& target, const PixelPoint* points, const std::size_t*
 template <typename Pixels>
 void DrawPolygon(StrokeTarget& target, unsigned pen, const PixelPoint* corners, std::size_t count) {
     DrawArea<Pixels>(target, corners, &count, 1);
+    Pattern pattern = {kPatterns[pen]};
     for (std::size_t i = 0; i < count; ++i) {
-        DrawLine<Pixels>(target, pen, corners[i], corners[i + 1 < count ? i + 1 : 0]);
+        DrawLineBetween<Pixels>(RasterOf(target), &pattern, corners[i], corners[i + 1 < count ? i + 1 : 0]);
     }
 }
 

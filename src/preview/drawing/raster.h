@@ -1,4 +1,4 @@
-// Solid strokes, black, straight into a bitmap's bits. Knows no Windows.
+// Strokes, black, straight into a bitmap's bits. Knows no Windows.
 //
 // Every pixel is the one that the platform's own calls would set: lines and polygons without exception, arcs and dots
 // as far as tests reach. What a stroke costs follows what of it lies on the bitmap, never its length.
@@ -9,8 +9,8 @@
 
 #include "preview/drawing/strokes.h"
 
-// A bitmap's bits as a target. It draws with every pen alike and no text: whoever owns it sends dashes and texts
-// elsewhere.
+// A bitmap's bits as a target. It draws no text, and a dot with every pen alike: whoever owns it sends texts, and dots
+// with a dashed pen, elsewhere.
 struct Raster : StrokeTarget {
     void* bits = nullptr;  // borrowed; rows from the top down, each padded to four bytes
     std::int32_t width = 0, height = 0;

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <random>
 
-#include "kit/handles.h"
 #include "preview/drawing/raster.h"
+#include "preview/drawing/renderer.h"
 
 namespace {
 
@@ -34,25 +34,23 @@ struct Section {
 // GDI's bitmap and ours.
 struct Pair {
     Section theirs, ours;
-    UniquePen pen;
+    UniquePen pens[kPenCount];
     UniqueDc dc;
     Selection bitmap, selectedPen, brush;
+    GdiStrokes gdi;
     Raster raster;
-    int strokes = 0, differences = 0;
+    unsigned dashed = 2;
 
     Pair(int width, int height, int depth)
         : theirs(width, height, depth),
           ours(width, height, depth),
-          pen(MakePen()),
           dc(CreateCompatibleDC(nullptr)),
           bitmap(dc.get(), theirs.bitmap.get()),
-          selectedPen(dc.get(), pen.get()),
-          brush(dc.get(), GetStockObject(BLACK_BRUSH)) {
+          selectedPen(dc.get(), GetStockObject(NULL_PEN)),
+          brush(dc.get(), GetStockObject(BLACK_BRUSH)),
+          gdi(dc.get(), nullptr, pens) {
+        SetBkMode(dc.get(), TRANSPARENT);
         EXPECT_TRUE(OpenRaster(&raster, ours.bits, width, height, depth));
-    }
-    static UniquePen MakePen() {
-        const LOGBRUSH black = {BS_SOLID, 0, 0};
-        return UniquePen(ExtCreatePen(PS_COSMETIC | PS_SOLID, 1, &black, 0, nullptr));
     }
 
     // Whether the last strokes agree; both bitmaps are white again then.
@@ -61,28 +59,25 @@ struct Pair {
         const bool same = std::memcmp(theirs.bits, ours.bits, ours.size) == 0;
         theirs.Wipe();
         ours.Wipe();
-        ++strokes;
-        differences += same ? 0 : 1;
         return same;
     }
+    // With the solid pen, then with one of the dashed ones, by turns.
+    template <typename Draw>
+    bool SameStroke(Draw draw) {
+        dashed = dashed == 6 ? 2 : dashed + 1;
+        for (const unsigned pen : {0u, dashed}) {
+            draw(gdi, pen);
+            draw(raster, pen);
+            if (!Same()) return false;
+        }
+        return true;
+    }
     bool SameLine(PixelPoint from, PixelPoint to) {
-        MoveToEx(dc.get(), from.x, from.y, nullptr);
-        LineTo(dc.get(), to.x, to.y);
-        raster.line(raster, 0, from, to);
-        return Same();
+        return SameStroke([&](StrokeTarget& target, unsigned pen) { target.line(target, pen, from, to); });
     }
     bool SameArc(PixelPoint centre, int radius, PixelPoint from, PixelPoint to) {
-        Arc(dc.get(), centre.x - radius, centre.y - radius, centre.x + radius, centre.y + radius, from.x, from.y, to.x,
-            to.y);
-        raster.arc(raster, 0, centre, radius, from, to);
-        return Same();
-    }
-    bool SamePolygon(const std::vector<PixelPoint>& corners) {
-        std::vector<POINT> points;
-        for (const PixelPoint& p : corners) points.push_back({p.x, p.y});
-        Polygon(dc.get(), points.data(), static_cast<int>(points.size()));
-        raster.polygon(raster, 0, corners.data(), corners.size());
-        return Same();
+        return SameStroke(
+            [&](StrokeTarget& target, unsigned pen) { target.arc(target, pen, centre, radius, from, to); });
     }
 };
 
@@ -163,8 +158,7 @@ TEST_P(RasterAndGdi, Dots) {
     Pair pair(90, 70, GetParam());
     for (int radius = 2; radius <= 120; ++radius) {
         for (const PixelPoint centre : {PixelPoint{45, 35}, {0, 0}, {100, 20}, {30, 90}}) {
-            Chord(pair.dc.get(), centre.x - radius, centre.y - radius, centre.x + radius + 1, centre.y + radius + 1,
-                  centre.x + radius + 1, centre.y, centre.x + radius + 1, centre.y);
+            pair.gdi.dot(pair.gdi, 0, centre, radius);
             pair.raster.dot(pair.raster, 0, centre, radius);
             ASSERT_TRUE(pair.Same()) << radius << " " << centre.x;
         }
@@ -186,7 +180,9 @@ TEST_P(RasterAndGdi, PolygonsAndAreas) {
             p = corner(around);
             if (i % 3 == 0) p = {middle.x + p.x % 9, middle.y + p.y % 9};  // as small as an arrowhead
         }
-        ASSERT_TRUE(pair.SamePolygon(corners)) << i;
+        ASSERT_TRUE(pair.SameStroke([&](StrokeTarget& target, unsigned pen) {
+            target.polygon(target, pen, corners.data(), corners.size());
+        })) << i;
     }
     const Selection noPen(pair.dc.get(), GetStockObject(NULL_PEN));
     for (int i = 0; i < 5000; ++i) {
