@@ -131,11 +131,14 @@ struct QuietErrors {
     QuietErrors& operator=(const QuietErrors&) = delete;
 };
 
-// False when the path begins with the letter of a drive that does not exist; asks no file system.
+// False when the path begins with the letter of a drive that does not exist; asks no file system. One drive's name is
+// looked up: where GetLogicalDrives has to ask another process, that takes longer than the whole of a small preview.
 bool HasItsDrive(const char* path) {
     const char letter = static_cast<char>(path[0] & ~0x20);  // both cases alike
     if (letter < 'A' || letter > 'Z' || path[1] != ':') return true;
-    return (GetLogicalDrives() >> (letter - 'A')) & 1;
+    const char drive[] = {letter, ':', '\0'};
+    char device[MAX_PATH];
+    return QueryDosDeviceA(drive, device, sizeof(device)) != 0 || GetLastError() == ERROR_INSUFFICIENT_BUFFER;
 }
 
 // Whether a path can only lead to a disk, by the system's own rules for the names of devices ("AUX", "COM1", "CONIN$"),

@@ -52,11 +52,32 @@ static inline const char* TakeDigits(const char* at, const char* end, std::uint6
     }
 }
 
-// Converts a plain number whose digits make an integer that a double holds: its division by an exact power of ten
-// rounds once, so the result is right to the last bit. Most coordinates are such numbers, with up to sixteen digits,
+// A number as the exact sum of two with half its digits.
+struct Halves {
+    double high, low;
+    explicit Halves(double number) : high(number * 134217729.0 - (number * 134217729.0 - number)), low(number - high) {}
+};
+
+// digits / power to the last bit, where `power` is exact and `digits` below 2^63: the quotient of the upper digits, and
+// what it leaves over, which is exact, with the lower ones divided in its turn. False when it cannot be told which
+// neighbour of that sum is right.
+static bool DivideLong(std::int64_t digits, double power, double* value) {
+    constexpr std::int64_t kLower = 0x7FF;  // a double holds what is above
+    const auto most = static_cast<double>(digits & ~kLower), others = static_cast<double>(digits & kLower);
+    const double quotient = most / power, product = quotient * power;
+    const Halves q(quotient), p(power);
+    const double productError = ((q.high * p.high - product) + q.high * p.low + q.low * p.high) + q.low * p.low;
+    const double correction = (((most - product) - productError) + others) / power;
+    const double doubt = correction * 0x1p-45;
+    *value = quotient + (correction - doubt);
+    return *value == quotient + (correction + doubt);
+}
+
+// Converts a plain number. Where its digits make an integer that a double holds, the division by an exact power of ten
+// rounds once, so the result is right to the last bit; most coordinates are such numbers, with up to sixteen digits,
 // and take two thirds of the general conversion's time. Null when the number is of another form.
 static const char* ParsePlain(const char* at, const char* end, double* value) {
-    constexpr std::ptrdiff_t kMostDigits = 19;
+    constexpr std::ptrdiff_t kMostDigits = 18;  // below 2^63
     constexpr std::uint64_t kMostExact = std::uint64_t{1} << 53;
     std::uint64_t digits = 0;
     const char* const whole = at;
@@ -68,9 +89,11 @@ static const char* ParsePlain(const char* at, const char* end, double* value) {
         fraction = at - first;
         count += fraction;
     }
-    if (count == 0 || count > kMostDigits || digits > kMostExact) return nullptr;
+    if (count == 0 || count > kMostDigits) return nullptr;
     if (at != end && (*at == 'e' || *at == 'E')) return nullptr;
-    *value = static_cast<double>(static_cast<std::int64_t>(digits)) / kPowersOfTen[fraction];
+    const auto integer = static_cast<std::int64_t>(digits);
+    if (digits > kMostExact) return DivideLong(integer, kPowersOfTen[fraction], value) ? at : nullptr;
+    *value = static_cast<double>(integer) / kPowersOfTen[fraction];
     return at;
 }
 

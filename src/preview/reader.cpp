@@ -56,7 +56,7 @@ static HBITMAP Decode(const PreviewFormat& format, std::uint8_t* bytes, std::siz
         return nullptr;
     }
     Canvas canvas(request.renderMode, *request.target);
-    return format.decode(file, &comment, &canvas) ? ReleaseCanvasBitmap(&canvas) : nullptr;
+    return format.decode(file, &comment, &canvas) ? TakeCanvasBitmap(&canvas) : nullptr;
 }
 
 // What all formats share; `decode` gets the cleared comment. All that a run has made is free before the flag falls.

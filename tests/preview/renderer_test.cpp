@@ -15,11 +15,12 @@
 // What `draw` leaves on a canvas of as many pixels as the world has units; (x, y) is the pixel of column x + 0.5 and of
 // row height - (y - 0.5), both cut.
 static std::string OnCanvas(int width, int height, const std::function<void(Canvas&)>& draw) {
+    PreviewCancel(1);  // a canvas belongs to a run
     Canvas canvas(0, {0, 0, width, height});
     const WorldRect sheet = {0, 0, static_cast<double>(width), static_cast<double>(height)};
     EXPECT_TRUE(canvas.fit(canvas, sheet, DrawingSink::kWipe));
     draw(canvas);
-    return TakePicture(ReleaseCanvasBitmap(&canvas));
+    return TakePicture(TakeCanvasBitmap(&canvas));
 }
 
 // Each as a reader draws it, and on a device context whose pen and brush are its owner's.

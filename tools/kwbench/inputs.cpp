@@ -14,10 +14,8 @@
 
 static constexpr std::uint64_t kFilesSeed = 0x6B7766696C6573;
 
-static constexpr std::int64_t kUnit = 1000000000000000;  // one drawing unit: lengths are counted in 1e-15 of it
-static constexpr std::int64_t kPowers[kDecimalPlaces + 1] = {
-    1,         10,         100,         1000,         10000,         100000,         1000000,         10000000,
-    100000000, 1000000000, 10000000000, 100000000000, 1000000000000, 10000000000000, 100000000000000, 1000000000000000};
+// An A0 sheet in millimetres.
+static constexpr double kSheetWidth = 1189, kSheetHeight = 841;
 
 // ---- Numbers
 
@@ -33,78 +31,44 @@ std::uint32_t Random::Below(std::uint32_t bound) {
     return static_cast<std::uint32_t>((static_cast<std::uint64_t>(Next()) * bound) >> 32);
 }
 
-std::int64_t Random::Between(std::int64_t low, std::int64_t high) {
-    const std::uint64_t wide = (static_cast<std::uint64_t>(Next()) << 32) | Next();
-    return low + static_cast<std::int64_t>(wide % static_cast<std::uint64_t>(high - low + 1));
-}
-
-// The text as drawing programs write it: no zeros at the end, but always a digit behind the point.
-static std::string TextOf(Decimal number) {
-    const auto places = static_cast<std::size_t>(number.places);
-    std::string text = std::to_string(number.units < 0 ? -number.units : number.units);
-    if (text.size() <= places) text.insert(0, places + 1 - text.size(), '0');
-    text.insert(text.size() - places, 1, '.');
-    while (text.back() == '0' && text[text.size() - 2] != '.') text.pop_back();
-    return number.units < 0 ? "-" + text : text;
-}
-
-double Decimal::Value() const {
-    const std::string text = TextOf(*this);
-    double value = 0;
-    std::from_chars(text.data(), text.data() + text.size(), value);
-    return value;
-}
-
-// How a program writes a length: with so many digits behind the point, but no more than so many from the first that
-// counts.
-struct Precision {
-    int places, digits;
-};
-constexpr Precision kShort = {1, 20};
-
-static Decimal Cut(std::int64_t length, Precision precision) {
-    int places = precision.digits;
-    for (std::int64_t whole = length / kUnit; whole != 0; whole /= 10) --places;
-    places = std::min({places, precision.places, kDecimalPlaces});
-    return {length / kPowers[kDecimalPlaces - places], places};
-}
-
-// ---- The entities of a drawing
-
-// An A0 sheet in millimetres.
-static constexpr std::int64_t kSheetWidth = 1189 * kUnit;
-static constexpr std::int64_t kSheetHeight = 841 * kUnit;
-
-static constexpr const char* kLayers[] = {"0", "WALLS", "DIMENSIONS", "AXES", "HATCH-2", "TITLE"};
-static constexpr const char* kTexts[] = {"M8x1.25", "R12.5", "%%c25 H7", "SECTION A-A", "SCALE 1:50", "2000", "45%%d"};
-static constexpr int kTextHeights[] = {5, 7, 10, 14, 20};
-static constexpr int kTextAngles[] = {0, 0, 0, 90, 90, 45, 330};
-// Most entities take their line type from the layer and name none.
-static constexpr const char* kLineTypes[] = {"CONTINUOUS", "BYLAYER", "DASHED", "CENTER", "HIDDEN", "PHANTOM", "DOT"};
+double Random::Between(double low, double high) { return low + (high - low) * (Next() / 4294967296.0); }
 
 template <typename T, std::size_t N>
 static T Pick(Random* random, const T (&choices)[N]) {
     return choices[random->Below(N)];
 }
 
-EntityStream::EntityStream(std::uint64_t seed) : random{seed} {}
-
-// What was typed has few digits, what was computed all that a double holds.
-static Precision PickPrecision(Random* random) {
-    static constexpr Precision kPrecisions[] = {kShort,   kShort,   {4, 20},  {6, 20},
-                                                {15, 16}, {15, 16}, {15, 16}, {15, 17}};
-    return Pick(random, kPrecisions);
+// As drawing programs write a number: no zeros at the end, but always a digit behind the point.
+static std::string TextOf(double number, int digits = 6) {
+    char text[64];
+    int places = digits;
+    for (double whole = std::max(number, -number); whole >= 1 && digits > 6; whole /= 10) --places;
+    char* end = std::to_chars(text, text + sizeof(text), number, std::chars_format::fixed, places).ptr;
+    while (end[-1] == '0' && end[-2] != '.') --end;
+    return {text, end};
 }
 
-// A step of a contour: mostly short against the sheet, a few long ones.
-static std::int64_t PickStep(Random* random) {
-    const std::int64_t reach = (kUnit / 2) << random->Below(8);  // 0.5 to 64 drawing units
-    return random->Between(-reach, reach);
-}
+// ---- The entities of a drawing
 
-// A contour may leave the sheet by a little.
-static std::int64_t Bounded(std::int64_t value, std::int64_t limit) {
-    return std::clamp(value, -10 * kUnit, limit + 10 * kUnit);
+static constexpr const char* kLayers[] = {"0", "WALLS", "DIMENSIONS", "AXES", "HATCH-2", "TITLE"};
+static constexpr const char* kTexts[] = {"M8x1.25", "R12.5", "%%c25 H7", "SECTION A-A", "SCALE 1:50", "2000", "45%%d"};
+// Most entities take their line type from the layer and name none.
+static constexpr struct {
+    const char* name;
+    int pen;
+} kLineTypes[] = {{"CONTINUOUS", 1}, {"BYLAYER", 0}, {"DASHED", 2}, {"CENTER", 3},
+                  {"HIDDEN", 6},     {"PHANTOM", 4}, {"DOT", 5}};
+
+// A number as its text has it: what was typed has few digits, what was computed all that a double holds.
+static double Written(double number, int digits) {
+    const std::string text = TextOf(number, digits);
+    double value = 0;
+    std::from_chars(text.data(), text.data() + text.size(), value);
+    return value;
+}
+static int PickDigits(Random* random) {
+    static constexpr int kDigits[] = {1, 1, 4, 6, 16, 16, 16, 17};
+    return Pick(random, kDigits);
 }
 
 static Entity NextLine(EntityStream* stream) {
@@ -115,62 +79,83 @@ static Entity NextLine(EntityStream* stream) {
         stream->penY = random->Between(0, kSheetHeight);
     }
     --stream->contourLeft;
-    const std::int64_t fromX = stream->penX, fromY = stream->penY;
+    // A step of a contour: mostly short against the sheet, a few long ones. It may leave the sheet by a little.
+    const auto step = [&](double from, double limit) {
+        const double reach = 0.5 * (1 << random->Below(8));
+        return std::clamp(from + random->Between(-reach, reach), -10.0, limit + 10);
+    };
+    const double fromX = stream->penX, fromY = stream->penY;
     const std::uint32_t direction = random->Below(4);  // along an axis, or aslant
-    if (direction != 0) stream->penX = Bounded(fromX + PickStep(random), kSheetWidth);
-    if (direction != 1) stream->penY = Bounded(fromY + PickStep(random), kSheetHeight);
-    const Precision precision = PickPrecision(random);
+    if (direction != 0) stream->penX = step(fromX, kSheetWidth);
+    if (direction != 1) stream->penY = step(fromY, kSheetHeight);
     Entity line;
-    line.x1 = Cut(fromX, precision);
-    line.y1 = Cut(fromY, precision);
-    line.x2 = Cut(stream->penX, precision);
-    line.y2 = Cut(stream->penY, precision);
+    line.digits = PickDigits(random);
+    line.x1 = fromX, line.y1 = fromY;
+    line.x2 = stream->penX, line.y2 = stream->penY;
     return line;
 }
 
 static Entity NextText(EntityStream* stream) {
+    static constexpr double kHeights[] = {5, 7, 10, 14, 20}, kAngles[] = {0, 0, 0, 90, 90, 45, 330};
     Random* random = &stream->random;
     Entity* text = &stream->lastText;
+    text->kind = EntityKind::kText;
     if (stream->textsLeft == 0) {  // texts of one size stand together: a table, a chain of dimensions
         stream->textsLeft = 1 + random->Below(8);
-        text->kind = EntityKind::kText;
-        text->size = Cut(Pick(random, kTextHeights) * kUnit, kShort);
-        text->hasWidthFactor = random->Below(4) == 0;
-        text->widthFactor = {random->Below(2) ? 8 : 7, 1};
-        text->startDegrees = Cut(Pick(random, kTextAngles) * kUnit, kShort);
-        text->hasAngle = text->startDegrees.units != 0;
+        text->size = Pick(random, kHeights);
+        text->widthFactor = random->Below(4) == 0 ? random->Below(2) ? 0.8 : 0.7 : 1;
+        text->startDegrees = Pick(random, kAngles);
         text->horizontal = random->Below(3) == 0 ? 1 + static_cast<int>(random->Below(2)) : 0;
         text->vertical = text->horizontal ? static_cast<int>(random->Below(4)) : 0;
     }
     --stream->textsLeft;
-    text->x1 = Cut(random->Between(0, kSheetWidth), {6, 20});
-    text->y1 = Cut(random->Between(0, kSheetHeight), {6, 20});
+    text->x1 = random->Between(0, kSheetWidth);
+    text->y1 = random->Between(0, kSheetHeight);
     text->text = Pick(random, kTexts);
     return *text;
 }
 
-static Entity NextRound(Random* random, EntityKind kind) {
-    const Precision precision = PickPrecision(random);
+// Texts whose font is another one each time, of four.
+static Entity NextAlternatingText(EntityStream* stream) {
+    stream->textsLeft = 1;
+    Entity* text = &stream->lastText;
+    text->size = stream->count % 2 ? 14 : 20;
+    text->startDegrees = stream->count / 2 % 2 ? 90 : 0;
+    ++stream->count;
+    return NextText(stream);
+}
+
+static Entity NextRound(Random* random, EntityKind kind, double largest) {
     Entity round;
     round.kind = kind;
-    round.x1 = Cut(random->Between(0, kSheetWidth), precision);
-    round.y1 = Cut(random->Between(0, kSheetHeight), precision);
-    round.size = Cut(random->Between(kUnit / 2, kUnit << random->Below(6)), precision);
-    round.startDegrees = Cut(random->Between(0, 359 * kUnit), precision);
-    round.endDegrees = Cut(random->Between(0, 359 * kUnit), precision);
+    round.digits = PickDigits(random);
+    round.x1 = random->Between(0, kSheetWidth);
+    round.y1 = random->Between(0, kSheetHeight);
+    round.size = random->Between(largest / 40, largest);
+    round.startDegrees = random->Between(0, 359);
+    round.endDegrees = random->Between(0, 359);
     return round;
 }
 
 Entity EntityStream::Next() {
+    if (mix == Mix::kCircles) return NextRound(&random, EntityKind::kCircle, 800);  // 5 to 200 pixels in a pane
+    if (mix == Mix::kTexts) return NextAlternatingText(this);
     Entity entity;
     const std::uint32_t share = random.Below(100);
     if (share < 82) entity = NextLine(this);
-    else if (share < 90) entity = NextRound(&random, EntityKind::kArc);
-    else if (share < 94) entity = NextRound(&random, EntityKind::kCircle);
+    else if (share < 90) entity = NextRound(&random, EntityKind::kArc, 1 << random.Below(6));
+    else if (share < 94) entity = NextRound(&random, EntityKind::kCircle, 1 << random.Below(6));
     else if (share < 97) entity = NextText(this);
-    else entity = NextRound(&random, EntityKind::kPoint);
-    entity.lineType = random.Below(8) == 0 ? Pick(&random, kLineTypes) : nullptr;
+    else entity = NextRound(&random, EntityKind::kPoint, 1);
+    entity.lineType = random.Below(8) == 0 ? kLineTypes[random.Below(std::size(kLineTypes))].name : nullptr;
     return entity;
+}
+
+static int PenOf(const Entity& entity) {
+    for (const auto& row : kLineTypes) {
+        if (entity.lineType == row.name) return row.pen;
+    }
+    return 0;
 }
 
 // ---- Writing
@@ -198,30 +183,27 @@ struct Writer {
         pending += bytes;
         if (pending.size() >= 1 << 20) Flush();
     }
-    void Line(std::string_view text) {
-        pending += text;
-        Bytes("\r\n");
-    }
     void Pair(int code, std::string_view value) {
         char text[16];
-        std::snprintf(text, sizeof(text), "%3d", code);
-        Line(text);
-        Line(value);
+        std::snprintf(text, sizeof(text), "%3d\r\n", code);
+        pending += text;
+        pending += value;
+        Bytes("\r\n");
     }
-    void Pair(int code, int value) {
-        char text[16];
-        std::snprintf(text, sizeof(text), "%6d", value);
-        Pair(code, text);
-    }
-    void Pair(int code, Decimal value) { Pair(code, TextOf(value)); }
-    void Point(int code, Decimal x, Decimal y) {
-        Pair(code, x);
-        Pair(code + 10, y);
-        Pair(code + 20, Decimal{});
+    void Point(int code, double x, double y, int digits) {
+        Pair(code, TextOf(x, digits));
+        Pair(code + 10, TextOf(y, digits));
+        Pair(code + 20, "0.0");
     }
 };
 
-// DXF
+static void WriteDxfHead(Writer* out, std::size_t) {
+    for (const auto& [code, value] : {std::pair(0, "SECTION"), {2, "HEADER"}, {9, "$EXTMIN"}}) out->Pair(code, value);
+    out->Point(10, 0, 0, 1);
+    out->Pair(9, "$EXTMAX");
+    out->Point(10, kSheetWidth, kSheetHeight, 1);
+    for (const auto& [code, value] : {std::pair(0, "ENDSEC"), {0, "SECTION"}, {2, "ENTITIES"}}) out->Pair(code, value);
+}
 
 static void WriteDxfEntity(Writer* out, const Entity& entity, std::size_t number) {
     static constexpr const char* kNames[] = {"POINT", "LINE", "ARC", "CIRCLE", "TEXT"};
@@ -231,57 +213,30 @@ static void WriteDxfEntity(Writer* out, const Entity& entity, std::size_t number
     out->Pair(5, handle);
     out->Pair(8, kLayers[number / 7 % std::size(kLayers)]);
     if (entity.lineType) out->Pair(6, entity.lineType);
-    if (number % 3 == 0) out->Pair(62, static_cast<int>(number / 3 % 7) + 1);
-    out->Point(10, entity.x1, entity.y1);
+    if (number % 3 == 0) out->Pair(62, "     " + std::to_string(number / 3 % 7 + 1));
+    out->Point(10, entity.x1, entity.y1, entity.digits);
+    const auto pair = [&](int code, double value) { out->Pair(code, TextOf(value, entity.digits)); };
     switch (entity.kind) {
         case EntityKind::kPoint: break;
-        case EntityKind::kLine: out->Point(11, entity.x2, entity.y2); break;
-        case EntityKind::kCircle: out->Pair(40, entity.size); break;
+        case EntityKind::kLine: out->Point(11, entity.x2, entity.y2, entity.digits); break;
+        case EntityKind::kCircle: pair(40, entity.size); break;
         case EntityKind::kArc:
-            out->Pair(40, entity.size);
-            out->Pair(50, entity.startDegrees);
-            out->Pair(51, entity.endDegrees);
+            pair(40, entity.size);
+            pair(50, entity.startDegrees);
+            pair(51, entity.endDegrees);
             break;
         case EntityKind::kText:
-            out->Pair(40, entity.size);
+            pair(40, entity.size);
             out->Pair(1, entity.text);
-            if (entity.hasAngle) out->Pair(50, entity.startDegrees);
-            if (entity.hasWidthFactor) out->Pair(41, entity.widthFactor);
+            if (entity.startDegrees != 0) pair(50, entity.startDegrees);
+            if (entity.widthFactor != 1) pair(41, entity.widthFactor);
             if (entity.horizontal) {
-                out->Pair(72, entity.horizontal);
-                out->Point(11, entity.x1, entity.y1);
-                out->Pair(73, entity.vertical);
+                out->Pair(72, "     " + std::to_string(entity.horizontal));
+                out->Point(11, entity.x1, entity.y1, entity.digits);
+                out->Pair(73, "     " + std::to_string(entity.vertical));
             }
             break;
     }
-}
-
-static void WriteDxfHead(Writer* out, std::size_t) {
-    out->Pair(0, "SECTION");
-    out->Pair(2, "HEADER");
-    out->Pair(9, "$ACADVER");
-    out->Pair(1, "AC1009");
-    out->Pair(9, "$EXTMIN");
-    out->Point(10, Cut(0, kShort), Cut(0, kShort));
-    out->Pair(9, "$EXTMAX");
-    out->Point(10, Cut(kSheetWidth, kShort), Cut(kSheetHeight, kShort));
-    out->Pair(0, "ENDSEC");
-    out->Pair(0, "SECTION");
-    out->Pair(2, "TABLES");
-    out->Pair(0, "TABLE");
-    out->Pair(2, "LAYER");
-    out->Pair(70, static_cast<int>(std::size(kLayers)));
-    for (const char* layer : kLayers) {
-        out->Pair(0, "LAYER");
-        out->Pair(2, layer);
-        out->Pair(70, 0);
-        out->Pair(62, 7);
-        out->Pair(6, kLineTypes[0]);
-    }
-    out->Pair(0, "ENDTAB");
-    out->Pair(0, "ENDSEC");
-    out->Pair(0, "SECTION");
-    out->Pair(2, "ENTITIES");
 }
 
 static void WriteDxfEnd(Writer* out) {
@@ -290,8 +245,6 @@ static void WriteDxfEnd(Writer* out) {
 }
 
 // Native and backup drawings
-
-static WorldRect SheetOf() { return {0, 0, Cut(kSheetWidth, kShort).Value(), Cut(kSheetHeight, kShort).Value()}; }
 
 template <typename T>
 static void Put(std::string* out, std::size_t offset, const T& value) {
@@ -303,13 +256,9 @@ static void PutText(std::string* out, std::size_t offset, std::string_view text)
 
 static void WriteNativeHead(Writer* out, std::size_t entityCount) {
     std::string head(1024, '\0');
-    const WorldRect sheet = SheetOf();
     PutText(&head, 4, "CAD ORVIL QA V4.0    \x14");
-    Put(&head, 32, sheet.maxX);
-    Put(&head, 40, sheet.maxY);
-    Put(&head, 48, sheet.minX);
-    Put(&head, 56, sheet.minY);
-    PutText(&head, 106, "PART LIST");
+    Put(&head, 32, kSheetWidth);
+    Put(&head, 40, kSheetHeight);
     Put(&head, 242, static_cast<std::uint16_t>(entityCount));
     for (std::size_t layer = 0; layer < 16; ++layer) Put(&head, 250 + 2 * layer, std::uint16_t{1});
     out->Bytes(head);
@@ -318,78 +267,54 @@ static void WriteNativeHead(Writer* out, std::size_t entityCount) {
 static void WriteBackupHead(Writer* out, std::size_t entityCount) {
     std::string head(446, '\0');
     PutText(&head, 0, "VEXTRON lumos Backup V2");
-    PutText(&head, 284, "PART LIST");
-    Put(&head, 410, SheetOf());
+    Put(&head, 426, kSheetWidth);
+    Put(&head, 434, kSheetHeight);
     Put(&head, 442, static_cast<std::uint32_t>(entityCount));
     out->Bytes(head);
 }
 
-int LineTypePen(const char* lineType) {
-    static constexpr struct {
-        const char* name;
-        int pen;
-    } kPens[] = {{"CONTINUOUS", 1}, {"DASHED", 2}, {"CENTER", 3}, {"PHANTOM", 4}, {"DOT", 5}, {"HIDDEN", 6}};
-    if (!lineType) return 0;
-    for (const auto& row : kPens) {
-        if (std::strcmp(row.name, lineType) == 0) return row.pen;
-    }
-    return 0;
-}
+static double FullWidthOf(const Entity& text) { return 2 * text.size * text.widthFactor; }
 
-Decimal FullWidthOf(const Entity& text) {
-    const std::int64_t factor = text.hasWidthFactor ? text.widthFactor.units : 10;
-    return {2 * text.size.units * factor, 2};
-}
-
-int VerticalOf(const Entity& text) { return std::max(text.vertical - 1, 0); }
-
-static float Single(Decimal number) { return static_cast<float>(number.Value()); }
-
-template <typename Fields>
-static void PutElement(std::string* record, ElementKind kind, const Fields& fields, std::size_t number) {
+// A record without what only one of the two formats has.
+static std::string RecordOf(const Entity& entity, std::size_t number) {
+    static constexpr ElementKind kKinds[] = {kPointElement, kLineElement, kArcElement, kArcElement, kTextElement};
+    std::string record(kRecordSize, '\0');
     RecordHead head = {};
-    head.type = static_cast<std::uint16_t>(kind);
+    head.type = kKinds[static_cast<int>(entity.kind)];
     head.layer = static_cast<std::uint8_t>(number / 7 % 16);
-    Put(record, 0, head);
-    Put(record, kFieldsAt, fields);
-}
-
-static TextFields FieldsOfText(const Entity& text) {
-    TextFields fields = {};
-    fields.x = Single(text.x1);
-    fields.y = Single(text.y1);
-    fields.height = Single(text.size);
-    fields.width = Single(FullWidthOf(text));
-    fields.angleDegrees = text.hasAngle ? Single(text.startDegrees) : 0;
-    fields.placement = static_cast<std::uint16_t>(VerticalOf(text) << 5 | text.horizontal << 7);
-    return fields;
-}
-
-static void PutEntity(std::string* record, const Entity& entity, std::size_t number) {
-    const double x = entity.x1.Value(), y = entity.y1.Value();
-    const auto attributes = static_cast<std::uint16_t>(LineTypePen(entity.lineType) << 4);
+    Put(&record, 0, head);
+    const auto attributes = static_cast<std::uint16_t>(PenOf(entity) << 4);
+    const double x = Written(entity.x1, entity.digits), y = Written(entity.y1, entity.digits);
+    const bool isCircle = entity.kind == EntityKind::kCircle;
     switch (entity.kind) {
-        case EntityKind::kPoint: PutElement(record, kPointElement, PointFields{x, y}, number); break;
+        case EntityKind::kPoint: Put(&record, kFieldsAt, PointFields{x, y}); break;
         case EntityKind::kLine:
-            PutElement(record, kLineElement, LineFields{x, y, entity.x2.Value(), entity.y2.Value(), attributes},
-                       number);
-            break;
-        case EntityKind::kCircle:
-            PutElement(record, kArcElement, ArcFields{x, y, entity.size.Value(), 0, 360, attributes}, number);
+            Put(&record, kFieldsAt,
+                LineFields{x, y, Written(entity.x2, entity.digits), Written(entity.y2, entity.digits), attributes});
             break;
         case EntityKind::kArc:
-            PutElement(record, kArcElement,
-                       ArcFields{x, y, entity.size.Value(), entity.startDegrees.Value(), entity.endDegrees.Value(),
-                                 attributes},
-                       number);
+        case EntityKind::kCircle:
+            Put(&record, kFieldsAt,
+                ArcFields{x, y, entity.size, isCircle ? 0 : entity.startDegrees, isCircle ? 360 : entity.endDegrees,
+                          attributes});
             break;
-        case EntityKind::kText: PutElement(record, kTextElement, FieldsOfText(entity), number); break;
+        case EntityKind::kText: {
+            TextFields fields = {};
+            fields.x = static_cast<float>(x), fields.y = static_cast<float>(y);
+            fields.height = static_cast<float>(entity.size);
+            fields.width = static_cast<float>(FullWidthOf(entity));
+            fields.angleDegrees = static_cast<float>(entity.startDegrees);
+            fields.placement =
+                static_cast<std::uint16_t>(std::max(entity.vertical - 1, 0) << 5 | entity.horizontal << 7);
+            Put(&record, kFieldsAt, fields);
+            break;
+        }
     }
+    return record;
 }
 
 static void WriteNativeEntity(Writer* out, const Entity& entity, std::size_t number) {
-    std::string record(kRecordSize, '\0');
-    PutEntity(&record, entity, number);
+    std::string record = RecordOf(entity, number);
     if (entity.kind == EntityKind::kText) {  // all of them are short enough to need no continuation
         PutText(&record, 48, entity.text);
         Put(&record, 62, std::uint16_t{65535});
@@ -398,65 +323,61 @@ static void WriteNativeEntity(Writer* out, const Entity& entity, std::size_t num
 }
 
 static void WriteBackupEntity(Writer* out, const Entity& entity, std::size_t number) {
-    std::string record(kRecordSize, '\0');
-    PutEntity(&record, entity, number);
+    std::string record = RecordOf(entity, number);
     if (entity.kind == EntityKind::kText) Put(&record, 46, static_cast<std::uint16_t>(std::strlen(entity.text)));
     out->Bytes(record);
 }
 
-static void WriteNoEnd(Writer*) {}
-
 // Text drawings
 
 static void WriteTextHead(Writer* out, std::size_t) {
-    out->Line("; generated");
-    out->Line("FIGRNAME PART LIST");
-    out->Line("AR " + TextOf(Cut(0, kShort)) + "," + TextOf(Cut(0, kShort)) + "," + TextOf(Cut(kSheetWidth, kShort)) +
-              "," + TextOf(Cut(kSheetHeight, kShort)));
+    out->Bytes("; generated\r\nAR 0.0,0.0," + TextOf(kSheetWidth) + "," + TextOf(kSheetHeight) + "\r\n");
 }
 
 static void WriteTextEntity(Writer* out, const Entity& entity, std::size_t number) {
     static constexpr const char* kKeys[] = {"GP ", "GL ", "GA ", "GA ", "GT "};
     std::string line = kKeys[static_cast<int>(entity.kind)];
+    const auto add = [&](std::initializer_list<double> values) {
+        for (const double value : values) line += TextOf(value, entity.digits) + ",";
+    };
     if (entity.kind != EntityKind::kText) line += std::to_string(number / 7 % 16) + ",";
-    line += TextOf(entity.x1) + "," + TextOf(entity.y1) + ",";
+    add({entity.x1, entity.y1});
     switch (entity.kind) {
         case EntityKind::kPoint: break;
-        case EntityKind::kLine: line += TextOf(entity.x2) + "," + TextOf(entity.y2) + ","; break;
-        case EntityKind::kCircle: line += TextOf(entity.size) + ",0.0,360.0,"; break;
-        case EntityKind::kArc:
-            line += TextOf(entity.size) + "," + TextOf(entity.startDegrees) + "," + TextOf(entity.endDegrees) + ",";
-            break;
-        case EntityKind::kText:
-            line += TextOf(FullWidthOf(entity)) + "," + TextOf(entity.size) + ",0.0," +
-                    (entity.hasAngle ? TextOf(entity.startDegrees) : "0.0") + ",0.0,";
-            break;
+        case EntityKind::kLine: add({entity.x2, entity.y2}); break;
+        case EntityKind::kCircle: add({entity.size, 0, 360}); break;
+        case EntityKind::kArc: add({entity.size, entity.startDegrees, entity.endDegrees}); break;
+        case EntityKind::kText: add({FullWidthOf(entity), entity.size, 0, entity.startDegrees, 0}); break;
     }
-    line += std::to_string(LineTypePen(entity.lineType));
+    line += std::to_string(PenOf(entity));
     if (entity.kind == EntityKind::kText) line += std::string(",'") + entity.text + "'";
-    out->Line(line);
+    out->Bytes(line + "\r\n");
 }
 
+static void WriteNoEnd(Writer*) {}
+
 static constexpr struct {
+    const PreviewFormat& format;
     const char* extension;
     void (*head)(Writer* out, std::size_t entityCount);
     void (*entity)(Writer* out, const Entity& entity, std::size_t number);
     void (*end)(Writer* out);
 } kFormats[kDrawingFormatCount] = {
     // in the order of DrawingFormat
-    {".dxf", WriteDxfHead, WriteDxfEntity, WriteDxfEnd},
-    {".drw", WriteNativeHead, WriteNativeEntity, WriteNoEnd},
-    {".bak", WriteBackupHead, WriteBackupEntity, WriteNoEnd},
-    {".exf", WriteTextHead, WriteTextEntity, WriteNoEnd},
+    {kDxfFormat, ".dxf", WriteDxfHead, WriteDxfEntity, WriteDxfEnd},
+    {kNativeFormat, ".drw", WriteNativeHead, WriteNativeEntity, WriteNoEnd},
+    {kBackupFormat, ".bak", WriteBackupHead, WriteBackupEntity, WriteNoEnd},
+    {kTextFormat, ".exf", WriteTextHead, WriteTextEntity, WriteNoEnd},
 };
 
+const PreviewFormat& FormatOf(DrawingFormat format) { return kFormats[static_cast<int>(format)].format; }
 const char* ExtensionOf(DrawingFormat format) { return kFormats[static_cast<int>(format)].extension; }
 
 bool WriteDrawing(std::size_t size, std::size_t entityCount, Drawing* drawing) {
     const auto& format = kFormats[static_cast<int>(drawing->format)];
     Writer writer(drawing->path);
     format.head(&writer, entityCount);
-    EntityStream entities(drawing->seed);
+    EntityStream entities = {{drawing->seed}, drawing->mix};
     std::size_t count = 0;
     for (; writer.good && count < entityCount && writer.Size() < size; ++count) {
         format.entity(&writer, entities.Next(), count);
@@ -465,7 +386,6 @@ bool WriteDrawing(std::size_t size, std::size_t entityCount, Drawing* drawing) {
     writer.Flush();
     drawing->size = writer.written;
     drawing->entityCount = count;
-    drawing->extents = SheetOf();
     return writer.good;
 }
 

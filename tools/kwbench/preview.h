@@ -8,31 +8,20 @@
 #include "kit/handles.h"
 #include "kwbench.h"
 
-constexpr RECT kPaneTarget = {0, 0, 300, 200};
-
-// Calls the reader of the drawing's format, in colour; `comment` gives the room for one.
-UniqueBitmap Preview(const Drawing& drawing, std::string* comment = nullptr, const RECT& target = kPaneTarget);
+// Calls the reader of the drawing's format, in colour.
+UniqueBitmap Preview(const Drawing& drawing, int width = 300, int height = 200);
 
 // Reads the numbers of a text as its reader must, and does nothing with them; the sum keeps the conversions from being
 // left out.
 using NumberScan = double (*)(const char* at, const char* end);
 
-// A line's end and the start of the next.
-inline const char* LineEnd(const char* at, const char* end) {
-    while (at < end && static_cast<unsigned char>(*at) >= ' ') ++at;
-    return at;
-}
-inline const char* NextLine(const char* at, const char* end) {
-    while (at < end && static_cast<unsigned char>(*at) < ' ') ++at;
-    return at;
-}
-
-// What is asked of a reader. The floor of a text format is its bare scan and the replay of its GDI calls, that of a
-// binary one the load and the replay.
+// What is asked of a reader. The floor is the replay of its strokes as GDI calls and, before that, the bare scan of a
+// text or the load of a binary drawing.
 struct PreviewTarget {
-    double previewTime;     // at most so many times the floor
-    double decodeRate = 0;  // text: at least so many times the bare scan's
-    NumberScan scan = nullptr;
+    double previewTime;         // at most so many times the floor
+    NumberScan scan = nullptr;  // of a text
+    double decodeRate = 0;      // at least so many times the bare scan's
+    bool drawingAlone = false;  // the replay is the whole floor, and makes a font at each change
 };
 
 // Adds the rows of the pictures, the floors and the speed; false, after a word to the error stream, when it fails.

@@ -1,12 +1,10 @@
 #include "preview/drawing/canvas.h"
 
-#include "frame/services.h"
+#include <algorithm>
+#include <tuple>
+#include <utility>
 
-// Cosmetic pens: one pixel wide, black.
-static constexpr DWORD kPenStyles[kPenCount] = {
-    PS_SOLID, PS_SOLID, PS_DASH,  PS_DASHDOT, PS_DASHDOTDOT, PS_DOT,   PS_ALTERNATE, PS_SOLID,
-    PS_SOLID, PS_SOLID, PS_SOLID, PS_SOLID,   PS_SOLID,      PS_SOLID, PS_SOLID,     PS_SOLID,
-};
+#include "frame/services.h"
 
 HBITMAP CreatePreviewBitmap(HDC screen, DWORD renderMode, const RECT& target) {
     const int width = target.right - target.left;
@@ -15,26 +13,85 @@ HBITMAP CreatePreviewBitmap(HDC screen, DWORD renderMode, const RECT& target) {
                                      : CreateBitmap(width, height, 1, 1, nullptr);
 }
 
+// ---- Strokes
+
+static void DrawWaitingTexts(CanvasStrokes& strokes) {
+    const auto fontOf = [](const CanvasStrokes::WaitingText& text) {
+        return std::tie(text.stroke.escapement, text.stroke.height, text.stroke.width);
+    };
+    std::stable_sort(strokes.texts.begin(), strokes.texts.end(),
+                     [&](const auto& a, const auto& b) { return fontOf(a) < fontOf(b); });
+    for (CanvasStrokes::WaitingText& text : strokes.texts) {
+        if (!strokes.run.MayContinue()) break;
+        text.stroke.text = strokes.characters.data() + text.offset;
+        strokes.gdi.text(strokes.gdi, text.stroke);
+    }
+    strokes.texts.clear();
+    strokes.characters.clear();
+}
+
+static void KeepText(StrokeTarget& target, const TextStroke& stroke) {
+    constexpr std::size_t kMostTexts = 2048, kMostCharacters = 1 << 16;
+    auto& strokes = static_cast<CanvasStrokes&>(target);
+    strokes.texts.push_back({stroke, strokes.characters.size()});
+    strokes.characters.append(stroke.text, stroke.length);
+    if (strokes.texts.size() >= kMostTexts || strokes.characters.size() >= kMostCharacters) DrawWaitingTexts(strokes);
+}
+
+static void DrawDot(StrokeTarget& target, unsigned pen, PixelPoint centre, std::int32_t radius) {
+    auto& strokes = static_cast<CanvasStrokes&>(target);
+    if (IsSolidPen(pen)) return strokes.solidDot(target, pen, centre, radius);
+    strokes.gdi.dot(strokes.gdi, pen, centre, radius);
+}
+
+CanvasStrokes::CanvasStrokes(HDC dc, TextFonts* fonts, UniquePen* pens, const DrawingSink& sink)
+    : gdi(dc, fonts, pens), run(sink) {}
+
+// ---- The bitmap
+
+// How the bits stand: one a pixel or 32, from the top down.
+struct SectionInfo {
+    BITMAPINFOHEADER header;
+    RGBQUAD colours[2];
+};
+static SectionInfo InfoOf(const Canvas& canvas) {
+    // For a target without area CreatePreviewBitmap gives one pixel.
+    const LONG width = std::max(canvas.target.right - canvas.target.left, 1L);
+    const LONG height = std::max(canvas.target.bottom - canvas.target.top, 1L);
+    const WORD depth = canvas.renderMode & kRenderColor ? 32 : 1;
+    return {{sizeof(BITMAPINFOHEADER), width, -height, 1, depth, BI_RGB, 0, 0, 0, 0, 0}, {{}, {255, 255, 255, 0}}};
+}
+
+static void WipeCanvas(Canvas* canvas) {
+    canvas->strokes->texts.clear();
+    canvas->strokes->characters.clear();
+    FillRect(canvas->dc.get(), &canvas->target, canvas->white.get());
+    GdiFlush();  // before any ink that GDI does not know of
+}
+
 bool OpenCanvas(Canvas* canvas) {
-    const WindowDc screen(nullptr);
-    if (!screen.dc) return false;
-    canvas->dc.reset(CreateCompatibleDC(screen.dc));
-    canvas->bitmap.reset(CreatePreviewBitmap(screen.dc, canvas->renderMode, canvas->target));
+    const SectionInfo info = InfoOf(*canvas);
+    void* bits = nullptr;
+    canvas->dc.reset(CreateCompatibleDC(nullptr));
+    canvas->section.reset(
+        CreateDIBSection(nullptr, reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS, &bits, nullptr, 0));
     canvas->black.reset(CreateSolidBrush(RGB(0, 0, 0)));
     canvas->white.reset(CreateSolidBrush(RGB(255, 255, 255)));
-    if (!canvas->dc || !canvas->bitmap || !canvas->black || !canvas->white) return false;
+    if (!canvas->dc || !canvas->section || !canvas->black || !canvas->white) return false;
 
-    const LOGBRUSH black = {BS_SOLID, RGB(0, 0, 0), 0};
-    for (int i = 0; i < kPenCount; ++i) {
-        canvas->pens[i].reset(ExtCreatePen(PS_COSMETIC | kPenStyles[i], 1, &black, 0, nullptr));
-    }
     const HDC dc = canvas->dc.get();
-    canvas->originalBitmap = SelectObject(dc, canvas->bitmap.get());
-    FillRect(dc, &canvas->target, canvas->white.get());
+    canvas->strokes.emplace(dc, &canvas->textFonts, canvas->pens, *canvas);
+    if (!OpenRaster(&*canvas->strokes, bits, info.header.biWidth, -info.header.biHeight, info.header.biBitCount)) {
+        canvas->strokes.reset();
+        return false;
+    }
+    SelectObject(dc, canvas->section.get());
+    canvas->strokes->solidDot = std::exchange(canvas->strokes->dot, DrawDot);
+    canvas->strokes->text = KeepText;
+    WipeCanvas(canvas);
     SelectObject(dc, canvas->black.get());  // fills arrowheads and dots
     SetTextColor(dc, RGB(0, 0, 0));
     SetBkMode(dc, TRANSPARENT);
-    canvas->strokes.emplace(dc, &canvas->textFont, canvas->pens);
     return true;
 }
 
@@ -44,7 +101,7 @@ static bool FitCanvas(DrawingSink& sink, const WorldRect& extents, DrawingSink::
     if (!canvas.strokes) {
         if (!OpenCanvas(&canvas)) return false;
     } else if (mode == DrawingSink::kWipe) {
-        FillRect(canvas.dc.get(), &target, canvas.white.get());
+        WipeCanvas(&canvas);
     }
     FitViewTransform(extents, {target.left, target.top, target.right, target.bottom}, &canvas.view);
     return true;
@@ -59,8 +116,18 @@ Canvas::Canvas(DWORD mode, const RECT& rect)
       renderMode(mode),
       target(rect) {}
 
-HBITMAP ReleaseCanvasBitmap(Canvas* canvas) {
+HBITMAP TakeCanvasBitmap(Canvas* canvas) {
     if (!canvas->strokes) return nullptr;
-    SelectObject(canvas->dc.get(), canvas->originalBitmap);
-    return canvas->bitmap.release();
+    DrawWaitingTexts(*canvas->strokes);
+    const WindowDc screen(nullptr);
+    if (!screen.dc || !canvas->MayContinue()) return nullptr;
+    UniqueBitmap bitmap(CreatePreviewBitmap(screen.dc, canvas->renderMode, canvas->target));
+    const SectionInfo info = InfoOf(*canvas);
+    const Raster& raster = *canvas->strokes;
+    GdiFlush();
+    if (!bitmap || !SetDIBits(screen.dc, bitmap.get(), 0, static_cast<UINT>(raster.height), raster.bits,
+                              reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS)) {
+        return nullptr;
+    }
+    return bitmap.release();
 }

@@ -1,14 +1,32 @@
 #include "preview/drawing/renderer.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "frame/services.h"
 #include "resources/resource.h"
+
+// Cosmetic pens: one pixel wide, black.
+static constexpr DWORD kPenStyles[kPenCount] = {
+    PS_SOLID, PS_SOLID, PS_DASH,  PS_DASHDOT, PS_DASHDOTDOT, PS_DOT,   PS_ALTERNATE, PS_SOLID,
+    PS_SOLID, PS_SOLID, PS_SOLID, PS_SOLID,   PS_SOLID,      PS_SOLID, PS_SOLID,     PS_SOLID,
+};
+
+bool IsSolidPen(unsigned pen) { return kPenStyles[pen] == PS_SOLID; }
+
+UniquePen MakePen(unsigned pen) {
+    const LOGBRUSH black = {BS_SOLID, RGB(0, 0, 0), 0};
+    return UniquePen(ExtCreatePen(PS_COSMETIC | kPenStyles[pen], 1, &black, 0, nullptr));
+}
 
 static GdiStrokes& Gdi(StrokeTarget& target) { return static_cast<GdiStrokes&>(target); }
 
 // The context with the pen selected; one that could not be made leaves the selection as it is.
 static HDC WithPen(StrokeTarget& target, unsigned pen) {
     GdiStrokes& gdi = Gdi(target);
-    if (gdi.pens && pen != gdi.selected && gdi.pens[pen]) {
+    if (!gdi.pens || pen == gdi.selected) return gdi.dc;
+    if (!gdi.pens[pen]) gdi.pens[pen] = MakePen(pen);
+    if (gdi.pens[pen]) {
         SelectObject(gdi.dc, gdi.pens[pen].get());
         gdi.selected = pen;
     }
@@ -40,7 +58,7 @@ static void FillDot(StrokeTarget& target, unsigned pen, PixelPoint centre, std::
           right, centre.y);
 }
 
-static UniqueFont MakeTextFont(const TextStroke& text) {
+UniqueFont MakeTextFont(const TextStroke& text) {
     LOGFONTA font = {};
     font.lfHeight = -text.height;
     font.lfWidth = text.width;
@@ -52,35 +70,44 @@ static UniqueFont MakeTextFont(const TextStroke& text) {
     return UniqueFont(CreateFontIndirectA(&font));
 }
 
-// Selects the font for a text, a new one only when the last one does not fit; false when there is none.
-static bool SelectTextFont(HDC dc, const TextStroke& text, TextFont* last) {
-    if (last->font && last->height == text.height && last->width == text.width && last->escapement == text.escapement) {
+// Selects the font for a text, a new one only when none of the last ones fits; false when there is none.
+static bool SelectTextFont(HDC dc, const TextStroke& text, TextFonts* fonts) {
+    auto& entries = fonts->entries;
+    const auto found = std::find_if(std::begin(entries), std::end(entries), [&](const TextFonts::Entry& entry) {
+        return entry.font && entry.height == text.height && entry.width == text.width &&
+               entry.escapement == text.escapement;
+    });
+    if (found == std::begin(entries)) return true;
+    if (found != std::end(entries)) {
+        SelectObject(dc, found->font.get());
+        std::rotate(std::begin(entries), found, found + 1);
         return true;
     }
     UniqueFont font = MakeTextFont(text);
     if (!font || !SelectObject(dc, font.get())) return false;
-    *last = {text.height, text.width, text.escapement, std::move(font)};  // the one before is no longer selected
+    std::rotate(std::begin(entries), std::end(entries) - 1, std::end(entries));
+    entries[0] = {text.height, text.width, text.escapement, std::move(font)};  // the oldest is not selected and goes
     return true;
 }
 
 static void WriteText(StrokeTarget& target, const TextStroke& text) {
     const HDC dc = Gdi(target).dc;
-    if (!SelectTextFont(dc, text, Gdi(target).font)) return;
+    if (!SelectTextFont(dc, text, Gdi(target).fonts)) return;
     const int previousExtra = SetTextCharacterExtra(dc, text.extra);
     TextOutA(dc, text.at.x, text.at.y, text.text, static_cast<int>(text.length));
     SetTextCharacterExtra(dc, previousExtra);
 }
 
-GdiStrokes::GdiStrokes(HDC context, TextFont* textFont, const UniquePen* sixteenPens)
+GdiStrokes::GdiStrokes(HDC context, TextFonts* textFonts, UniquePen* sixteenPens)
     : StrokeTarget{SetPixelAt, StrokeLine, StrokeArc, nullptr, nullptr, FillPolygon, FillDot, WriteText},
       dc(context),
-      font(textFont),
+      fonts(textFonts),
       pens(sixteenPens) {}
 
 int DrawPreviewPrimitive(HDC dc, const ViewTransform& view, PreviewPrimitive& primitive) {
-    TextFont font;
+    TextFonts fonts;
     const Selection restore(dc, GetCurrentObject(dc, OBJ_FONT));
-    GdiStrokes strokes(dc, &font);
+    GdiStrokes strokes(dc, &fonts);
     DrawElement(strokes, view, primitive, 0);
     return 1;
 }

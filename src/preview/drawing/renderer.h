@@ -6,19 +6,31 @@
 #include "kit/handles.h"
 #include "preview/drawing/strokes.h"
 
-// The font of the last text, kept so that a like text need not make it again. It stays selected into its device
-// context, so it must outlive that context or its selection.
-struct TextFont {
-    std::int32_t height = 0, width = 0, escapement = 0;  // pixels, pixels, tenths of a degree
-    UniqueFont font;
+// The fonts of the last texts, the last one first: drawings go to and fro between a few sizes and angles. The first
+// stays selected into its device context, so they must outlive that context or its selection.
+struct TextFonts {
+    struct Entry {
+        std::int32_t height = 0, width = 0, escapement = 0;  // pixels, pixels, tenths of a degree
+        UniqueFont font;
+    };
+    Entry entries[8];
 };
+
+// A canvas's pen, and whether it draws without gaps.
+UniquePen MakePen(unsigned pen);
+bool IsSolidPen(unsigned pen);
+
+// Null when it cannot be made.
+UniqueFont MakeTextFont(const TextStroke& text);
 
 // Strokes on a device context.
 struct GdiStrokes : StrokeTarget {
-    GdiStrokes(HDC context, TextFont* textFont, const UniquePen* sixteenPens = nullptr);
+    // With `sixteenPens`, which are made as they are needed, strokes select their pen; without, they take the one that
+    // is selected already.
+    GdiStrokes(HDC context, TextFonts* textFonts, UniquePen* sixteenPens = nullptr);
     const HDC dc;
-    TextFont* const font;
-    const UniquePen* const pens;  // kPenCount of them, or null: strokes take the pen that is selected already
+    TextFonts* const fonts;
+    UniquePen* const pens;
     unsigned selected = kPenCount;
 };
 

@@ -313,15 +313,31 @@ bool TakeDxfLine(DxfState& dxf, ByteView line) {
     return ActOnLine(dxf, code, line);
 }
 
+// Takes a line of three characters below 128, which half of the lines are: group codes. Longer ones have to be searched
+// for their end. False, with the walk as it was, when the next line is another.
+bool TakeGroupCode(LineWalk* walk, ByteView* line) {
+    const std::uint8_t* const at = walk->next;
+    if (walk->end - at < 6 || at[3] != '\r' || at[4] != '\n' || at[5] < ' ') return false;
+    const std::uint32_t head = HeadOf(at[0], at[1], at[2]);
+    if ((head & 0x808080) != 0 || ((head | head << 1) & 0x404040) != 0x404040) return false;  // control characters
+    *line = {at, 3};
+    walk->next = at + 5;
+    return true;
+}
+
 }  // namespace
 
 bool DecodeDxf(ByteView file, Comment* comment, DrawingSink* sink) {
     if (!sink || !sink->fit(*sink, kDefaultSheet, DrawingSink::kWipe)) return false;
     DxfState dxf(*sink);
     LineWalk walk = {file.data, file.data + file.size};
+    bool hasRoom = true;  // once it is full it stays so
     ByteView line;
-    while (TakeLine(&walk, &line)) {
-        AppendCommentLine(comment, line);
+    while (TakeGroupCode(&walk, &line) || TakeLine(&walk, &line)) {
+        if (hasRoom) {
+            AppendCommentLine(comment, line);
+            hasRoom = comment->room > 4;
+        }
         if (line.size == 0 || line.data[0] == ';') continue;
         if (!sink->MayContinue()) return false;
         if (!TakeDxfLine(dxf, line)) break;

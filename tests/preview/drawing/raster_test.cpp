@@ -1,0 +1,112 @@
+#include "preview/drawing/raster.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+
+namespace {
+
+// Bits of their own size on the heap, so that a sanitizer sees the first one beside them.
+struct Sheet {
+    std::vector<std::uint32_t> bits;
+    Raster raster;
+    int depth;
+
+    Sheet(int width, int height, int bitsPerPixel) : depth(bitsPerPixel) {
+        const int words = depth == 1 ? (width + 31) / 32 : width;
+        bits.assign(static_cast<std::size_t>(words * height), 0xFFFFFFFFu);
+        EXPECT_TRUE(OpenRaster(&raster, bits.data(), width, height, depth));
+    }
+    bool IsBlack(int x, int y) const {
+        const int at = y * raster.pitch + x;
+        if (depth == 32) return bits[static_cast<std::size_t>(at)] == 0;
+        return (reinterpret_cast<const std::uint8_t*>(bits.data())[at / 8] >> (7 - at % 8) & 1) == 0;
+    }
+    // A part of it, a row a line.
+    std::string Picture(int left, int top, int width, int height) const {
+        std::string text;
+        for (int y = top; y < top + height; ++y) {
+            for (int x = left; x < left + width; ++x) text += IsBlack(x, y) ? '#' : '.';
+            text += '\n';
+        }
+        return text;
+    }
+};
+
+constexpr int kWidth = 45, kHeight = 33, kAround = 60;
+
+// One stroke of a kind with points within kAround pixels around a sheet of that size, moved by (dx, dy).
+void DrawStroke(StrokeTarget& to, unsigned seed, int dx, int dy) {
+    std::minstd_rand random(seed + 1);
+    random.discard(3);
+    const auto point = [&] {
+        const int x = static_cast<int>(random() % (kWidth + 2 * kAround)) - kAround;
+        const int y = static_cast<int>(random() % (kHeight + 2 * kAround)) - kAround;
+        return PixelPoint{x + dx, y + dy};
+    };
+    PixelPoint points[7];
+    for (PixelPoint& p : points) p = point();
+    const std::size_t counts[] = {4, 3};
+    const auto radius = static_cast<std::int32_t>(2 + random() % kAround);
+    switch (seed % 8) {
+        case 0: to.pixel(to, points[0]); break;
+        case 1: to.line(to, 0, points[0], points[1]); break;
+        case 2: to.polyline(to, 0, points, 7); break;
+        case 3: to.arc(to, 0, points[0], radius, points[1], points[2]); break;
+        case 4: to.arc(to, 0, points[0], radius, points[1], points[1]); break;
+        case 5: to.dot(to, 0, points[0], radius); break;
+        case 6: to.polygon(to, 0, points, 3 + random() % 4); break;
+        default: to.area(to, points, counts, 2); break;
+    }
+}
+
+}  // namespace
+
+// What lies outside leaves the rest as it is: on a sheet large enough for every stroke the same pixels are set.
+TEST(Raster, ClippedStrokesKeepTheirPixels) {
+    constexpr int kMargin = 2 * kAround + 2;
+    for (const int depth : {1, 32}) {
+        Sheet sheet(kWidth, kHeight, depth), large(kWidth + 2 * kMargin, kHeight + 2 * kMargin, 33 - depth);
+        int inked = 0;
+        for (unsigned seed = 0; seed < 4000; ++seed) {
+            DrawStroke(sheet.raster, seed, 0, 0);
+            DrawStroke(large.raster, seed, kMargin, kMargin);
+            const std::string picture = sheet.Picture(0, 0, kWidth, kHeight);
+            ASSERT_EQ(picture, large.Picture(kMargin, kMargin, kWidth, kHeight)) << "stroke " << seed;
+            inked += picture.find('#') != std::string::npos;
+            for (Sheet* used : {&sheet, &large}) std::fill(used->bits.begin(), used->bits.end(), 0xFFFFFFFFu);
+        }
+        EXPECT_GT(inked, 1500);
+    }
+}
+
+TEST(Raster, StrokesFromTheEndsOfTheSpace) {
+    constexpr std::int32_t kFar = (1 << 27) - 1;
+    Sheet sheet(kWidth, kHeight, 1);
+    StrokeTarget& to = sheet.raster;
+    const std::size_t counts[] = {4};
+    const PixelPoint corners[] = {{-kFar, -kFar}, {kFar, -kFar}, {kFar, kFar}, {-kFar, kFar}};
+    for (const PixelPoint a : corners) {
+        for (const PixelPoint b : corners) to.line(to, 0, a, b);
+        to.arc(to, 0, {22, 16}, 32766, a, {0, 0});
+        to.arc(to, 0, a, 32766, a, a);
+    }
+    EXPECT_EQ(sheet.Picture(0, 0, 3, 3), "#..\n.#.\n..#\n") << "only the diagonals come near";
+    Sheet filled(kWidth, kHeight, 1);
+    filled.raster.dot(filled.raster, 0, corners[0], 0x7FFFFFFF);
+    to.area(to, corners, counts, 1);
+    for (const Sheet* black : {&sheet, &filled}) {
+        EXPECT_EQ(black->Picture(0, 0, kWidth, kHeight).find('.'), std::string::npos);
+    }
+}
+
+TEST(Raster, RefusesWhatItCannotHold) {
+    Raster raster;
+    std::uint32_t bits[4] = {};
+    EXPECT_FALSE(OpenRaster(&raster, bits, 1, 1, 24));
+    EXPECT_FALSE(OpenRaster(&raster, bits, 0, 1, 1));
+    EXPECT_FALSE(OpenRaster(&raster, bits, 1 << 16, 1 << 15, 32));
+    EXPECT_FALSE(OpenRaster(&raster, nullptr, 1, 1, 1));
+}
