@@ -8,8 +8,11 @@
 #include "kit/handles.h"
 #include "kwbench.h"
 
+// The size of a preview pane.
+constexpr RECT kPaneTarget = {0, 0, 300, 200};
+
 // Calls the reader of the drawing's format, in colour.
-UniqueBitmap Preview(const Drawing& drawing, int width = 300, int height = 200);
+UniqueBitmap Preview(const Drawing& drawing, int width = kPaneTarget.right, int height = kPaneTarget.bottom);
 
 // Reads the numbers of a text as its reader must, and does nothing with them; the sum keeps the conversions from being
 // left out.
