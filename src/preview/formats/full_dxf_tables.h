@@ -1,0 +1,71 @@
+// What a DXF file says before and beside its entities: header, layers, line types, text styles and blocks. A table
+// holds places in the file, and a row is read again where it is needed.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <vector>
+
+#include "preview/formats/full_dxf_tokens.h"
+
+// The groups of one record, each code's first value. Codes from 256 up are nobody's; those behind an embedded object's
+// mark belong to that object.
+struct DxfGroups {
+    const DxfForm* form = nullptr;
+    std::size_t begin = 0;  // of its pairs, behind the one that names it
+    bool Has(int code) const { return present[code >> 6] >> (code & 63) & 1; }
+    ByteView Text(int code) const { return Has(code) ? values[code] : ByteView{}; }
+    double Number(int code, double missing = 0) const {
+        return Has(code) ? DxfNumber(*form, code, values[code]) : missing;
+    }
+    int Integer(int code, int missing = 0) const;  // clamped to +-2^30
+
+    // Reads a record's pairs and leaves the reader before the next record.
+    void Read(DxfReader* reader);
+
+private:
+    static constexpr int kCodes = 256;
+    std::uint64_t present[kCodes / 64] = {};
+    ByteView values[kCodes];
+};
+
+// The pairs of a record again, for what it holds more than once. False at its end.
+bool NextInRecord(DxfReader* reader, DxfPair* pair);
+
+// Records by name.
+struct DxfNames {
+    struct Row {
+        std::uint32_t hash;
+        std::uint32_t begin;  // of the record's pairs
+        std::uint32_t name;   // the pair that names it
+        std::uint32_t value;  // what the table's owner makes of it
+    };
+    std::vector<Row> rows;  // sorted by hash once the table is whole
+
+    void Add(ByteView name, std::size_t begin, std::size_t pair);
+    void Sort();
+    const Row* Find(const DxfForm& form, ByteView name) const;
+};
+
+enum LayerFlag : std::uint32_t { kLayerPen = 15, kLayerOff = 16, kLayerFrozen = 32 };
+
+constexpr std::size_t kNowhere = SIZE_MAX;
+
+struct DxfTables {
+    DxfNames layers;     // value: LayerFlag
+    DxfNames lineTypes;  // value: pen
+    DxfNames styles;
+    DxfNames blocks;
+
+    int version = 0;  // the number in "AC1015"; 0: not stated
+    ByteView codePage, title;
+    int units = 0;            // $INSUNITS
+    std::size_t remarks = kNowhere;  // the first one's pair
+
+    bool hasSections = false;
+    std::size_t entities = kNowhere;  // where they begin
+    std::size_t entityCount = 0, layerCount = 0, blockCount = 0;
+};
+
+// Goes through the whole file once; ends early when `goOn`, which may be null, is no longer 1.
+DxfTables SurveyDxf(const DxfForm& form, const std::atomic<std::int32_t>* goOn);
