@@ -10,8 +10,8 @@
 #include "gallery/gallery.h"
 #include "kwdialogs.h"
 #include "preview/dispatch.h"
+#include "preview/drawing/placeholder.h"
 #include "preview/file_type.h"
-#include "preview/renderer.h"
 #include "resources/resource.h"
 
 namespace {

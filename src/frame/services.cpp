@@ -181,7 +181,7 @@ HGLOBAL WINAPI LoadFileToGlobal(const char* path) {
 
 // ---- Workers
 
-std::atomic<LONG> PreviewCancelFlag = 0;
+std::atomic<std::int32_t> PreviewCancelFlag = 0;
 
 int WINAPI PreviewCancel(int value) {
     if (value == 0 || value == 1) return PreviewCancelFlag.exchange(value);

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 
 // A resource string through the process-wide cache; null when the module has none of that id, or an empty one.
 // The text, at most 126 characters, stays valid until the cache is flushed: copy it or use it at once.
@@ -36,7 +37,7 @@ HGLOBAL WINAPI LoadFileToGlobal(const char* path);
 // The one value that the dialogs share with their workers: 1 lets the running reader go on, all else stops it.
 // Value 0 or 1 stores it and returns the value before; any other value only reads.
 int WINAPI PreviewCancel(int value);
-extern std::atomic<LONG> PreviewCancelFlag;  // for the readers' loops, which ask it millions of times
+extern std::atomic<std::int32_t> PreviewCancelFlag;  // for the readers' loops, which ask it millions of times
 
 // Stops the running reader and keeps the dialog's messages flowing, until all of `bits` are clear in `word`; before
 // each pass `requestBits` are set in it. A WM_QUIT that passes by is posted again at the end.

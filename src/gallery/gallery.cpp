@@ -13,8 +13,8 @@
 #include "kit/layout.h"
 #include "kit/paths.h"
 #include "preview/dispatch.h"
+#include "preview/drawing/placeholder.h"
 #include "preview/file_type.h"
-#include "preview/renderer.h"
 #include "resources/resource.h"
 
 namespace {

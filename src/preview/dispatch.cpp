@@ -1,35 +1,36 @@
 #include "preview/dispatch.h"
 
-#include "preview/backup_reader.h"
-#include "preview/bitmap_reader.h"
 #include "preview/command_reader.h"
-#include "preview/comment_readers.h"
-#include "preview/dxf_reader.h"
-#include "preview/native_reader.h"
-#include "preview/text_reader.h"
 
 namespace {
 
+enum Place : unsigned { kPane = 1, kGallery = 2, kCommand = 4 };
+
 struct DispatchRow {
     FileTypeCode code;
-    PreviewReader pane;
-    PreviewReader gallery;
+    unsigned places;
+    PreviewReader reader;
+    const PreviewFormat* format = nullptr;
 };
+template <const PreviewFormat& format>
+constexpr DispatchRow Shows(FileTypeCode code, unsigned places) {
+    return {code, places, ReadFormat<format>, &format};
+}
 
 constexpr DispatchRow kDispatch[] = {
-    {FT_LUMOS, ReadNativePreview, ReadNativePreview},
-    {FT_QA, ReadNativePreview, ReadNativePreview},
-    {FT_QJ, ReadQjComment, ReadQjComment},
-    {FT_QF, ReadQfComment, ReadQfComment},
-    {FT_DXF, ReadDxfPreview, ReadDxfPreview},
-    {FT_EXF, ReadTextDrawing, ReadTextDrawing},
-    {FT_DLL, ReadVersionComment, nullptr},
-    {FT_EXE, ReadVersionComment, nullptr},
-    {FT_BMP, ReadBitmapFile, nullptr},
-    {FT_TEXT, ReadTextComment, ReadTextComment},
-    {FT_NCPROGRAM, ReadNcComment, ReadNcComment},
-    {FT_BACKUP, ReadBackupDrawing, ReadBackupDrawing},
-    {FT_COMMAND, PreviewCommandFile, PreviewCommandFile},
+    Shows<kNativeFormat>(FT_LUMOS, kPane | kGallery | kCommand),
+    Shows<kNativeFormat>(FT_QA, kPane | kGallery | kCommand),
+    Shows<kQjFormat>(FT_QJ, kPane | kGallery),
+    Shows<kQfFormat>(FT_QF, kPane | kGallery),
+    Shows<kDxfFormat>(FT_DXF, kPane | kGallery | kCommand),
+    Shows<kTextFormat>(FT_EXF, kPane | kGallery | kCommand),
+    {FT_DLL, kPane, ReadVersionComment},
+    {FT_EXE, kPane, ReadVersionComment},
+    Shows<kBitmapFormat>(FT_BMP, kPane),
+    Shows<kPlainTextFormat>(FT_TEXT, kPane | kGallery),
+    {FT_NCPROGRAM, kPane | kGallery, ReadNcComment},
+    Shows<kBackupFormat>(FT_BACKUP, kPane | kGallery),
+    {FT_COMMAND, kPane | kGallery, PreviewCommandFile},
 };
 
 const DispatchRow* FindRow(FileTypeCode code) {
@@ -39,14 +40,18 @@ const DispatchRow* FindRow(FileTypeCode code) {
     return nullptr;
 }
 
-}  // namespace
-
-PreviewReader PaneReaderFor(FileTypeCode code) {
+PreviewReader ReaderFor(FileTypeCode code, Place place) {
     const DispatchRow* row = FindRow(code);
-    return row ? row->pane : nullptr;
+    return row && (row->places & place) ? row->reader : nullptr;
 }
 
-PreviewReader GalleryReaderFor(FileTypeCode code) {
+}  // namespace
+
+PreviewReader PaneReaderFor(FileTypeCode code) { return ReaderFor(code, kPane); }
+PreviewReader GalleryReaderFor(FileTypeCode code) { return ReaderFor(code, kGallery); }
+PreviewReader CommandReaderFor(FileTypeCode code) { return ReaderFor(code, kCommand); }
+
+const PreviewFormat* FormatOf(FileTypeCode code) {
     const DispatchRow* row = FindRow(code);
-    return row ? row->gallery : nullptr;
+    return row ? row->format : nullptr;
 }

@@ -4,6 +4,12 @@
 #include "preview/file_type.h"
 #include "preview/reader.h"
 
-// The reader of the file dialog's pane and of the gallery for a kind; null when the kind has nothing to show there.
+// The reader of the file dialog's pane, of the gallery, and for what a command file names; null when the kind has
+// nothing to show there. What a command file names in its turn is not followed.
 PreviewReader PaneReaderFor(FileTypeCode code);
 PreviewReader GalleryReaderFor(FileTypeCode code);
+PreviewReader CommandReaderFor(FileTypeCode code);
+
+// How the pane shows a kind whose bytes are in memory already, for PreviewBytes; null for kinds that show nothing or
+// need a file: programs and command files.
+const PreviewFormat* FormatOf(FileTypeCode code);

@@ -1,37 +1,31 @@
 #include "preview/reader.h"
 
-#include <algorithm>
+#include <cstdio>
 #include <cstring>
 
-Comment BeginComment(char* commentOut, DWORD commentSize) {
+#include "frame/services.h"
+#include "kit/file_version.h"
+
+// ---- Comments
+
+Comment ContinueComment(char* commentOut, DWORD commentSize) {
+    if (!commentOut || commentSize == 0) return {};
+    return {commentOut, commentSize, CopyResString};
+}
+
+// Zeroes the caller's buffer and begins a comment in it.
+static Comment BeginComment(char* commentOut, DWORD commentSize) {
     if (commentOut) std::memset(commentOut, 0, commentSize);
     return ContinueComment(commentOut, commentSize);
 }
 
-Comment ContinueComment(char* commentOut, DWORD commentSize) {
-    if (!commentOut || commentSize == 0) return {};
-    return {commentOut, static_cast<long>(std::min<DWORD>(commentSize, 0x7FFFFFFF))};
-}
+// ---- Files
 
-// Copies and moves on; the buffer is zero behind the end already.
-static void Append(Comment* comment, const void* bytes, std::size_t size) {
-    std::memcpy(comment->end, bytes, size);
-    comment->end += size;
-    comment->room -= static_cast<long>(size);
-}
-
-void AppendFittingLine(Comment* comment, ByteView line) {
-    Append(comment, line.data, line.size);
-    Append(comment, "\r\r\n", 3);
-}
-
-void AppendComment(Comment* comment, ByteView text) {
-    if (comment->room <= 1) return;
-    Append(comment, text.data, std::min(text.size, static_cast<std::size_t>(comment->room) - 1));
-}
-
-void AppendComment(Comment* comment, const char* text) {
-    AppendComment(comment, ByteView{reinterpret_cast<const std::uint8_t*>(text), std::strlen(text)});
+// Deliberate: the zero that ends a text is written over its last byte. Written behind it, a text that does not end in a
+// line break would show one character more.
+static ByteView EndText(std::uint8_t* bytes, std::size_t size) {
+    bytes[size - 1] = 0;
+    return {bytes, size};
 }
 
 LoadedFile::LoadedFile(const char* fileName) : block(LoadFileToGlobal(fileName)) {
@@ -41,38 +35,63 @@ LoadedFile::LoadedFile(const char* fileName) : block(LoadFileToGlobal(fileName))
     if (size == 0) data = nullptr;
 }
 
-void LoadedFile::FreeAside() {
-    constexpr std::size_t kSlowToFree = 1 << 20;
-    if (!block || size < kSlowToFree) return;
-    while (GlobalUnlock(block)) {}
-    data = nullptr;
-    size = 0;
-    if (StartModuleThread([](void* memory) { GlobalFree(memory); }, block)) block = nullptr;
-}
-
 LoadedFile::~LoadedFile() {
     if (!block) return;
     while (GlobalUnlock(block)) {}  // the loader's lock and ours
     GlobalFree(block);
 }
 
-HBITMAP RunDrawingReader(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
-                         DWORD commentSize, bool (*decode)(DrawingRun&)) {
-    const Comment comment = BeginComment(commentOut, commentSize);
-    PreviewCancel(1);
-    HBITMAP bitmap = nullptr;
-    {
-        DrawingRun run = {renderMode, target, comment, LoadedFile(fileName), {}};
-        if (run.file.data && decode(run)) bitmap = ReleaseCanvasBitmap(&run.canvas);
-        if (!MayContinue()) run.file.FreeAside();
+ByteView LoadedFile::AsText() const { return EndText(data, size); }
+
+// ---- Readers
+
+static HBITMAP Decode(const PreviewFormat& format, std::uint8_t* bytes, std::size_t size, const PreviewRequest& request,
+                      Comment comment) {
+    if (size == 0) return nullptr;
+    const ByteView file = format.isText ? EndText(bytes, size) : ByteView{bytes, size};
+    if (format.manner == PreviewFormat::kPicture) return BitmapFromDibFile(file);
+    if (format.manner == PreviewFormat::kComment || !request.target) {
+        format.decode(file, &comment, nullptr);
+        return nullptr;
     }
-    PreviewCancel(0);
+    Canvas canvas(request.renderMode, *request.target);
+    return format.decode(file, &comment, &canvas) ? ReleaseCanvasBitmap(&canvas) : nullptr;
+}
+
+// What all formats share; `decode` gets the cleared comment. All that a run has made is free before the flag falls.
+template <typename Work>
+static HBITMAP RunReader(const PreviewFormat& format, const PreviewRequest& request, Work decode) {
+    const Comment comment = BeginComment(request.commentOut, request.commentSize);
+    if (format.manner == PreviewFormat::kTargetedDrawing && !request.target) return nullptr;
+    const bool isDrawing = format.manner == PreviewFormat::kDrawing || format.manner == PreviewFormat::kTargetedDrawing;
+    if (isDrawing) PreviewCancel(1);
+    const HBITMAP bitmap = decode(comment);
+    if (isDrawing) PreviewCancel(0);
     return bitmap;
 }
 
-HBITMAP RunTargetedReader(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
-                          DWORD commentSize, bool (*decode)(DrawingRun&)) {
-    if (target) return RunDrawingReader(renderMode, fileName, target, commentOut, commentSize, decode);
-    BeginComment(commentOut, commentSize);
+HBITMAP PreviewFile(const PreviewFormat& format, const char* fileName, const PreviewRequest& request) {
+    return RunReader(format, request, [&](const Comment& comment) {
+        const LoadedFile file(fileName);
+        return file.data ? Decode(format, file.data, file.size, request, comment) : nullptr;
+    });
+}
+
+HBITMAP PreviewBytes(const PreviewFormat& format, std::uint8_t* bytes, std::size_t size,
+                     const PreviewRequest& request) {
+    return RunReader(format, request,
+                     [&](const Comment& comment) { return Decode(format, bytes, size, request, comment); });
+}
+
+HBITMAP ReadVersionComment(DWORD, const char* fileName, const RECT*, char* commentOut, DWORD commentSize) {
+    Comment comment = BeginComment(commentOut, commentSize);
+    VS_FIXEDFILEINFO version;
+    if (!ReadFileVersion(fileName, &version)) return nullptr;
+    char text[64];
+    std::snprintf(text, sizeof(text), "Version %d.%d.%d", HIWORD(version.dwFileVersionMS),
+                  LOWORD(version.dwFileVersionMS), HIWORD(version.dwFileVersionLS));
+    AppendComment(&comment, text);
     return nullptr;
 }
+
+HBITMAP ReadNcComment(DWORD, const char*, const RECT*, char*, DWORD) { return nullptr; }

@@ -5,9 +5,13 @@
 
 #include <cstddef>
 
-#include "frame/services.h"
-#include "kit/bytes.h"
-#include "preview/canvas.h"
+#include "kit/dib.h"
+#include "preview/drawing/canvas.h"
+#include "preview/formats/backup.h"
+#include "preview/formats/comments.h"
+#include "preview/formats/dxf.h"
+#include "preview/formats/native.h"
+#include "preview/formats/text.h"
 
 // Reads `fileName` and draws it into a bitmap of the target's size, which the caller then owns.
 //   renderMode               kRenderColor, kRenderTextFrames
@@ -18,27 +22,63 @@
 using PreviewReader = HBITMAP (*)(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
                                   DWORD commentSize);
 
-// A comment being filled. The room counts the bytes left, the ending zero included.
-struct Comment {
-    char* end = nullptr;  // where the next text goes; null when no comment is wanted
-    long room = 0;
+// What a caller of a reader wants, but for the file.
+struct PreviewRequest {
+    DWORD renderMode;
+    const RECT* target;
+    char* commentOut;
+    DWORD commentSize;
 };
 
-// Zeroes the caller's buffer and begins a comment in it.
-Comment BeginComment(char* commentOut, DWORD commentSize);
+// How a kind of file is shown.
+struct PreviewFormat {
+    enum Manner {
+        kDrawing,          // drawn, its comment given without a target too; a run that can be cancelled
+        kTargetedDrawing,  // the same, but its comment is made while it is drawn: without a target nothing is read
+        kComment,          // nothing but a text
+        kPicture,          // the file is a bitmap, which keeps its own size
+    };
+    Manner manner;
+    bool isText;     // a zero over the last byte ends the contents
+    Decoder decode;  // null for pictures
+};
+inline constexpr PreviewFormat kNativeFormat = {PreviewFormat::kDrawing, false, DecodeNative};
+inline constexpr PreviewFormat kBackupFormat = {PreviewFormat::kDrawing, false, DecodeBackup};
+inline constexpr PreviewFormat kTextFormat = {PreviewFormat::kTargetedDrawing, true, DecodeTextDrawing};
+inline constexpr PreviewFormat kDxfFormat = {PreviewFormat::kTargetedDrawing, true, DecodeDxf};
+inline constexpr PreviewFormat kQjFormat = {PreviewFormat::kComment, true, DecodeQjComment};
+inline constexpr PreviewFormat kQfFormat = {PreviewFormat::kComment, true, DecodeQfComment};
+inline constexpr PreviewFormat kPlainTextFormat = {PreviewFormat::kComment, true, DecodeTextComment};
+inline constexpr PreviewFormat kBitmapFormat = {PreviewFormat::kPicture, false, nullptr};
 
-// The same in a buffer that the caller has cleared.
-Comment ContinueComment(char* commentOut, DWORD commentSize);
+// Reads a file of a known format.
+HBITMAP PreviewFile(const PreviewFormat& format, const char* fileName, const PreviewRequest& request);
 
-// Appends a line and its soft break when both fit. A line that does not fit is left out; a later, shorter one may fit.
-void AppendFittingLine(Comment* comment, ByteView line);
-inline void AppendCommentLine(Comment* comment, ByteView line) {
-    if (comment->room > 4 && line.size < static_cast<std::size_t>(comment->room) - 4) AppendFittingLine(comment, line);
+// The same for a file that is in memory already. The bytes are the caller's; of a text, the last one is overwritten.
+HBITMAP PreviewBytes(const PreviewFormat& format, std::uint8_t* bytes, std::size_t size, const PreviewRequest& request);
+
+template <const PreviewFormat& format>
+HBITMAP ReadFormat(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut, DWORD commentSize) {
+    return PreviewFile(format, fileName, {renderMode, target, commentOut, commentSize});
 }
+inline constexpr PreviewReader ReadNativePreview = ReadFormat<kNativeFormat>;
+inline constexpr PreviewReader ReadBackupDrawing = ReadFormat<kBackupFormat>;
+inline constexpr PreviewReader ReadTextDrawing = ReadFormat<kTextFormat>;
+inline constexpr PreviewReader ReadDxfPreview = ReadFormat<kDxfFormat>;
+inline constexpr PreviewReader ReadQjComment = ReadFormat<kQjFormat>;
+inline constexpr PreviewReader ReadQfComment = ReadFormat<kQfFormat>;
+inline constexpr PreviewReader ReadTextComment = ReadFormat<kPlainTextFormat>;
+inline constexpr PreviewReader ReadBitmapFile = ReadFormat<kBitmapFormat>;
 
-// Appends as much of a text as fits.
-void AppendComment(Comment* comment, ByteView text);
-void AppendComment(Comment* comment, const char* text);
+// "Version 1.2.3" of an executable's version resource as the comment; nothing when it has none.
+HBITMAP ReadVersionComment(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
+                           DWORD commentSize);
+
+// NC programs: shows nothing and leaves the comment as the caller has cleared it.
+HBITMAP ReadNcComment(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut, DWORD commentSize);
+
+// Begins a comment in a buffer that the caller has cleared.
+Comment ContinueComment(char* commentOut, DWORD commentSize);
 
 // A file's contents in global memory, locked for as long as the record lives. `data` is null when it could not be
 // loaded.
@@ -51,36 +91,6 @@ struct LoadedFile {
     LoadedFile(const LoadedFile&) = delete;
     LoadedFile& operator=(const LoadedFile&) = delete;
 
-    ByteView Bytes() const { return {data, size}; }
-    // Has a big block freed by a thread of its own, as that can take longer than a cancelled run may.
-    void FreeAside();
-
-    // Ends the contents as a string. Deliberate: the zero is written over the block's last byte; text formats end in a
-    // line break.
-    ByteView AsText() const {
-        data[size - 1] = 0;
-        return {data, size};
-    }
+    // Ends the contents as a string.
+    ByteView AsText() const;
 };
-
-// One run of a drawing reader, as its format sees it.
-struct DrawingRun {
-    const DWORD renderMode;
-    const RECT* const target;  // null: the comment alone is wanted
-    Comment comment;
-    LoadedFile file;
-    Canvas canvas;  // not open yet
-};
-
-// True while nobody has cancelled the run.
-inline bool MayContinue() { return PreviewCancelFlag.load(std::memory_order_relaxed) == 1; }
-
-// What all drawing readers share: clear the comment, set the cancel flag to 1, load the file, let `decode` open the
-// canvas and draw, set the flag to 0. The canvas's bitmap is returned when `decode` returns true, else everything is
-// freed.
-HBITMAP RunDrawingReader(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
-                         DWORD commentSize, bool (*decode)(DrawingRun&));
-
-// The same for a format whose comment is made while it draws: without a target the comment is cleared and nothing read.
-HBITMAP RunTargetedReader(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
-                          DWORD commentSize, bool (*decode)(DrawingRun&));

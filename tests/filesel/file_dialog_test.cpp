@@ -8,8 +8,9 @@
 
 #include "frame/module.h"
 #include "frame/services.h"
-#include "preview/dxf_reader.h"
+#include "preview/drawing/placeholder.h"
 #include "preview/file_type.h"
+#include "preview/reader.h"
 #include "resources/resource.h"
 #include "support/dialog_driver.h"
 #include "support/handle_counts.h"

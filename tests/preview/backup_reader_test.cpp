@@ -1,4 +1,4 @@
-#include "preview/backup_reader.h"
+#include "preview/reader.h"
 
 #include <gtest/gtest.h>
 

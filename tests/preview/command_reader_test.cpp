@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "preview/dxf_reader.h"
 #include "support/drawings.h"
 #include "support/picture.h"
 #include "support/samples.h"

@@ -1,7 +1,8 @@
-#include "preview/native_reader.h"
+#include "preview/formats/native.h"
 
 #include <gtest/gtest.h>
 
+#include "preview/reader.h"
 #include "support/drawings.h"
 #include "support/guard_block.h"
 #include "support/picture.h"

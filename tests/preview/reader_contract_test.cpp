@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "frame/services.h"
 #include "preview/dispatch.h"
 #include "support/drawings.h"
 #include "support/guard_block.h"

@@ -1,4 +1,4 @@
-#include "preview/renderer.h"
+#include "preview/drawing/renderer.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,8 @@
 #include <tuple>
 
 #include "frame/services.h"
-#include "preview/canvas.h"
+#include "preview/drawing/canvas.h"
+#include "preview/drawing/placeholder.h"
 #include "resources/resource.h"
 #include "support/drawings.h"
 #include "support/handle_counts.h"
@@ -22,10 +23,9 @@ static constexpr double kInfinity = std::numeric_limits<double>::infinity();
 // What `draw` leaves on a canvas of as many pixels as the world has units; (x, y) is the pixel of column x + 0.5 and of
 // row height - (y - 0.5), both cut.
 static std::string OnCanvas(int width, int height, const std::function<void(Canvas&)>& draw) {
-    Canvas canvas;
-    EXPECT_TRUE(OpenCanvas(&canvas, 0, {0, 0, width, height}));
-    FitCanvas(&canvas, {0, 0, static_cast<double>(width), static_cast<double>(height)});
-    SelectCanvasPen(&canvas, 0);
+    Canvas canvas(0, {0, 0, width, height});
+    const WorldRect sheet = {0, 0, static_cast<double>(width), static_cast<double>(height)};
+    EXPECT_TRUE(canvas.fit(canvas, sheet, DrawingSink::kWipe));
     draw(canvas);
     return TakePicture(ReleaseCanvasBitmap(&canvas));
 }
@@ -33,7 +33,7 @@ static std::string OnCanvas(int width, int height, const std::function<void(Canv
 TEST(ViewTransform, Fits) {
     const struct {
         WorldRect extents;
-        RECT target;
+        PixelRect target;
         WorldRect world;
         double scale;
     } cases[] = {
@@ -53,14 +53,14 @@ TEST(ViewTransform, Fits) {
         EXPECT_EQ(v.canvasBottom, c.target.bottom);
     }
     const ViewTransform view = {0, 0, 20, 10, 5, 7, 45, 27, 2, 2};  // each axis is rounded its own way
-    const std::tuple<double, double, LONG, LONG> points[] = {
+    const std::tuple<double, double, std::int32_t, std::int32_t> points[] = {
         {0.24, 0.25, 5, 27},
         {0.25, 0.74, 6, 27},
         {1, 0.75, 7, 26},
         {-1, -1, 4, 29},
         {1e300, 1e300, INT32_MIN + 5, INT32_MIN + 27}};  // beyond a number's range they wrap
     for (const auto& [x, y, column, row] : points) {
-        const POINT p = MapPoint(view, x, y);
+        const PixelPoint p = MapPoint(view, x, y);
         EXPECT_TRUE(p.x == column && p.y == row) << x << " " << y;
     }
 }
@@ -151,7 +151,7 @@ TEST(DrawPreviewPrimitive, ArcsAndTextsAsGdiDrawsThem) {
 
 TEST(DrawEndMark, Pictures) {
     const auto mark = [](std::uint32_t code, double x, double angle, double size) {
-        return OnCanvas(12, 8, [&](Canvas& c) { DrawEndMark(c.dc.get(), c.view, code, x, 4.7, angle, size); });
+        return OnCanvas(12, 8, [&](Canvas& c) { DrawEndMark(*c.strokes, 0, c.view, code, x, 4.7, angle, size); });
     };
     const std::string arrow = Picture("............", "............", ".......###..", "...#######..", ".#########..",
                                       "....######..", "........##..", "............");
@@ -185,8 +185,8 @@ TEST(DrawPreviewPrimitive, HostileNumbers) {
         const auto any = [&] { return values[random() % std::size(values)]; };
         OnCanvas(20, 12, [&](Canvas& canvas) {
             for (int i = 0; i < 3000; ++i) {
-                if (i >= 300 && i % 30 == 0) FitCanvas(&canvas, {any(), any(), any(), any()});
-                PreviewPrimitive& p = canvas.primitive;
+                if (i >= 300 && i % 30 == 0) canvas.fit(canvas, {any(), any(), any(), any()}, DrawingSink::kWipe);
+                PreviewPrimitive p;
                 p.kind = static_cast<std::uint32_t>(i % 6);
                 for (double* field : {&p.a, &p.b, &p.c, &p.d}) *field = any();
                 p.e.Set(any());
@@ -194,7 +194,8 @@ TEST(DrawPreviewPrimitive, HostileNumbers) {
                 const double angle = any();
                 if (p.kind == kText) std::strcpy(p.g, "A\x83\x5c");
                 else std::memcpy(p.g, &angle, sizeof(angle));
-                EXPECT_EQ(DrawPreviewPrimitive(canvas.dc.get(), canvas.view, p, i % 2 ? &canvas.textFont : nullptr), 1);
+                if (i % 2) canvas.draw(canvas, p, static_cast<unsigned>(i));
+                else EXPECT_EQ(DrawPreviewPrimitive(canvas.dc.get(), canvas.view, p), 1);
             }
         });
         if (pass == 0) before = CountHandles();

@@ -1,10 +1,8 @@
-#include "preview/title_block.h"
+#include "preview/formats/title_block.h"
 
 #include <gtest/gtest.h>
 
-#include "preview/backup_reader.h"
-#include "preview/comment_readers.h"
-#include "preview/native_reader.h"
+#include "preview/reader.h"
 #include "support/drawings.h"
 #include "support/samples.h"
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "preview/canvas.h"
+#include "preview/drawing/canvas.h"
 #include "support/guard_block.h"
 #include "support/picture.h"
 #include "support/samples.h"
@@ -116,13 +116,9 @@ Stroke TextStroke(double x, double y, double height, double width, double spacin
 }
 
 std::string Rendered(int width, int height, const std::vector<Stroke>& strokes) {
-    Canvas canvas;
-    if (!OpenCanvas(&canvas, 0, {0, 0, width, height})) return "no canvas";
-    FitCanvas(&canvas, {0, 0, static_cast<double>(width), static_cast<double>(height)});
-    for (const Stroke& stroke : strokes) {
-        canvas.primitive = stroke.primitive;
-        SelectCanvasPen(&canvas, stroke.pen);
-        DrawOnCanvas(&canvas);
-    }
+    Canvas canvas(0, {0, 0, width, height});
+    const WorldRect sheet = {0, 0, static_cast<double>(width), static_cast<double>(height)};
+    if (!canvas.fit(canvas, sheet, DrawingSink::kWipe)) return "no canvas";
+    for (Stroke stroke : strokes) canvas.draw(canvas, stroke.primitive, stroke.pen);
     return TakePicture(ReleaseCanvasBitmap(&canvas));
 }

@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "kit/handles.h"
-#include "preview/element_record.h"
+#include "preview/formats/element_record.h"
 
 static constexpr std::uint64_t kFilesSeed = 0x6B7766696C6573;
 

@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "preview/renderer.h"
+#include "preview/drawing/element.h"
+#include "preview/drawing/view.h"
 
 // Pseudo-random numbers, the same everywhere (the standard library's distributions are not).
 struct Random {

@@ -14,6 +14,8 @@
 #include <functional>
 #include <iterator>
 
+#include "kit/handles.h"
+
 static constexpr struct {
     const char* name;
     const char* what;

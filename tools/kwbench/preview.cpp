@@ -7,17 +7,13 @@
 #include <vector>
 
 #include "frame/services.h"
-#include "preview/backup_reader.h"
-#include "preview/canvas.h"
-#include "preview/dxf_reader.h"
-#include "preview/native_reader.h"
-#include "preview/text_reader.h"
+#include "preview/reader.h"
 #include "replay.h"
 
 static constexpr RECT kLargeTarget = {0, 0, 3000, 2000};  // little of a drawing hides the rest there
 static constexpr std::size_t kQuickLargeCount = 500000;   // entities; more take half a minute
 static constexpr DWORD kCommentSize = 32767;
-static constexpr double kCancelSeconds = 0.005;
+static constexpr double kCancelSeconds = 0.020;
 
 UniqueBitmap Preview(const Drawing& drawing, std::string* comment, const RECT& target) {
     static constexpr PreviewReader kReaders[] = {ReadDxfPreview, ReadNativePreview, ReadBackupDrawing, ReadTextDrawing};

@@ -8,7 +8,7 @@
 #include "frame/services.h"
 #include "kit/full_width.h"
 #include "kit/numbers.h"
-#include "preview/canvas.h"
+#include "preview/drawing/canvas.h"
 #include "resources/resource.h"
 
 enum Call : std::int32_t {
@@ -39,8 +39,8 @@ struct Recorder {
         Add(kSelectPen, {index});
         pen = index;
     }
-    void Pixel(POINT at) { Add(kPixel, {at.x, at.y}); }
-    void Segment(int penIndex, POINT from, POINT to) {
+    void Pixel(PixelPoint at) { Add(kPixel, {at.x, at.y}); }
+    void Segment(int penIndex, PixelPoint from, PixelPoint to) {
         if (from.x == to.x && from.y == to.y) return;
         NeedPen(penIndex);
         Add(kSegment, {from.x, from.y, to.x, to.y});
@@ -87,9 +87,10 @@ static void RecordArc(Recorder* recorder, const Entity& arc, double start, doubl
     if (end == 360) end = 0;
     const double sweep = start >= end ? end + 360 - start : end - start;
     const double x = arc.x1.Value(), y = arc.y1.Value(), radius = arc.size.Value();
-    const POINT centre = MapPoint(view, x, y);
-    const POINT from = MapPoint(view, x + radius * std::cos(Radians(start)), y + radius * std::sin(Radians(start)));
-    const POINT to = MapPoint(view, x + radius * std::cos(Radians(end)), y + radius * std::sin(Radians(end)));
+    const PixelPoint centre = MapPoint(view, x, y);
+    const PixelPoint from =
+        MapPoint(view, x + radius * std::cos(Radians(start)), y + radius * std::sin(Radians(start)));
+    const PixelPoint to = MapPoint(view, x + radius * std::cos(Radians(end)), y + radius * std::sin(Radians(end)));
     const int pixels = recorder->Pixels(radius);
     if (pixels == 0 || (from.x == to.x && from.y == to.y && sweep < 360)) {
         recorder->Pixel(from);
@@ -190,7 +191,7 @@ static PlacedText TextDrawingText(const Entity& text) {
             text.text};
 }
 
-static POINT MapTurned(const Recorder& recorder, const PlacedText& about, double x, double y) {
+static PixelPoint MapTurned(const Recorder& recorder, const PlacedText& about, double x, double y) {
     const double dx = x - about.x, dy = y - about.y;
     const double cosine = std::cos(Radians(about.degrees)), sine = std::sin(Radians(about.degrees));
     return MapPoint(recorder.out.view, about.x + dx * cosine - dy * sine, about.y + dx * sine + dy * cosine);
@@ -205,7 +206,7 @@ static void RecordFrame(Recorder* recorder, const PlacedText& text) {
     const auto corner = [&](double x, double y) {
         return text.degrees == 0 ? MapPoint(recorder->out.view, x, y) : MapTurned(*recorder, text, x, y);
     };
-    const POINT corners[] = {corner(left, bottom), corner(left, top), corner(right, top), corner(right, bottom)};
+    const PixelPoint corners[] = {corner(left, bottom), corner(left, top), corner(right, top), corner(right, bottom)};
     for (int i = 0; i < 4; ++i) recorder->Segment(kTextPen, corners[i], corners[(i + 1) % 4]);
 }
 
@@ -219,8 +220,8 @@ static void RecordText(Recorder* recorder, const Entity& entity) {
     if (wanted.height < 2 || wanted.width < 2) return;
 
     // The upper left corner.
-    const POINT at = MapTurned(*recorder, text, text.x - text.total * text.horizontal / 2,
-                               text.y + text.height * (2 - text.vertical) / 2);
+    const PixelPoint at = MapTurned(*recorder, text, text.x - text.total * text.horizontal / 2,
+                                    text.y + text.height * (2 - text.vertical) / 2);
     const int font = FontIndex(&recorder->out.fonts, wanted);
     if (font != recorder->font) recorder->Add(kSelectFont, {font});
     recorder->font = font;
@@ -234,7 +235,7 @@ Recording RecordPreview(const Drawing& drawing, DWORD renderMode, const RECT& ta
     recorder.format = drawing.format;
     recorder.out.renderMode = renderMode;
     recorder.out.target = target;
-    FitViewTransform(drawing.extents, target, &recorder.out.view);
+    FitViewTransform(drawing.extents, {target.left, target.top, target.right, target.bottom}, &recorder.out.view);
     EntityStream entities(drawing.seed);
     for (std::size_t i = 0; i < drawing.entityCount; ++i) {
         const Entity entity = entities.Next();
@@ -271,9 +272,10 @@ static std::vector<UniqueFont> MakeFonts(const std::vector<RecordedFont>& record
 
 HBITMAP Replay(const Recording& recording) {
     const std::vector<UniqueFont> fonts = MakeFonts(recording.fonts);
-    Canvas canvas;
-    if (!OpenCanvas(&canvas, recording.renderMode, recording.target)) return nullptr;
+    Canvas canvas(recording.renderMode, recording.target);
+    if (!OpenCanvas(&canvas)) return nullptr;
     const HDC dc = canvas.dc.get();
+    GdiStrokes marks(dc, &canvas.textFont);  // with the pen that is selected
     const std::int32_t* call = recording.calls.data();
     const std::int32_t* const end = call + recording.calls.size();
     while (call < end) {
@@ -307,7 +309,7 @@ HBITMAP Replay(const Recording& recording) {
                 break;
             case kEndMark: {
                 const RecordedEndMark& mark = recording.endMarks[static_cast<std::size_t>(argument[0])];
-                DrawEndMark(dc, recording.view, mark.code, mark.x, mark.y, mark.angleDegrees, mark.size);
+                DrawEndMark(marks, 0, recording.view, mark.code, mark.x, mark.y, mark.angleDegrees, mark.size);
                 call += 2;
                 break;
             }

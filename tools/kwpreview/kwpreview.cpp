@@ -10,7 +10,7 @@
 #include "files.h"
 #include "output.h"
 #include "png_file.h"
-#include "preview/canvas.h"
+#include "preview/drawing/canvas.h"
 #include "render.h"
 #include "report.h"
 #include "resource.h"

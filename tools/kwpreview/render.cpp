@@ -125,8 +125,8 @@ bool IsBlank(HBITMAP bitmap) {
 NoPicture WhyNoBitmap(const std::string& path, DWORD renderMode, const RECT& target, const KindRow& row) {
     if (!PaneReaderFor(row.code)) return row.withoutBitmap;
     if (!LoadedFile(path.c_str()).data) return NoPicture::tooLarge;
-    Canvas canvas;
-    return OpenCanvas(&canvas, renderMode, target) ? row.withoutBitmap : NoPicture::noMemory;
+    Canvas canvas(renderMode, target);
+    return OpenCanvas(&canvas) ? row.withoutBitmap : NoPicture::noMemory;
 }
 
 // A command file without a picture: what is wrong with the drawing that it names.

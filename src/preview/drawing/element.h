@@ -44,8 +44,35 @@ struct PreviewPrimitive {
     void SetFrame(double x1, double y1, double x2, double y2, double centreX, double centreY, double angleDegrees);
     void SetText(double x, double y, double height, double width, double spacing, double angleDegrees,
                  const char* text);  // at most 255 bytes of it
+    void SetLineMarks(std::uint32_t marks) { e.SetEndMarks(marks); }
+    void SetArcMarks(std::uint32_t marks) { f.SetEndMarks(marks); }
 };
 
 // An end-mark word: the mark at the first point in the low half, at the second in the high half.
 enum EndMark : std::uint32_t { kMarkNone = 0, kMarkArrow = 1, kMarkDot = 2 };
 constexpr std::uint32_t EndMarkWord(std::uint32_t first, std::uint32_t second) { return (second << 16) | first; }
+
+// An element's fields by the names that they have for its kind.
+struct LineElement {
+    double x1, y1, x2, y2;
+    std::uint32_t marks;
+};
+struct ArcElement {
+    double x, y, radius, startDegrees, endDegrees;
+    std::uint32_t marks;
+};
+struct FrameElement {
+    double x1, y1, x2, y2, centreX, centreY, angleDegrees;
+};
+struct TextElement {
+    double x, y, height, width, spacing, angleDegrees;
+    const char* text;  // the primitive's own
+};
+inline LineElement LineOf(const PreviewPrimitive& p) { return {p.a, p.b, p.c, p.d, p.e.EndMarks()}; }
+inline ArcElement ArcOf(const PreviewPrimitive& p) { return {p.a, p.b, p.c, p.d, p.e.AsDouble(), p.f.EndMarks()}; }
+inline FrameElement FrameOf(const PreviewPrimitive& p) {
+    return {p.a, p.b, p.c, p.d, p.e.AsDouble(), p.f.AsDouble(), p.FrameAngle()};
+}
+inline TextElement TextOf(const PreviewPrimitive& p) {
+    return {p.a, p.b, p.c, p.d, p.e.AsDouble(), p.f.AsDouble(), p.g};
+}

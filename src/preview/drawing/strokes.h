@@ -20,8 +20,9 @@ struct TextStroke {
 };
 
 // What draws strokes, in black: a device context, a bitmap's bits, a recorder. The functions get the record back, which
-// therefore stands first in the record of whoever implements them. Points lie within +-2^27; what lies outside the
-// target is the target's to clip. A pen is one of the canvas's (see kPenCount); pixels, dots and texts need none.
+// is the base of the record of whoever implements them. Points lie within +-2^27; a stroke whose box misses the canvas
+// is not asked for, and what of it lies outside is the target's to clip. A pen is one of the canvas's (see kPenCount);
+// pixels and texts need none.
 struct StrokeTarget {
     void (*pixel)(StrokeTarget& target, PixelPoint at);
     // One pixel wide; the last pixel is left out.
@@ -42,7 +43,7 @@ struct StrokeTarget {
     void (*text)(StrokeTarget& target, const TextStroke& text);
 };
 
-// A larger text is not drawn.
+// A larger text is not drawn: what its font costs the system grows with the square of its height.
 constexpr std::int32_t kMaxTextPixels = 4096;
 
 // Draws one element: its strokes go to the target. Clipped line ends are written back. Kinds that are none draw

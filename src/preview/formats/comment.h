@@ -16,3 +16,17 @@ struct Comment {
     void (*label)(unsigned id, char* out, std::size_t size) = nullptr;
     const CodePages* codePages = nullptr;  // for texts of other code pages; may be null
 };
+
+// The longest label, its ending zero included.
+constexpr std::size_t kLabelSize = 64;
+void CopyLabel(const Comment& comment, unsigned id, char (&out)[kLabelSize]);
+
+// Appends as much of a text as fits.
+void AppendComment(Comment* comment, ByteView text);
+void AppendComment(Comment* comment, const char* text);
+
+// Appends a line and its soft break when both fit. A line that does not fit is left out; a later, shorter one may fit.
+void AppendFittingLine(Comment* comment, ByteView line);
+inline void AppendCommentLine(Comment* comment, ByteView line) {
+    if (comment->room > 4 && line.size < static_cast<std::size_t>(comment->room) - 4) AppendFittingLine(comment, line);
+}

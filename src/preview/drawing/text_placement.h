@@ -1,7 +1,7 @@
 // Where a justified text stands: the corner that it is drawn from, or the frame around it.
 #pragma once
 
-#include "preview/renderer.h"
+#include "preview/drawing/element.h"
 
 // A text of one line as its drawing places it: `length` x `height` drawing units at (x, y), turned about that point.
 struct TextPlacement {

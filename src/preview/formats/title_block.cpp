@@ -1,8 +1,8 @@
-#include "preview/title_block.h"
+#include "preview/formats/title_block.h"
 
 #include <cstdio>
+#include <cstring>
 
-#include "frame/services.h"
 #include "resources/resource.h"
 
 ByteView TitleField(ByteView file, const TitleSlots& slots, std::size_t field) {
@@ -13,10 +13,10 @@ ByteView TitleField(ByteView file, const TitleSlots& slots, std::size_t field) {
 }
 
 void AppendTitleBlock(Comment* comment, ByteView file, const TitleSlots& slots) {
-    static constexpr UINT kLabels[] = {IDS_DRAWING_NAME, IDS_DRAWING_NUMBER, IDS_DESIGNER};
+    static constexpr unsigned kLabels[] = {IDS_DRAWING_NAME, IDS_DRAWING_NUMBER, IDS_DESIGNER};
     for (std::size_t i = 0; i < 3; ++i) {
-        char label[64], block[132];
-        CopyResString(kLabels[i], label, sizeof(label));
+        char label[kLabelSize], block[132];
+        CopyLabel(*comment, kLabels[i], label);
         const ByteView field = TitleField(file, slots, i);
         std::snprintf(block, sizeof(block), "%s\r\r\n%-42.*s\r\r\n\r\r\n", label, static_cast<int>(field.size),
                       field.data ? reinterpret_cast<const char*>(field.data) : "");

@@ -8,7 +8,7 @@
 #include <cstdint>
 
 #include "kit/bytes.h"
-#include "preview/text_placement.h"
+#include "preview/drawing/text_placement.h"
 
 constexpr std::size_t kRecordSize = 64;
 constexpr std::size_t kFieldsAt = 16;  // the part that depends on the kind

@@ -1,4 +1,6 @@
-#include "preview/canvas.h"
+#include "preview/drawing/canvas.h"
+
+#include "frame/services.h"
 
 // Cosmetic pens: one pixel wide, black.
 static constexpr DWORD kPenStyles[kPenCount] = {
@@ -13,12 +15,11 @@ HBITMAP CreatePreviewBitmap(HDC screen, DWORD renderMode, const RECT& target) {
                                      : CreateBitmap(width, height, 1, 1, nullptr);
 }
 
-bool OpenCanvas(Canvas* canvas, DWORD renderMode, const RECT& target) {
+bool OpenCanvas(Canvas* canvas) {
     const WindowDc screen(nullptr);
     if (!screen.dc) return false;
-    canvas->target = target;
     canvas->dc.reset(CreateCompatibleDC(screen.dc));
-    canvas->bitmap.reset(CreatePreviewBitmap(screen.dc, renderMode, target));
+    canvas->bitmap.reset(CreatePreviewBitmap(screen.dc, canvas->renderMode, canvas->target));
     canvas->black.reset(CreateSolidBrush(RGB(0, 0, 0)));
     canvas->white.reset(CreateSolidBrush(RGB(255, 255, 255)));
     if (!canvas->dc || !canvas->bitmap || !canvas->black || !canvas->white) return false;
@@ -29,35 +30,37 @@ bool OpenCanvas(Canvas* canvas, DWORD renderMode, const RECT& target) {
     }
     const HDC dc = canvas->dc.get();
     canvas->originalBitmap = SelectObject(dc, canvas->bitmap.get());
-    FillRect(dc, &target, canvas->white.get());
+    FillRect(dc, &canvas->target, canvas->white.get());
     SelectObject(dc, canvas->black.get());  // fills arrowheads and dots
     SetTextColor(dc, RGB(0, 0, 0));
     SetBkMode(dc, TRANSPARENT);
+    canvas->strokes.emplace(dc, &canvas->textFont, canvas->pens);
     return true;
 }
 
-void FitCanvas(Canvas* canvas, const WorldRect& extents) {
-    FitViewTransform(extents, canvas->target, &canvas->view);
-    FillRect(canvas->dc.get(), &canvas->target, canvas->white.get());
+static bool FitCanvas(DrawingSink& sink, const WorldRect& extents, DrawingSink::FitMode mode) {
+    auto& canvas = static_cast<Canvas&>(sink);
+    const RECT& target = canvas.target;
+    if (!canvas.strokes) {
+        if (!OpenCanvas(&canvas)) return false;
+    } else if (mode == DrawingSink::kWipe) {
+        FillRect(canvas.dc.get(), &target, canvas.white.get());
+    }
+    FitViewTransform(extents, {target.left, target.top, target.right, target.bottom}, &canvas.view);
+    return true;
 }
 
-void SelectCanvasPen(Canvas* canvas, unsigned index) { canvas->wantedPen = static_cast<int>(index % kPenCount); }
-
-static void SelectWantedPen(Canvas* canvas) {
-    const int pen = canvas->wantedPen;
-    if (pen == canvas->selectedPen || !canvas->pens[pen]) return;
-    SelectObject(canvas->dc.get(), canvas->pens[pen].get());
-    canvas->selectedPen = pen;
+static void DrawOnCanvas(DrawingSink& sink, PreviewPrimitive& element, unsigned pen) {
+    DrawElement(*static_cast<Canvas&>(sink).strokes, sink.view, element, pen % kPenCount);
 }
 
-void DrawOnCanvas(Canvas* canvas) {
-    const std::uint32_t kind = canvas->primitive.kind;
-    if (kind != kPoint && kind != kText) SelectWantedPen(canvas);
-    DrawPreviewPrimitive(canvas->dc.get(), canvas->view, canvas->primitive, &canvas->textFont);
-}
+Canvas::Canvas(DWORD mode, const RECT& rect)
+    : DrawingSink{FitCanvas, DrawOnCanvas, nullptr, nullptr, {}, (mode & kRenderTextFrames) != 0, &PreviewCancelFlag},
+      renderMode(mode),
+      target(rect) {}
 
 HBITMAP ReleaseCanvasBitmap(Canvas* canvas) {
-    if (!canvas->bitmap) return nullptr;
+    if (!canvas->strokes) return nullptr;
     SelectObject(canvas->dc.get(), canvas->originalBitmap);
     return canvas->bitmap.release();
 }

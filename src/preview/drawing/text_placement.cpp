@@ -1,4 +1,4 @@
-#include "preview/text_placement.h"
+#include "preview/drawing/text_placement.h"
 
 #include <cmath>
 

@@ -1,8 +1,9 @@
+#include "preview/drawing/placeholder.h"
+
 #include <cstring>
 
 #include "frame/services.h"
-#include "preview/canvas.h"
-#include "preview/renderer.h"
+#include "preview/drawing/canvas.h"
 
 // The font of status bars, as the user has set it; none when the system does not say.
 static UniqueFont StatusFont() {

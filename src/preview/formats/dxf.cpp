@@ -2,7 +2,7 @@
 //
 // Lengths are drawing units, angles degrees counter-clockwise. Lines are looked at one by one, without a notion of
 // pairs: a keyword counts wherever it begins a line, and a group code says what the next line is.
-#include "preview/dxf_reader.h"
+#include "preview/formats/dxf.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,7 +11,7 @@
 
 #include "kit/numbers.h"
 #include "kit/sjis.h"
-#include "preview/text_placement.h"
+#include "preview/drawing/text_placement.h"
 
 namespace {
 
@@ -135,11 +135,18 @@ enum Slot : int {
 constexpr unsigned Bit(int slot) { return 1u << slot; }
 constexpr unsigned kHasText = 0x8000;
 
+// Most values are never asked for, so none is converted before; and none twice, as a slot may serve many elements.
+struct SlotValue {
+    ByteView line;
+    bool isConverted = true;
+    double number = 0;
+};
+
 struct DxfState {
-    explicit DxfState(DrawingRun& drawing) : run(drawing) {}
-    DrawingRun& run;
-    ByteView slots[kSlotCount] = {};  // the value's line: most values are never asked for, so none is converted early
-    unsigned present = 0;             // Bit(slot), kHasText
+    explicit DxfState(DrawingSink& target) : sink(target) {}
+    DrawingSink& sink;
+    SlotValue slots[kSlotCount];
+    unsigned present = 0;  // Bit(slot), kHasText
     char text[128] = {};
     int pending = kNone;   // what waits for its groups
     int previous = kNone;  // what the line before has named
@@ -148,10 +155,16 @@ struct DxfState {
     bool extentsFixed = false;
     WorldRect extents = {};
     LastText lastText;
+    PreviewPrimitive primitive;
 
     bool Has(unsigned bits) const { return (present & bits) == bits; }
-    double Value(int slot) const { return ParseDecimal(slots[slot]); }
-    double Value(int slot, double missing) const { return Has(Bit(slot)) ? Value(slot) : missing; }
+    double Value(int slot) {
+        SlotValue& value = slots[slot];
+        if (!value.isConverted) value = {value.line, true, ParseDecimal(value.line)};
+        return value.number;
+    }
+    double Value(int slot, double missing) { return Has(Bit(slot)) ? Value(slot) : missing; }
+    void Draw(unsigned withPen) { sink.draw(sink, primitive, withPen); }
 };
 
 // ---- Items
@@ -166,28 +179,27 @@ void TakeExtMax(DxfState& dxf) {
     if (!dxf.Has(Bit(kX1) | Bit(kY1)) || dxf.extentsFixed) return;
     dxf.extents.maxX = dxf.Value(kX1);
     dxf.extents.maxY = dxf.Value(kY1);
-    FitCanvas(&dxf.run.canvas, dxf.extents);
+    dxf.sink.fit(dxf.sink, dxf.extents, DrawingSink::kWipe);
     dxf.extentsFixed = true;
 }
 
 void DrawPoint(DxfState& dxf) {
     if (!dxf.Has(Bit(kX1) | Bit(kY1))) return;
-    dxf.run.canvas.primitive.SetPoint(dxf.Value(kX1), dxf.Value(kY1));
-    DrawOnCanvas(&dxf.run.canvas);
+    dxf.primitive.SetPoint(dxf.Value(kX1), dxf.Value(kY1));
+    dxf.Draw(0);
 }
 
 void DrawLine(DxfState& dxf) {
     if (!dxf.Has(Bit(kX1) | Bit(kY1) | Bit(kX2) | Bit(kY2))) return;
-    dxf.run.canvas.primitive.SetLine(dxf.Value(kX1), dxf.Value(kY1), dxf.Value(kX2), dxf.Value(kY2));
-    SelectCanvasPen(&dxf.run.canvas, dxf.pen);
-    DrawOnCanvas(&dxf.run.canvas);
+    dxf.primitive.SetLine(dxf.Value(kX1), dxf.Value(kY1), dxf.Value(kX2), dxf.Value(kY2));
+    dxf.Draw(dxf.pen);
 }
 
-// Deliberate: the centre's x is not asked for; without it slot 0 holds what came before.
+// Deliberate: the centre's x is not asked for; without it slot 0 holds what came before. Asked for, arcs and circles
+// without one would vanish from pictures.
 void DrawArc(DxfState& dxf, double start, double end) {
-    dxf.run.canvas.primitive.SetArc(dxf.Value(kX1), dxf.Value(kY1), std::fabs(dxf.Value(kRadius)), start, end);
-    SelectCanvasPen(&dxf.run.canvas, dxf.pen);
-    DrawOnCanvas(&dxf.run.canvas);
+    dxf.primitive.SetArc(dxf.Value(kX1), dxf.Value(kY1), std::fabs(dxf.Value(kRadius)), start, end);
+    dxf.Draw(dxf.pen);
 }
 
 void DrawPartArc(DxfState& dxf) {
@@ -215,7 +227,7 @@ int CountTextCells(const char* text) {
 }
 
 // Group 73 counts the base line and the bottom as two.
-int VerticalJustification(int group73) { return group73 == 0 ? 0 : group73 - 1; }
+int VerticalJustification(int group73) { return group73 > 0 ? group73 - 1 : group73; }
 
 void DrawTextEntity(DxfState& dxf) {
     if (!dxf.Has(Bit(kX1) | Bit(kY1) | Bit(kHeight) | kHasText)) return;
@@ -227,16 +239,14 @@ void DrawTextEntity(DxfState& dxf) {
     placement.length = CountTextCells(dxf.text) * cellWidth;
     placement.angleDegrees = dxf.Value(kRotation, 0);
 
-    Canvas& canvas = dxf.run.canvas;
-    if (dxf.run.renderMode & kRenderTextFrames) {
-        SetPlacedFrame(&canvas.primitive, &dxf.lastText, placement);
+    if (dxf.sink.textsAsFrames) {
+        SetPlacedFrame(&dxf.primitive, &dxf.lastText, placement);
     } else {
         placement.horizontal = TruncToInt32(dxf.Value(kHorizontal, 0));
         placement.vertical = VerticalJustification(TruncToInt32(dxf.Value(kVertical, 0)));
-        SetPlacedText(&canvas.primitive, &dxf.lastText, placement, cellWidth, 0, dxf.text);
+        SetPlacedText(&dxf.primitive, &dxf.lastText, placement, cellWidth, 0, dxf.text);
     }
-    SelectCanvasPen(&canvas, kTextPen);
-    DrawOnCanvas(&canvas);
+    dxf.Draw(kTextPen);
 }
 
 void CompleteItem(DxfState& dxf) {
@@ -271,7 +281,7 @@ void TakeText(DxfState& dxf, ByteView line) {
 // Acts on a line that `code` stands for; false at the end of the drawing.
 bool ActOnLine(DxfState& dxf, int code, ByteView line) {
     if (code >= kFirstSlot && code <= kLastSlot) {
-        dxf.slots[code - kFirstSlot] = line;
+        dxf.slots[code - kFirstSlot] = {line, false, 0};
         dxf.present |= Bit(code - kFirstSlot);
         return true;
     }
@@ -302,25 +312,18 @@ bool TakeDxfLine(DxfState& dxf, ByteView line) {
     return ActOnLine(dxf, code, line);
 }
 
-bool DecodeDxf(DrawingRun& run) {
-    const ByteView text = run.file.AsText();
-    if (!OpenCanvas(&run.canvas, run.renderMode, *run.target)) return false;
-    FitCanvas(&run.canvas, kDefaultSheet);
-    DxfState dxf(run);
-    LineWalk walk = {text.data, text.data + text.size};
+}  // namespace
+
+bool DecodeDxf(ByteView file, Comment* comment, DrawingSink* sink) {
+    if (!sink || !sink->fit(*sink, kDefaultSheet, DrawingSink::kWipe)) return false;
+    DxfState dxf(*sink);
+    LineWalk walk = {file.data, file.data + file.size};
     ByteView line;
     while (TakeLine(&walk, &line)) {
-        AppendCommentLine(&run.comment, line);
+        AppendCommentLine(comment, line);
         if (line.size == 0 || line.data[0] == ';') continue;
-        if (!MayContinue()) return false;
+        if (!sink->MayContinue()) return false;
         if (!TakeDxfLine(dxf, line)) break;
     }
     return true;  // a text that just ends has drawn what it holds
-}
-
-}  // namespace
-
-HBITMAP ReadDxfPreview(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
-                       DWORD commentSize) {
-    return RunTargetedReader(renderMode, fileName, target, commentOut, commentSize, DecodeDxf);
 }

@@ -4,7 +4,7 @@
 #include <cstddef>
 
 #include "kit/bytes.h"
-#include "preview/reader.h"
+#include "preview/formats/comment.h"
 
 // Three slots, one behind the other; a field ends at its first zero byte and never outside its slot.
 struct TitleSlots {

@@ -2,23 +2,26 @@
 //
 // Lengths are drawing units, angles degrees counter-clockwise. A number is read as far as its line reaches; a line that
 // has fewer than its key needs draws nothing.
-#include "preview/text_reader.h"
+#include "preview/formats/text.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 
 #include "kit/numbers.h"
 #include "kit/sjis.h"
-#include "preview/text_placement.h"
+#include "preview/drawing/text_placement.h"
 #include "resources/resource.h"
 
 namespace {
 
 struct TextDrawing {
-    DrawingRun& run;
-    bool areaKnown;  // what comes before the drawing's area is never drawn
-    LastText lastText;
+    Comment& comment;
+    DrawingSink& sink;
+    bool areaKnown = false;  // what comes before the drawing's area is never drawn
+    LastText lastText = {};
+    PreviewPrimitive primitive = {};
+
+    void Draw(unsigned pen) { sink.draw(sink, primitive, pen); }
 };
 
 // ---- Numbers of a line
@@ -85,7 +88,7 @@ std::uint32_t TakeAttributes(Scanner* in) {
 
 unsigned PenOf(std::uint32_t attributes) { return attributes & 15u; }
 
-// Deliberate: the file's codes for arrowhead and dot are the renderer's the other way round.
+// The file's codes for arrowhead and dot are the renderer's the other way round.
 std::uint32_t RendererMark(std::uint32_t code) { return code == 1 ? kMarkDot : code == 2 ? kMarkArrow : code; }
 
 std::uint32_t EndMarksOf(std::uint32_t attributes) {
@@ -96,11 +99,12 @@ std::uint32_t EndMarksOf(std::uint32_t attributes) {
 
 void TakeTitle(TextDrawing& drawing, ByteView line) {
     constexpr std::size_t kTitleAt = 9;
-    Comment& comment = drawing.run.comment;
+    Comment& comment = drawing.comment;
     if (comment.room < 4) return;
-    char label[64];
-    // Deliberate: one label for all three title lines, whichever key the line carries.
-    CopyResString(IDS_DESIGNER, label, sizeof(label));
+    char label[kLabelSize];
+    // Deliberate: one label for all three title lines, whichever key the line carries. With labels of their own the
+    // comments beside all text drawings would change.
+    CopyLabel(comment, IDS_DESIGNER, label);
     AppendComment(&comment, label);
     AppendComment(&comment, "\r\r\n");
     AppendComment(&comment, ByteView{line.data + kTitleAt, line.size - kTitleAt});
@@ -111,9 +115,8 @@ void TakeArea(TextDrawing& drawing, Scanner in) {
     double area[4];
     TakeDoubles(&in, area, 4);
     if (!in.ok) return;
-    Canvas& canvas = drawing.run.canvas;
-    FitViewTransform({area[0], area[1], area[2], area[3]}, canvas.target, &canvas.view);
-    drawing.areaKnown = true;
+    const WorldRect extents = {area[0], area[1], area[2], area[3]};
+    drawing.areaKnown = drawing.sink.fit(drawing.sink, extents, DrawingSink::kKeep);
 }
 
 // The numbers of a geometry line, behind the whole number that leads it.
@@ -128,19 +131,17 @@ bool TakeGeometry(Scanner* in, double (&out)[N]) {
 void TakePoint(TextDrawing& drawing, Scanner in) {
     double point[2];
     if (!TakeGeometry(&in, point)) return;
-    drawing.run.canvas.primitive.SetPoint(point[0], point[1]);
-    DrawOnCanvas(&drawing.run.canvas);
+    drawing.primitive.SetPoint(point[0], point[1]);
+    drawing.Draw(0);
 }
 
 void TakeLineElement(TextDrawing& drawing, Scanner in) {
     double line[4];
     if (!TakeGeometry(&in, line)) return;
     const std::uint32_t attributes = TakeAttributes(&in);
-    Canvas& canvas = drawing.run.canvas;
-    canvas.primitive.SetLine(line[0], line[1], line[2], line[3]);
-    canvas.primitive.e.SetEndMarks(EndMarksOf(attributes));
-    SelectCanvasPen(&canvas, PenOf(attributes));
-    DrawOnCanvas(&canvas);
+    drawing.primitive.SetLine(line[0], line[1], line[2], line[3]);
+    drawing.primitive.SetLineMarks(EndMarksOf(attributes));
+    drawing.Draw(PenOf(attributes));
 }
 
 void TakeArc(TextDrawing& drawing, Scanner in) {
@@ -148,11 +149,9 @@ void TakeArc(TextDrawing& drawing, Scanner in) {
     double arc[kCount];
     if (!TakeGeometry(&in, arc)) return;
     const std::uint32_t attributes = TakeAttributes(&in);
-    Canvas& canvas = drawing.run.canvas;
-    canvas.primitive.SetArc(arc[kX], arc[kY], arc[kRadius], arc[kStart], arc[kEnd]);
-    canvas.primitive.f.SetEndMarks(EndMarksOf(attributes));
-    SelectCanvasPen(&canvas, PenOf(attributes));
-    DrawOnCanvas(&canvas);
+    drawing.primitive.SetArc(arc[kX], arc[kY], arc[kRadius], arc[kStart], arc[kEnd]);
+    drawing.primitive.SetArcMarks(EndMarksOf(attributes));
+    drawing.Draw(PenOf(attributes));
 }
 
 // The text between the first apostrophe and the next one, at most 255 bytes; false without both.
@@ -180,14 +179,12 @@ void TakeText(TextDrawing& drawing, Scanner in) {
     place.height = numbers[kHeight];
     place.angleDegrees = numbers[kAngle];
     place.length = (cellWidth + numbers[kSpacing]) * static_cast<double>(std::strlen(text));
-    Canvas& canvas = drawing.run.canvas;
-    if (drawing.run.renderMode & kRenderTextFrames) {
-        SetPlacedFrame(&canvas.primitive, &drawing.lastText, place);
+    if (drawing.sink.textsAsFrames) {
+        SetPlacedFrame(&drawing.primitive, &drawing.lastText, place);
     } else {
-        SetPlacedText(&canvas.primitive, &drawing.lastText, place, cellWidth, numbers[kSpacing], text);
+        SetPlacedText(&drawing.primitive, &drawing.lastText, place, cellWidth, numbers[kSpacing], text);
     }
-    SelectCanvasPen(&canvas, kTextPen);
-    DrawOnCanvas(&canvas);
+    drawing.Draw(kTextPen);
 }
 
 // ---- Lines
@@ -214,23 +211,17 @@ void TakeDrawingLine(TextDrawing& drawing, ByteView line) {
     }
 }
 
-bool DecodeTextDrawing(DrawingRun& run) {
-    const ByteView text = run.file.AsText();
-    if (!OpenCanvas(&run.canvas, run.renderMode, *run.target)) return false;
-    TextDrawing drawing = {run, false, {}};
-    LineWalk walk = {text.data, text.data + text.size};
+}  // namespace
+
+bool DecodeTextDrawing(ByteView file, Comment* comment, DrawingSink* sink) {
+    if (!sink || !sink->fit(*sink, kDefaultSheet, DrawingSink::kWipe)) return false;
+    TextDrawing drawing = {*comment, *sink};
+    LineWalk walk = {file.data, file.data + file.size};
     ByteView line;
     while (TakeLine(&walk, &line)) {
         if (line.size == 0 || line.data[0] == ';') continue;
-        if (!MayContinue()) return false;
+        if (!sink->MayContinue()) return false;
         TakeDrawingLine(drawing, line);
     }
     return true;
-}
-
-}  // namespace
-
-HBITMAP ReadTextDrawing(DWORD renderMode, const char* fileName, const RECT* target, char* commentOut,
-                        DWORD commentSize) {
-    return RunTargetedReader(renderMode, fileName, target, commentOut, commentSize, DecodeTextDrawing);
 }

@@ -1,0 +1,86 @@
+#include "preview/drawing/renderer.h"
+
+#include "frame/services.h"
+#include "resources/resource.h"
+
+static GdiStrokes& Gdi(StrokeTarget& target) { return static_cast<GdiStrokes&>(target); }
+
+// The context with the pen selected; one that could not be made leaves the selection as it is.
+static HDC WithPen(StrokeTarget& target, unsigned pen) {
+    GdiStrokes& gdi = Gdi(target);
+    if (gdi.pens && pen != gdi.selected && gdi.pens[pen]) {
+        SelectObject(gdi.dc, gdi.pens[pen].get());
+        gdi.selected = pen;
+    }
+    return gdi.dc;
+}
+
+static void SetPixelAt(StrokeTarget& target, PixelPoint at) { SetPixelV(Gdi(target).dc, at.x, at.y, RGB(0, 0, 0)); }
+
+static void StrokeLine(StrokeTarget& target, unsigned pen, PixelPoint from, PixelPoint to) {
+    const HDC dc = WithPen(target, pen);
+    MoveToEx(dc, from.x, from.y, nullptr);
+    LineTo(dc, to.x, to.y);
+}
+
+static void StrokeArc(StrokeTarget& target, unsigned pen, PixelPoint centre, std::int32_t radius, PixelPoint from,
+                      PixelPoint to) {
+    Arc(WithPen(target, pen), centre.x - radius, centre.y - radius, centre.x + radius, centre.y + radius, from.x,
+        from.y, to.x, to.y);
+}
+
+static void FillPolygon(StrokeTarget& target, unsigned pen, const PixelPoint* corners, std::size_t count) {
+    static_assert(sizeof(POINT) == sizeof(PixelPoint));
+    Polygon(WithPen(target, pen), reinterpret_cast<const POINT*>(corners), static_cast<int>(count));
+}
+
+static void FillDot(StrokeTarget& target, unsigned pen, PixelPoint centre, std::int32_t radius) {
+    const int right = centre.x + radius + 1;
+    Chord(WithPen(target, pen), centre.x - radius, centre.y - radius, right, centre.y + radius + 1, right, centre.y,
+          right, centre.y);
+}
+
+static UniqueFont MakeTextFont(const TextStroke& text) {
+    LOGFONTA font = {};
+    font.lfHeight = -text.height;
+    font.lfWidth = text.width;
+    font.lfEscapement = text.escapement;
+    font.lfWeight = FW_NORMAL;
+    font.lfCharSet = DEFAULT_CHARSET;
+    font.lfPitchAndFamily = FIXED_PITCH | FF_MODERN;
+    CopyResString(IDS_TEXT_FACE, font.lfFaceName, sizeof(font.lfFaceName));
+    return UniqueFont(CreateFontIndirectA(&font));
+}
+
+// Selects the font for a text, a new one only when the last one does not fit; false when there is none.
+static bool SelectTextFont(HDC dc, const TextStroke& text, TextFont* last) {
+    if (last->font && last->height == text.height && last->width == text.width && last->escapement == text.escapement) {
+        return true;
+    }
+    UniqueFont font = MakeTextFont(text);
+    if (!font || !SelectObject(dc, font.get())) return false;
+    *last = {text.height, text.width, text.escapement, std::move(font)};  // the one before is no longer selected
+    return true;
+}
+
+static void WriteText(StrokeTarget& target, const TextStroke& text) {
+    const HDC dc = Gdi(target).dc;
+    if (!SelectTextFont(dc, text, Gdi(target).font)) return;
+    const int previousExtra = SetTextCharacterExtra(dc, text.extra);
+    TextOutA(dc, text.at.x, text.at.y, text.text, static_cast<int>(text.length));
+    SetTextCharacterExtra(dc, previousExtra);
+}
+
+GdiStrokes::GdiStrokes(HDC context, TextFont* textFont, const UniquePen* sixteenPens)
+    : StrokeTarget{SetPixelAt, StrokeLine, StrokeArc, nullptr, nullptr, FillPolygon, FillDot, WriteText},
+      dc(context),
+      font(textFont),
+      pens(sixteenPens) {}
+
+int DrawPreviewPrimitive(HDC dc, const ViewTransform& view, PreviewPrimitive& primitive) {
+    TextFont font;
+    const Selection restore(dc, GetCurrentObject(dc, OBJ_FONT));
+    GdiStrokes strokes(dc, &font);
+    DrawElement(strokes, view, primitive, 0);
+    return 1;
+}
