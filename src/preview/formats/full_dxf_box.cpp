@@ -9,10 +9,10 @@
 
 // Advances of the printable ASCII characters in hundredths of a capital's height, as common sans-serif faces have them.
 static constexpr std::uint8_t kAdvances[] = {
-    39,  49,  56,  103, 78,  124, 97,  34,  48,  48,  62,  103, 39,  46,  39,  41,  78,  78,  78,  78,  78,  78,  78,  78,
-    78,  78,  42,  42,  103, 103, 103, 68,  133, 94,  94,  95,  102, 88,  82,  104, 102, 39,  48,  92,  77,  118, 102, 107,
-    87,  107, 96,  88,  82,  101, 94,  133, 94,  88,  92,  48,  41,  48,  94,  68,  60,  82,  85,  74,  85,  82,  44,  85,
-    82,  35,  38,  77,  35,  128, 82,  82,  85,  85,  54,  71,  50,  82,  77,  108, 77,  77,  70,  66,  42,  66,  103};
+    39, 49,  56, 103, 78,  124, 97,  34,  48,  48, 62, 103, 39,  46, 39, 41,  78,  78, 78, 78, 78, 78,  78,  78,
+    78, 78,  42, 42,  103, 103, 103, 68,  133, 94, 94, 95,  102, 88, 82, 104, 102, 39, 48, 92, 77, 118, 102, 107,
+    87, 107, 96, 88,  82,  101, 94,  133, 94,  88, 92, 48,  41,  48, 94, 68,  60,  82, 85, 74, 85, 82,  44,  85,
+    82, 35,  38, 77,  35,  128, 82,  82,  85,  85, 54, 71,  50,  82, 77, 108, 77,  77, 70, 66, 42, 66,  103};
 static_assert(sizeof(kAdvances) == 127 - 32);
 
 static bool IsWide(char16_t c) { return c >= 0x1100 && (c < 0x1160 || c >= 0x2E80) && !(c >= 0xFF61 && c < 0xFFE0); }
@@ -28,8 +28,8 @@ double WidthOfText(const char16_t* text, std::size_t length, double height) {
 
 void FrameOfText(const UnicodeText& text, WorldPoint corners[4]) {
     constexpr double kDescent = 0.28;  // of a capital's height
-    const double width = text.fitWidth > 0 ? text.fitWidth
-                                           : WidthOfText(text.text, text.length, text.height) * text.widthFactor;
+    const double width =
+        text.fitWidth > 0 ? text.fitWidth : WidthOfText(text.text, text.length, text.height) * text.widthFactor;
     double left = -width * text.horizontal / 2, right = left + width;
     double bottom = 0;
     if (text.vertical == 1) bottom = text.height * kDescent;
@@ -149,7 +149,8 @@ void BoxSink::Keep(Extremes* side, int which, const WorldRect& element) {
 }
 
 void BoxSink::Grow(const WorldRect& element) {
-    if (!(IsDrawable(element.minX) && IsDrawable(element.minY) && IsDrawable(element.maxX) && IsDrawable(element.maxY))) {
+    if (!(IsDrawable(element.minX) && IsDrawable(element.minY) && IsDrawable(element.maxX) &&
+          IsDrawable(element.maxY))) {
         return;
     }
     if (count++ == 0) {
@@ -165,7 +166,8 @@ bool BoxSink::Box(WorldRect* box) {
     if (count == 0) return false;
     constexpr double kGap = 32;
     const std::size_t share = count / 20;
-    const int most = count < 4 ? 0 : static_cast<int>(std::min<std::size_t>(std::max<std::size_t>(share, 1), kMost - 1));
+    const int most =
+        count < 4 ? 0 : static_cast<int>(std::min<std::size_t>(std::max<std::size_t>(share, 1), kMost - 1));
 
     // What would remain when the most extreme elements of each side were left out: the measure of the gaps.
     double inner[4];

@@ -26,6 +26,8 @@ struct DxfBudget {
     }
 };
 
+constexpr unsigned kSolidPen = 0;
+
 // What an entity takes from its layer, or from the insert that its block stands in.
 struct DxfLook {
     bool frozen = false, off = false;
@@ -38,7 +40,7 @@ struct DxfPlace {
     PlaneMap map = kFromAbove;
     std::uint32_t block = 0;  // where its entities begin: a block that holds itself is known by that
     int depth = 0;
-    DxfLook layer;  // of the insert, for what stands on layer 0
+    DxfLook layer;             // of the insert, for what stands on layer 0
     unsigned pen = kSolidPen;  // of the insert, for what is drawn "by block"
 };
 
@@ -102,9 +104,9 @@ struct DxfDecoder {
     bool paperSpace = false;  // which of the two is drawn
 
     const DxfPlace* place = nullptr;
-    PlaneMap map = kFromAbove;       // of the current entity's coordinates
-    unsigned pen = kSolidPen;        // of the current entity
-    bool attributesHidden = false;   // those that follow an insert that is hidden
+    PlaneMap map = kFromAbove;      // of the current entity's coordinates
+    unsigned pen = kSolidPen;       // of the current entity
+    bool attributesHidden = false;  // those that follow an insert that is hidden
 
     // Used again by entity after entity.
     DxfGroups groups;
@@ -133,7 +135,7 @@ void DrawDxfText(DxfDecoder& dxf, const UnicodeText& text);
 void BeginPath(DxfDecoder& dxf, bool area = false);
 void PathTo(DxfDecoder& dxf, WorldPoint p);
 void PathAlong(DxfDecoder& dxf, const Conic& conic, double start, double sweep);  // both ends included
-void PathAlong(DxfDecoder& dxf, DxfSpline* spline);  // full_dxf_splines.cpp
+void PathAlong(DxfDecoder& dxf, DxfSpline* spline);                               // full_dxf_splines.cpp
 void EndOutline(DxfDecoder& dxf);
 void EndPath(DxfDecoder& dxf);
 
@@ -170,7 +172,6 @@ void DrawDxfDimension(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfTable(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfMultiLeader(DxfDecoder& dxf, DxfReader* reader);
 
-
 // ---- Texts (full_dxf_texts.cpp, full_dxf_mtext.cpp)
 
 // A text's frame in the current entity's coordinates: directions are units unless the text is stretched.
@@ -185,10 +186,10 @@ bool PlaceText(const DxfDecoder& dxf, const DxfTextPlace& place, double height, 
 // Lays out and draws dxf.paragraphs.bytes.
 struct DxfParagraphPlace {
     DxfTextPlace place;
-    double height = 1;      // of a capital
-    double width = 0;       // that lines are wrapped at; 0: they are not
-    double spacing = 1;     // times the usual distance of lines
+    double height = 1;   // of a capital
+    double width = 0;    // that lines are wrapped at; 0: they are not
+    double spacing = 1;  // times the usual distance of lines
     double widthFactor = 1;
-    int attachment = 1;     // the place stands 1 to 9: at the upper left to the lower right of the lines, row by row
+    int attachment = 1;  // the place stands 1 to 9: at the upper left to the lower right of the lines, row by row
 };
 void DrawParagraphs(DxfDecoder& dxf, const DxfParagraphPlace& place);

@@ -58,7 +58,8 @@ static void DrawSolid(DxfDecoder& dxf, DxfReader*) {
     BeginPath(dxf, true);
     for (const int code : codes) PathTo(dxf, dxf.map.Point(PointOf(groups, code)));
     EndPath(dxf);
-    DrawDxfLine(dxf, dxf.map.Point(PointOf(groups, 10)), dxf.map.Point(PointOf(groups, 11)));  // one thinner than a pixel
+    DrawDxfLine(dxf, dxf.map.Point(PointOf(groups, 10)),
+                dxf.map.Point(PointOf(groups, 11)));  // one thinner than a pixel
 }
 
 static void Draw3dFace(DxfDecoder& dxf, DxfReader*) {
@@ -89,7 +90,8 @@ static void DrawEndless(DxfDecoder& dxf, bool bothWays) {
                          std::hypot(base.x - view.worldMinX, base.y - view.worldMinY);
     if (!(length > 0) || !IsDrawable(length) || !IsDrawable(reach)) return;
     const WorldPoint step = {along.x / length * reach, along.y / length * reach};
-    DrawDxfLine(dxf, bothWays ? WorldPoint{base.x - step.x, base.y - step.y} : base, {base.x + step.x, base.y + step.y});
+    DrawDxfLine(dxf, bothWays ? WorldPoint{base.x - step.x, base.y - step.y} : base,
+                {base.x + step.x, base.y + step.y});
 }
 static void DrawRay(DxfDecoder& dxf, DxfReader*) { DrawEndless(dxf, false); }
 static void DrawXLine(DxfDecoder& dxf, DxfReader*) { DrawEndless(dxf, true); }
@@ -139,8 +141,8 @@ static void DrawMLine(DxfDecoder& dxf, DxfReader*) {
             case 74: parameters = 0; break;
             case 41: {
                 if (parameters++ != 0 || element >= kMostElements) break;
-                const WorldPoint at = dxf.map.Point(
-                    {vertex.x + miter.x * value, vertex.y + miter.y * value, vertex.z + miter.z * value});
+                const WorldPoint at =
+                    dxf.map.Point({vertex.x + miter.x * value, vertex.y + miter.y * value, vertex.z + miter.z * value});
                 if (vertices == 1) first[element] = at;
                 else DrawDxfLine(dxf, before[element], at);
                 before[element++] = at;
@@ -290,7 +292,8 @@ static constexpr KindIndex MakeKindIndex() {
         const char* const name = kKinds[row].name;
         unsigned length = 0;
         while (name[length]) ++length;
-        std::int8_t& slot = index.first[SlotOfKind(length, static_cast<unsigned>(name[0]), static_cast<unsigned>(name[1]))];
+        std::int8_t& slot =
+            index.first[SlotOfKind(length, static_cast<unsigned>(name[0]), static_cast<unsigned>(name[1]))];
         index.next[row] = slot;
         slot = static_cast<std::int8_t>(row);
     }

@@ -17,9 +17,7 @@ struct PlaneMap {
     double xx, xy, xz, x0;
     double yx, yy, yz, y0;
 
-    WorldPoint Direction(Vector3 v) const {
-        return {xx * v.x + xy * v.y + xz * v.z, yx * v.x + yy * v.y + yz * v.z};
-    }
+    WorldPoint Direction(Vector3 v) const { return {xx * v.x + xy * v.y + xz * v.z, yx * v.x + yy * v.y + yz * v.z}; }
     WorldPoint Point(Vector3 p) const {
         const WorldPoint at = Direction(p);
         return {at.x + x0, at.y + y0};

@@ -131,7 +131,8 @@ void HatchWalk::TakeEdgeGroup(const DxfPair& pair) {
     }
     if (!hasEdge) return;
     const bool isSpline = edge.kind == 4;
-    if (pair.code == 94 && isSpline) spline.degree = static_cast<int>(std::clamp(DxfInteger(dxf.form, 94, pair.value), 0ll, 99ll));
+    if (pair.code == 94 && isSpline)
+        spline.degree = static_cast<int>(std::clamp(DxfInteger(dxf.form, 94, pair.value), 0ll, 99ll));
     if (pair.code == 73) edge.counterClockwise = DxfInteger(dxf.form, 73, pair.value) != 0;
     if (pair.code < 10 || pair.code > 59) return;
     const double value = Value(pair);
@@ -271,7 +272,8 @@ bool FindCrossings(DxfDecoder& dxf, const Family& family, std::vector<DxfCrossin
         for (std::size_t i = 0; i < count; ++i) {
             const WorldPoint a = points[i], b = points[(i + 1) % count];
             const auto lineOf = [&](WorldPoint p) {
-                return ((p.y - family.base.y) * family.along.x - (p.x - family.base.x) * family.along.y) / family.spacing;
+                return ((p.y - family.base.y) * family.along.x - (p.x - family.base.x) * family.along.y) /
+                       family.spacing;
             };
             const double la = lineOf(a), lb = lineOf(b);
             if (!(std::fabs(la) < 1e9 && std::fabs(lb) < 1e9)) return false;

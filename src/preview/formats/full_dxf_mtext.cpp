@@ -41,9 +41,9 @@ void CodeReader::Put(char16_t c) {
     DxfParagraphs& out = dxf.paragraphs;
     if (out.characters.size() >= kMostCharacters) return;
     const auto same = [&](const Look& a) {
-        return a.height == look.height && a.widthFactor == look.widthFactor && a.obliqueDegrees == look.obliqueDegrees &&
-               a.align == look.align && a.level == look.level && a.underlined == look.underlined &&
-               a.overlined == look.overlined && a.struckOut == look.struckOut;
+        return a.height == look.height && a.widthFactor == look.widthFactor &&
+               a.obliqueDegrees == look.obliqueDegrees && a.align == look.align && a.level == look.level &&
+               a.underlined == look.underlined && a.overlined == look.overlined && a.struckOut == look.struckOut;
     };
     if (out.looks.empty() || (!same(out.looks.back()) && out.looks.size() < kMostLooks)) out.looks.push_back(look);
     out.characters.push_back(c);
@@ -239,7 +239,8 @@ void FindLines(DxfParagraphs* p, double width) {
     }
     end(p->characters.size(), p->characters.size());
     for (DxfParagraphs::Line& row : p->lines) {
-        for (std::size_t i = row.begin; i < row.end; ++i) row.height = std::max(row.height, HeightOf(p->looks[p->lookOf[i]]));
+        for (std::size_t i = row.begin; i < row.end; ++i)
+            row.height = std::max(row.height, HeightOf(p->looks[p->lookOf[i]]));
         if (row.begin == row.end) {
             const std::size_t at = std::min(row.begin, p->lookOf.size() - 1);
             row.height = p->lookOf.empty() ? 1 : HeightOf(p->looks[p->lookOf[at]]);
@@ -367,7 +368,8 @@ static double StyleWidth(DxfDecoder& dxf, ByteView name) {
 
 static void AppendBytes(std::string* out, ByteView bytes) {
     constexpr std::size_t kMostBytes = 1 << 17;
-    out->append(reinterpret_cast<const char*>(bytes.data), std::min(bytes.size, kMostBytes - std::min(kMostBytes, out->size())));
+    out->append(reinterpret_cast<const char*>(bytes.data),
+                std::min(bytes.size, kMostBytes - std::min(kMostBytes, out->size())));
 }
 
 static Vector3 Across(Vector3 n, Vector3 a) {  // upward, for a text along `a`
@@ -392,9 +394,9 @@ void DrawDxfMText(DxfDecoder& dxf, DxfReader*) {
     const double angle = Radians(groups.Number(50)), c = std::cos(angle), s = std::sin(angle);
     DxfParagraphPlace place;
     place.place.at = PointOf(groups, 10);
-    place.place.along = groups.Has(11) ? Unit(PointOf(groups, 11))
-                                       : Vector3{axes.x.x * c + axes.y.x * s, axes.x.y * c + axes.y.y * s,
-                                                 axes.x.z * c + axes.y.z * s};
+    place.place.along =
+        groups.Has(11) ? Unit(PointOf(groups, 11))
+                       : Vector3{axes.x.x * c + axes.y.x * s, axes.x.y * c + axes.y.y * s, axes.x.z * c + axes.y.z * s};
     place.place.up = Across(axes.z, place.place.along);
     place.height = groups.Number(40, 1);
     place.width = std::max(groups.Number(41), 0.0);
@@ -459,7 +461,8 @@ void LeaderWalk::EndLeader() {
 void LeaderWalk::Take(const DxfPair& pair) {
     const ByteView value = pair.value;
     const int tens = pair.code / 10, ones = pair.code % 10;
-    const double number = pair.code < 60 || (pair.code >= 110 && pair.code < 150) ? DxfNumber(dxf.form, pair.code, value) : 0;
+    const double number =
+        pair.code < 60 || (pair.code >= 110 && pair.code < 150) ? DxfNumber(dxf.form, pair.code, value) : 0;
     if (part == kNone) {
         if (pair.code == 300) part = kContext;
     } else if (part == kContext) {
@@ -473,7 +476,8 @@ void LeaderWalk::Take(const DxfPair& pair) {
         else if (pair.code == 42) angle = number;
         else if (pair.code == 43) text.width = std::max(number, 0.0);
         else if (pair.code == 45) text.spacing = number;
-        else if (pair.code == 171) text.attachment = static_cast<int>(std::clamp(DxfInteger(dxf.form, 171, value), 1ll, 3ll));
+        else if (pair.code == 171)
+            text.attachment = static_cast<int>(std::clamp(DxfInteger(dxf.form, 171, value), 1ll, 3ll));
         else if (pair.code == 290) hasText = DxfInteger(dxf.form, 290, value) != 0;
     } else if (part == kLeader) {
         if (pair.code == 303) EndLeader();

@@ -51,7 +51,8 @@ void Polyline::DrawBand(const Vertex& from, const Vertex& to) {
                 // Left of a counter-clockwise arc is toward the centre.
                 const double scale = 1 - (sweep > 0 ? offset : -offset) / radius;
                 const WorldPoint p = conic.At(start + sweep * t);
-                PathTo(dxf, {conic.centre.x + (p.x - conic.centre.x) * scale, conic.centre.y + (p.y - conic.centre.y) * scale});
+                PathTo(dxf, {conic.centre.x + (p.x - conic.centre.x) * scale,
+                             conic.centre.y + (p.y - conic.centre.y) * scale});
             } else {
                 const Vertex& end = t == 0 ? from : to;
                 PathTo(dxf, dxf.map.Point({end.x + nx * offset, end.y + ny * offset, from.z}));

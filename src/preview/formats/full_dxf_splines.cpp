@@ -21,7 +21,8 @@ void DxfSpline::Clear() {
 
 // Halves a piece of a curve until its middle lies near its chord. `at` gives the curve's point.
 template <typename Curve>
-static void PathThrough(DxfDecoder& dxf, const Curve& at, double from, WorldPoint a, double to, WorldPoint b, int depth) {
+static void PathThrough(DxfDecoder& dxf, const Curve& at, double from, WorldPoint a, double to, WorldPoint b,
+                        int depth) {
     const double middle = (from + to) / 2;
     const WorldPoint m = at(middle);
     const double dx = b.x - a.x, dy = b.y - a.y, chord = std::hypot(dx, dy);
@@ -111,7 +112,8 @@ static void PathAlongControls(DxfDecoder& dxf, DxfSpline* s) {
             PathTo(dxf, PointOfSpline(*s, span, from));
             PathTo(dxf, PointOfSpline(*s, span, to));
         } else {
-            PathAlongPiece(dxf, [&](double t) { return PointOfSpline(*s, span, t); }, from, to);
+            PathAlongPiece(
+                dxf, [&](double t) { return PointOfSpline(*s, span, t); }, from, to);
         }
     }
 }
@@ -130,7 +132,8 @@ static void PathAlongFits(DxfDecoder& dxf, DxfSpline* s) {
     std::size_t lead = 0;
     if (s->closed && points.size() > 2) {
         constexpr std::size_t kWrap = 8;
-        if (std::hypot(points.front().x - points.back().x, points.front().y - points.back().y) < 1e-9) points.pop_back();
+        if (std::hypot(points.front().x - points.back().x, points.front().y - points.back().y) < 1e-9)
+            points.pop_back();
         const std::size_t count = points.size();
         lead = std::min(kWrap, count);
         std::vector<WorldPoint>& wrapped = s->controls;

@@ -6,9 +6,9 @@
 #include "preview/formats/full_dxf_box.h"
 #include "preview/formats/full_dxf_decoder.h"
 
-static constexpr std::size_t kPiece = 4096;               // points of a line
-static constexpr std::size_t kMostAreaPoints = 1 << 19;   // what is beyond is left out
-static constexpr int kMostSegments = 1024;                // of one turn
+static constexpr std::size_t kPiece = 4096;              // points of a line
+static constexpr std::size_t kMostAreaPoints = 1 << 19;  // what is beyond is left out
+static constexpr int kMostSegments = 1024;               // of one turn
 
 void DrawDxfPoint(DxfDecoder& dxf, WorldPoint at) {
     dxf.budget.Charge(1);
@@ -38,7 +38,8 @@ void BeginPath(DxfDecoder& dxf, bool area) {
     dxf.path.skipped = false;
 }
 
-static void Emit(DxfDecoder& dxf, const WorldPoint* points, const std::size_t* counts, std::size_t outlines, bool filled) {
+static void Emit(DxfDecoder& dxf, const WorldPoint* points, const std::size_t* counts, std::size_t outlines,
+                 bool filled) {
     const Path path = {points, counts, outlines, filled};
     dxf.sink->path(*dxf.sink, path, dxf.pen);
 }
@@ -85,7 +86,8 @@ void PathTo(DxfDecoder& dxf, WorldPoint p) {
 void EndOutline(DxfDecoder& dxf) {
     DxfPoints& path = dxf.path;
     if (path.skipped) {
-        const double length = std::fabs(path.last.x - path.points.back().x) + std::fabs(path.last.y - path.points.back().y);
+        const double length =
+            std::fabs(path.last.x - path.points.back().x) + std::fabs(path.last.y - path.points.back().y);
         if (length > 0 && path.points.size() > path.begin + 1) Append(dxf, path.last);
         path.skipped = false;
     }

@@ -73,7 +73,8 @@ const DxfNames::Row* DxfNames::Find(const DxfForm& form, ByteView name) const {
     constexpr int kMostTries = 8;  // names that share a hash are an attack
     name = Trimmed(name);
     const std::uint32_t hash = HashOfName(name);
-    auto row = std::lower_bound(rows.begin(), rows.end(), hash, [](const Row& a, std::uint32_t b) { return a.hash < b; });
+    auto row =
+        std::lower_bound(rows.begin(), rows.end(), hash, [](const Row& a, std::uint32_t b) { return a.hash < b; });
     for (int i = 0; i < kMostTries && row != rows.end() && row->hash == hash; ++i, ++row) {
         if (SameName(NameOfRow(form, *row), name)) return &*row;
     }
@@ -146,15 +147,14 @@ static Section SectionOf(ByteView name) {
 }
 
 // Records that belong to the entity before them.
-static bool IsPart(ByteView kind) {
-    return IsName(kind, "VERTEX") || IsName(kind, "SEQEND") || IsName(kind, "ATTRIB");
-}
+static bool IsPart(ByteView kind) { return IsName(kind, "VERTEX") || IsName(kind, "SEQEND") || IsName(kind, "ATTRIB"); }
 
 static void TakeVariable(const DxfForm& form, ByteView name, const DxfPair& pair, DxfTables* out) {
     if (IsName(name, "$ACADVER") && pair.code == 1) {
         const ByteView text = Trimmed(pair.value);
         if (MatchAt(text, 0, "AC")) {
-            out->version = static_cast<int>(DxfInteger({}, 70, {text.data + 2, std::min<std::size_t>(text.size - 2, 4)}));
+            out->version =
+                static_cast<int>(DxfInteger({}, 70, {text.data + 2, std::min<std::size_t>(text.size - 2, 4)}));
         }
     } else if (IsName(name, "$DWGCODEPAGE") && pair.code == 3) {
         out->codePage = Trimmed(pair.value);
@@ -203,7 +203,8 @@ DxfTables SurveyDxf(const DxfForm& form, const std::atomic<std::int32_t>* goOn) 
         } else if (pair.code == 2 && expectSection) {
             expectSection = false;
             section = SectionOf(pair.value);
-            if (section == Section::kEntities && (out.entities == kNowhere || out.entityCount == 0)) out.entities = reader.at;
+            if (section == Section::kEntities && (out.entities == kNowhere || out.entityCount == 0))
+                out.entities = reader.at;
         } else if (pair.code == 2 && named) {
             named->Add(pair.value, record, before);
             named = nullptr;

@@ -59,7 +59,7 @@ struct DxfTables {
 
     int version = 0;  // the number in "AC1015"; 0: not stated
     ByteView codePage, title;
-    int units = 0;            // $INSUNITS
+    int units = 0;                   // $INSUNITS
     std::size_t remarks = kNowhere;  // the first one's pair
 
     bool hasSections = false;

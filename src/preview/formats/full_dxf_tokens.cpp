@@ -90,14 +90,14 @@ struct CodeRange {
 };
 // Each row reaches from behind the one before to its last code.
 static constexpr CodeRange kCodeRanges[] = {
-    {9, ValueForm::kString},    {59, ValueForm::kDouble},   {79, ValueForm::kInt16},   {89, ValueForm::kString},
-    {99, ValueForm::kInt32},    {109, ValueForm::kString},  {149, ValueForm::kDouble}, {159, ValueForm::kString},
-    {169, ValueForm::kInt64},   {179, ValueForm::kInt16},   {209, ValueForm::kString}, {239, ValueForm::kDouble},
-    {269, ValueForm::kString},  {289, ValueForm::kInt16},   {299, ValueForm::kByte},   {309, ValueForm::kString},
-    {319, ValueForm::kChunk},   {369, ValueForm::kString},  {389, ValueForm::kInt16},  {399, ValueForm::kString},
-    {409, ValueForm::kInt16},   {419, ValueForm::kString},  {429, ValueForm::kInt32},  {439, ValueForm::kString},
+    {9, ValueForm::kString},    {59, ValueForm::kDouble},   {79, ValueForm::kInt16},    {89, ValueForm::kString},
+    {99, ValueForm::kInt32},    {109, ValueForm::kString},  {149, ValueForm::kDouble},  {159, ValueForm::kString},
+    {169, ValueForm::kInt64},   {179, ValueForm::kInt16},   {209, ValueForm::kString},  {239, ValueForm::kDouble},
+    {269, ValueForm::kString},  {289, ValueForm::kInt16},   {299, ValueForm::kByte},    {309, ValueForm::kString},
+    {319, ValueForm::kChunk},   {369, ValueForm::kString},  {389, ValueForm::kInt16},   {399, ValueForm::kString},
+    {409, ValueForm::kInt16},   {419, ValueForm::kString},  {429, ValueForm::kInt32},   {439, ValueForm::kString},
     {459, ValueForm::kInt32},   {469, ValueForm::kDouble},  {1003, ValueForm::kString}, {1004, ValueForm::kChunk},
-    {1009, ValueForm::kString}, {1059, ValueForm::kDouble}, {1070, ValueForm::kInt16}, {1071, ValueForm::kInt32},
+    {1009, ValueForm::kString}, {1059, ValueForm::kDouble}, {1070, ValueForm::kInt16},  {1071, ValueForm::kInt32},
 };
 
 static ValueForm FormOfCode(int code) {
@@ -195,6 +195,6 @@ static std::uint8_t Upper(std::uint8_t byte) {
 }
 
 bool SameName(ByteView a, ByteView b) {
-    return a.size == b.size &&
-           std::equal(a.data, a.data + a.size, b.data, [](std::uint8_t x, std::uint8_t y) { return Upper(x) == Upper(y); });
+    return a.size == b.size && std::equal(a.data, a.data + a.size, b.data,
+                                          [](std::uint8_t x, std::uint8_t y) { return Upper(x) == Upper(y); });
 }

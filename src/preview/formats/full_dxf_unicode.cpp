@@ -12,10 +12,10 @@ struct PageName {
     unsigned page;
 };
 static constexpr PageName kPageNames[] = {
-    {"dos437", 437},    {"dos850", 850}, {"dos852", 852}, {"dos855", 855},  {"dos857", 857}, {"dos860", 860},
-    {"dos861", 861},    {"dos863", 863}, {"dos864", 864}, {"dos865", 865},  {"dos866", 866}, {"dos869", 869},
-    {"dos932", 932},    {"big5", 950},   {"gb2312", 936}, {"ksc5601", 949}, {"johab", 1361}, {"mac-roman", 10000},
-    {"iso8859-2", 28592},
+    {"dos437", 437},  {"dos850", 850}, {"dos852", 852},      {"dos855", 855},      {"dos857", 857},
+    {"dos860", 860},  {"dos861", 861}, {"dos863", 863},      {"dos864", 864},      {"dos865", 865},
+    {"dos866", 866},  {"dos869", 869}, {"dos932", 932},      {"big5", 950},        {"gb2312", 936},
+    {"ksc5601", 949}, {"johab", 1361}, {"mac-roman", 10000}, {"iso8859-2", 28592},
 };
 
 // The number behind "ANSI_" or a name of its own; 0 when it is none.
@@ -40,7 +40,9 @@ DxfEncoding EncodingOf(const DxfForm& form, const DxfTables& tables, const CodeP
     return encoding;
 }
 
-static bool HasLeadBytes(unsigned page) { return page == 932 || page == 936 || page == 949 || page == 950 || page == 1361; }
+static bool HasLeadBytes(unsigned page) {
+    return page == 932 || page == 936 || page == 949 || page == 950 || page == 1361;
+}
 
 // ---- Conversion
 
@@ -60,7 +62,12 @@ static void AppendPoint(std::u16string* out, std::uint32_t point) {
 // The character at the text's begin, and its bytes; 0 bytes when it is not UTF-8.
 static std::size_t TakeUtf8(ByteView text, std::uint32_t* point) {
     const std::uint8_t lead = text.data[0];
-    const std::size_t size = lead < 0x80 ? 1 : lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+    const std::size_t size = lead < 0x80   ? 1
+                             : lead < 0xC2 ? 0
+                             : lead < 0xE0 ? 2
+                             : lead < 0xF0 ? 3
+                             : lead < 0xF5 ? 4
+                                           : 0;
     if (size == 0 || text.size < size) return 0;
     *point = size == 1 ? lead : lead & (0x7Fu >> size);
     for (std::size_t i = 1; i < size; ++i) {
@@ -121,7 +128,8 @@ static std::size_t TakeNamedCharacter(const DxfEncoding& encoding, ByteView text
         AppendUnit(out, value);
         return 7;
     }
-    if (!MatchAt(text, at, "\\M+") || text.size - at < 8 || text.data[at + 3] < '1' || text.data[at + 3] > '5') return 0;
+    if (!MatchAt(text, at, "\\M+") || text.size - at < 8 || text.data[at + 3] < '1' || text.data[at + 3] > '5')
+        return 0;
     if (!TakeHex(text, at + 4, 4, &value)) return 0;
     const std::uint8_t bytes[] = {static_cast<std::uint8_t>(value >> 8), static_cast<std::uint8_t>(value)};
     AppendBytes(encoding, kPages[text.data[at + 3] - '0'], false, {bytes, 2}, out);
