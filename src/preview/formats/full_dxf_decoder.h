@@ -114,6 +114,7 @@ struct DxfDecoder {
     DxfPoints path;
     DxfSpline spline;
     std::vector<WorldPoint> corners;  // of meshes
+    std::vector<int> outlineFlags;    // of hatches
     std::vector<DxfCrossing> crossings;
     std::u16string text;
     DxfParagraphs paragraphs;
@@ -179,6 +180,12 @@ struct DxfTextPlace {
     Vector3 at, along, up;
 };
 
+struct DxfTextStyle {
+    double widthFactor = 1;
+    double height = 0;  // 0: each text has its own
+};
+DxfTextStyle TextStyleOf(const DxfDecoder& dxf, ByteView name);
+
 // Fills what depends on the frame and maps it to the plane; false when the text would have no height.
 bool PlaceText(const DxfDecoder& dxf, const DxfTextPlace& place, double height, double widthFactor, double fitWidth,
                double obliqueDegrees, UnicodeText* out);
@@ -193,3 +200,8 @@ struct DxfParagraphPlace {
     int attachment = 1;  // the place stands 1 to 9: at the upper left to the lower right of the lines, row by row
 };
 void DrawParagraphs(DxfDecoder& dxf, const DxfParagraphPlace& place);
+void AppendParagraphBytes(DxfDecoder& dxf, ByteView bytes);
+
+// A unit along `a` where it has a length, else along the x axis; and upward from a text along it.
+Vector3 AlongText(Vector3 a);
+Vector3 UpFromText(Vector3 normal, Vector3 along);

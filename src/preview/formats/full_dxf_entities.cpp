@@ -178,7 +178,7 @@ static void DrawOleFrame(DxfDecoder& dxf, DxfReader*) {
     DrawOutline(dxf, corners, 4);
 }
 
-// A mesh of faces: vertices in groups 10 to 30 behind 93, and behind 94 the faces, each a number of corners and these.
+// A mesh of faces: behind 92 its vertices, behind 93 the faces, each a number of corners and these, behind 94 edges.
 static void DrawMesh(DxfDecoder& dxf, DxfReader*) {
     constexpr std::size_t kMostVertices = 1 << 17;
     std::vector<WorldPoint>& vertices = dxf.corners;
@@ -186,37 +186,34 @@ static void DrawMesh(DxfDecoder& dxf, DxfReader*) {
     DxfReader reader = {&dxf.form, dxf.groups.begin};
     DxfPair pair;
     Vector3 vertex = {};
-    enum { kHead, kVertices, kFaces, kRest } part = kHead;
+    int part = 0;        // the group that began it
     long long left = 0;  // corners of the open face
     WorldPoint first = {};
     bool open = false;
     BeginPath(dxf);
-    while (part != kRest && NextInRecord(&reader, &pair) && dxf.MayContinue()) {
-        if (pair.code == 92) part = kVertices;
-        if (pair.code == 93 && part == kVertices) continue;
-        if (pair.code == 94) part = kFaces;
-        else if (pair.code == 95) part = kRest;
-        else if (part == kVertices && pair.code == 10) vertex = {DxfNumber(dxf.form, 10, pair.value), 0, 0};
-        else if (part == kVertices && pair.code == 20) vertex.y = DxfNumber(dxf.form, 20, pair.value);
-        else if (part == kVertices && pair.code == 30) {
+    while (part != 94 && NextInRecord(&reader, &pair) && dxf.MayContinue()) {
+        if (pair.code >= 92 && pair.code <= 94) part = pair.code;
+        if (part == 92 && pair.code == 10) vertex.x = DxfNumber(dxf.form, 10, pair.value);
+        if (part == 92 && pair.code == 20) vertex.y = DxfNumber(dxf.form, 20, pair.value);
+        if (part == 92 && pair.code == 30) {
             vertex.z = DxfNumber(dxf.form, 30, pair.value);
             if (vertices.size() < kMostVertices) vertices.push_back(dxf.map.Point(vertex));
-        } else if (part == kFaces && pair.code == 90) {
-            const long long number = DxfInteger(dxf.form, 90, pair.value);
-            if (left == 0) {
-                left = number;
-                open = false;
-                EndOutline(dxf);
-                continue;
-            }
-            --left;
-            if (number < 0 || static_cast<std::size_t>(number) >= vertices.size()) continue;
-            const WorldPoint at = vertices[static_cast<std::size_t>(number)];
-            if (!open) first = at;
-            open = true;
-            PathTo(dxf, at);
-            if (left == 0) PathTo(dxf, first);
         }
+        if (part != 93 || pair.code != 90) continue;
+        const long long number = DxfInteger(dxf.form, 90, pair.value);
+        if (left <= 0) {
+            left = number;
+            open = false;
+            EndOutline(dxf);
+            continue;
+        }
+        --left;
+        if (number < 0 || static_cast<unsigned long long>(number) >= vertices.size()) continue;
+        const WorldPoint at = vertices[static_cast<std::size_t>(number)];
+        if (!open) first = at;
+        open = true;
+        PathTo(dxf, at);
+        if (left == 0) PathTo(dxf, first);
     }
     EndPath(dxf);
 }

@@ -9,6 +9,9 @@
 
 namespace {
 
+enum OutlineFlag { kExternalFlag = 1, kPolylineFlag = 2, kTextFlag = 8, kOutermostFlag = 16 };
+enum Style { kNested = 0, kOutermost = 1, kIgnoreInner = 2 };
+
 constexpr int kMostPatternLines = 64, kMostDashes = 12;
 constexpr std::size_t kMostCrossings = 1 << 18;
 
@@ -67,8 +70,10 @@ struct HatchWalk {
     enum { kHead, kPolyline, kEdges, kPattern, kDone } part = kHead;
     Edge edge = {};
     bool hasEdge = false;
+    std::size_t edgeCount = 0;  // of the open outline
     // Polylines: the vertex before, its bulge, and the first one.
     double x = 0, y = 0, bulge = 0, firstX = 0, firstY = 0;
+    int flags = 0;  // of the open outline
     int vertices = 0;
     bool pending = false;  // x and y are read, but not yet part of the outline
     double lastX = 0, lastY = 0, lastBulge = 0;
@@ -100,9 +105,28 @@ void HatchWalk::TakeVertex() {
     lastX = x, lastY = y, lastBulge = bulge;
 }
 
+double Distance(WorldPoint a, WorldPoint b) { return std::hypot(a.x - b.x, a.y - b.y); }
+
+// Edges follow each other, but not every writer lets each begin where the one before ends: those that run the other way
+// are turned around, the first one too.
 void HatchWalk::EndEdge() {
-    if (hasEdge) DrawEdge(dxf, edge, z);
+    if (!hasEdge) return;
     hasEdge = false;
+    std::vector<WorldPoint>& points = dxf.path.points;
+    const std::size_t before = points.size();
+    DrawEdge(dxf, edge, z);
+    if (dxf.path.skipped || points.size() < before + 2) return;
+    const auto begin = points.begin() + static_cast<std::ptrdiff_t>(before);
+    const std::size_t edges = ++edgeCount;
+    if (edges == 1 || before == dxf.path.begin) return;
+    const WorldPoint first = points[before], last = points.back();
+    const double toEnd = std::min(Distance(points[before - 1], first), Distance(points[before - 1], last));
+    const WorldPoint opening = points[dxf.path.begin];
+    if (edges == 2 && std::min(Distance(opening, first), Distance(opening, last)) < toEnd * 0.5) {
+        std::reverse(points.begin() + static_cast<std::ptrdiff_t>(dxf.path.begin), begin);
+    }
+    if (Distance(points[before - 1], last) < Distance(points[before - 1], first) * 0.5)
+        std::reverse(begin, points.end());
 }
 
 void HatchWalk::EndOfOutline() {
@@ -115,8 +139,11 @@ void HatchWalk::EndOfOutline() {
         }
     }
     if (part == kEdges) EndEdge();
+    const std::size_t before = dxf.path.counts.size();
     EndOutline(dxf);
+    if (dxf.path.counts.size() > before) dxf.outlineFlags.push_back(flags);
     vertices = 0;
+    edgeCount = 0;
 }
 
 void HatchWalk::TakeEdgeGroup(const DxfPair& pair) {
@@ -184,14 +211,14 @@ void HatchWalk::TakePatternGroup(const DxfPair& pair) {
 }
 
 void HatchWalk::Take(const DxfPair& pair) {
-    constexpr int kPolylineFlag = 2;
     switch (pair.code) {
         case 70:
             if (part == kHead) hatch->solid = DxfInteger(dxf.form, 70, pair.value) != 0;
             return;
         case 92:
             EndOfOutline();
-            part = DxfInteger(dxf.form, 92, pair.value) & kPolylineFlag ? kPolyline : kEdges;
+            flags = static_cast<int>(DxfInteger(dxf.form, 92, pair.value) & 0xFF);
+            part = flags & kPolylineFlag ? kPolyline : kEdges;
             return;
         case 75:
             EndOfOutline();
@@ -214,6 +241,31 @@ void HatchWalk::Take(const DxfPair& pair) {
     }
     if (pair.code == 20) y = Value(pair);
     if (pair.code == 42) bulge = Value(pair);
+}
+
+// Takes out the outlines that the hatch's style leaves to others: islands within islands, or all of them, and the room
+// for texts. Where nothing would be left the flags are not to be trusted.
+void LeaveOutInner(DxfDecoder& dxf, int style) {
+    DxfPoints& path = dxf.path;
+    const auto isDrawn = [&](int flags) {
+        if (flags & kTextFlag) return false;
+        return style == kNested || (flags & kExternalFlag) || (style != kIgnoreInner && (flags & kOutermostFlag));
+    };
+    if (std::none_of(dxf.outlineFlags.begin(), dxf.outlineFlags.end(), isDrawn)) return;
+    std::size_t from = 0, to = 0, kept = 0;
+    for (std::size_t i = 0; i < path.counts.size(); ++i) {
+        const std::size_t count = path.counts[i];
+        if (isDrawn(dxf.outlineFlags[i])) {
+            std::copy_n(path.points.begin() + static_cast<std::ptrdiff_t>(from), count,
+                        path.points.begin() + static_cast<std::ptrdiff_t>(to));
+            to += count;
+            path.counts[kept++] = count;
+        }
+        from += count;
+    }
+    path.counts.resize(kept);
+    path.points.resize(to);
+    path.begin = to;
 }
 
 // ---- Pattern lines
@@ -330,8 +382,10 @@ void DrawDxfHatch(DxfDecoder& dxf, DxfReader*) {
     DxfReader reader = {&dxf.form, dxf.groups.begin};
     DxfPair pair;
     BeginPath(dxf, true);
+    dxf.outlineFlags.clear();
     while (walk.part != HatchWalk::kDone && NextInRecord(&reader, &pair) && dxf.MayContinue()) walk.Take(pair);
     walk.EndOfOutline();
+    LeaveOutInner(dxf, hatch.style);
     if (hatch.solid || dxf.IsMeasuring()) return EndPath(dxf);
     if (hatch.lineCount == 0) return DrawBoundary(dxf);
     if (!DrawPattern(dxf, hatch, z)) EndPath(dxf);

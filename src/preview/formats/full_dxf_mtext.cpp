@@ -1,5 +1,5 @@
-// MTEXT and MULTILEADER: texts of several lines with codes inside. Codes that change what a small picture shows are
-// followed (height, width, slant, stacked fractions, alignment), fonts and colours are taken out.
+// Texts of several lines with codes inside, and MTEXT, which is such a text. Codes that change what a small picture
+// shows are followed (height, width, slant, stacked fractions, alignment), fonts and colours are taken out.
 #include <algorithm>
 #include <cmath>
 #include <string>
@@ -14,7 +14,7 @@ using Look = DxfParagraphs::Look;
 
 constexpr std::size_t kMostCharacters = 1 << 15, kMostLooks = 4096;
 constexpr char16_t kBreak = u'\n';
-constexpr double kFractionHeight = 0.6, kLineDistance = 5.0 / 3;
+constexpr double kFractionHeight = 0.7, kLineDistance = 5.0 / 3;
 enum Level { kPlain = 0, kUpper = 1, kLower = 2, kLowerWithBar = 3 };
 
 // ---- Codes
@@ -353,33 +353,20 @@ void DrawParagraphs(DxfDecoder& dxf, const DxfParagraphPlace& place) {
     }
 }
 
-static double StyleWidth(DxfDecoder& dxf, ByteView name) {
-    const DxfNames::Row* const row = dxf.tables.styles.Find(dxf.form, name);
-    if (!row) return 1;
-    DxfReader reader = {&dxf.form, row->begin};
-    DxfPair pair;
-    while (NextInRecord(&reader, &pair)) {
-        if (pair.code != 41) continue;
-        const double width = DxfNumber(dxf.form, 41, pair.value);
-        if (width > 0.01 && width < 100) return width;
-    }
-    return 1;
-}
-
-static void AppendBytes(std::string* out, ByteView bytes) {
+void AppendParagraphBytes(DxfDecoder& dxf, ByteView bytes) {
     constexpr std::size_t kMostBytes = 1 << 17;
-    out->append(reinterpret_cast<const char*>(bytes.data),
-                std::min(bytes.size, kMostBytes - std::min(kMostBytes, out->size())));
+    std::string& out = dxf.paragraphs.bytes;
+    const std::size_t room = kMostBytes - std::min(kMostBytes, out.size());
+    out.append(reinterpret_cast<const char*>(bytes.data), std::min(bytes.size, room));
 }
 
-static Vector3 Across(Vector3 n, Vector3 a) {  // upward, for a text along `a`
-    const double length = std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z);
-    return {(n.y * a.z - n.z * a.y) / length, (n.z * a.x - n.x * a.z) / length, (n.x * a.y - n.y * a.x) / length};
-}
-
-static Vector3 Unit(Vector3 a) {
+Vector3 AlongText(Vector3 a) {
     const double length = std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z);
     return length > 0 && IsDrawable(length) ? Vector3{a.x / length, a.y / length, a.z / length} : Vector3{1, 0, 0};
+}
+
+Vector3 UpFromText(Vector3 n, Vector3 a) {
+    return {n.y * a.z - n.z * a.y, n.z * a.x - n.x * a.z, n.x * a.y - n.y * a.x};
 }
 
 void DrawDxfMText(DxfDecoder& dxf, DxfReader*) {
@@ -388,128 +375,20 @@ void DrawDxfMText(DxfDecoder& dxf, DxfReader*) {
     DxfPair pair;
     dxf.paragraphs.bytes.clear();
     while (NextInRecord(&reader, &pair)) {
-        if (pair.code == 1 || pair.code == 3) AppendBytes(&dxf.paragraphs.bytes, pair.value);
+        if (pair.code == 1 || pair.code == 3) AppendParagraphBytes(dxf, pair.value);
     }
     const Axes3 axes = AxesOfNormal(NormalOf(groups));
     const double angle = Radians(groups.Number(50)), c = std::cos(angle), s = std::sin(angle);
     DxfParagraphPlace place;
     place.place.at = PointOf(groups, 10);
     place.place.along =
-        groups.Has(11) ? Unit(PointOf(groups, 11))
+        groups.Has(11) ? AlongText(PointOf(groups, 11))
                        : Vector3{axes.x.x * c + axes.y.x * s, axes.x.y * c + axes.y.y * s, axes.x.z * c + axes.y.z * s};
-    place.place.up = Across(axes.z, place.place.along);
+    place.place.up = UpFromText(axes.z, place.place.along);
     place.height = groups.Number(40, 1);
     place.width = std::max(groups.Number(41), 0.0);
     place.spacing = groups.Number(44, 1);
     place.attachment = groups.Integer(71, 1);
-    place.widthFactor = StyleWidth(dxf, groups.Text(7));
+    place.widthFactor = TextStyleOf(dxf, groups.Text(7)).widthFactor;
     DrawParagraphs(dxf, place);
-}
-
-// ---- MULTILEADER
-
-namespace {
-
-// What a leader's context holds; the groups mean something else in each of its braces.
-struct LeaderWalk {
-    DxfDecoder& dxf;
-    enum { kNone, kContext, kLeader, kLine } part = kNone;
-    DxfParagraphPlace text = {};
-    bool hasText = false;
-    Vector3 normal = {0, 0, 1};
-    double angle = 0;
-    Vector3 last = {}, dogleg = {};  // where a leader's lines end, and the way to its text
-    double doglegLength = 0;
-    Vector3 point = {};
-    bool open = false;
-
-    void Take(const DxfPair& pair);
-    void Flush();
-    void EndLine();
-    void EndLeader();
-};
-
-void SetCoordinate(Vector3* point, int tens, double value) {
-    if (tens == 1) point->x = value;
-    if (tens == 2) point->y = value;
-    if (tens == 3) point->z = value;
-}
-
-void LeaderWalk::Flush() {
-    if (open) PathTo(dxf, dxf.map.Point(point));
-    open = false;
-}
-
-void LeaderWalk::EndLine() {
-    Flush();
-    PathTo(dxf, dxf.map.Point(last));
-    EndOutline(dxf);
-    part = kLeader;
-}
-
-void LeaderWalk::EndLeader() {
-    if (doglegLength > 0 && IsDrawable(doglegLength)) {
-        PathTo(dxf, dxf.map.Point(last));
-        PathTo(dxf, dxf.map.Point({last.x + dogleg.x * doglegLength, last.y + dogleg.y * doglegLength,
-                                   last.z + dogleg.z * doglegLength}));
-        EndOutline(dxf);
-    }
-    doglegLength = 0;
-    part = kContext;
-}
-
-void LeaderWalk::Take(const DxfPair& pair) {
-    const ByteView value = pair.value;
-    const int tens = pair.code / 10, ones = pair.code % 10;
-    const double number =
-        pair.code < 60 || (pair.code >= 110 && pair.code < 150) ? DxfNumber(dxf.form, pair.code, value) : 0;
-    if (part == kNone) {
-        if (pair.code == 300) part = kContext;
-    } else if (part == kContext) {
-        if (pair.code == 301) part = kNone;
-        else if (pair.code == 302) part = kLeader;
-        else if (pair.code == 304) AppendBytes(&dxf.paragraphs.bytes, value);
-        else if (tens >= 1 && tens <= 3 && ones == 2) SetCoordinate(&text.place.at, tens, number);
-        else if (tens >= 1 && tens <= 3 && ones == 3) SetCoordinate(&text.place.along, tens, number);
-        else if (tens >= 1 && tens <= 3 && ones == 1) SetCoordinate(&normal, tens, number);
-        else if (pair.code == 41) text.height = number;
-        else if (pair.code == 42) angle = number;
-        else if (pair.code == 43) text.width = std::max(number, 0.0);
-        else if (pair.code == 45) text.spacing = number;
-        else if (pair.code == 171)
-            text.attachment = static_cast<int>(std::clamp(DxfInteger(dxf.form, 171, value), 1ll, 3ll));
-        else if (pair.code == 290) hasText = DxfInteger(dxf.form, 290, value) != 0;
-    } else if (part == kLeader) {
-        if (pair.code == 303) EndLeader();
-        else if (pair.code == 304) part = kLine;
-        else if (tens >= 1 && tens <= 3 && ones == 0) SetCoordinate(&last, tens, number);
-        else if (tens >= 1 && tens <= 3 && ones == 1) SetCoordinate(&dogleg, tens, number);
-        else if (pair.code == 40) doglegLength = number;
-    } else {
-        if (pair.code == 305) return EndLine();
-        if (pair.code == 10) {
-            Flush();
-            open = true;
-            point = {number, 0, 0};
-        } else if (tens == 2 || tens == 3) {
-            if (ones == 0) SetCoordinate(&point, tens, number);
-        }
-    }
-}
-
-}  // namespace
-
-void DrawDxfMultiLeader(DxfDecoder& dxf, DxfReader*) {
-    LeaderWalk walk = {dxf};
-    walk.text.place.along = {1, 0, 0};
-    dxf.paragraphs.bytes.clear();
-    DxfReader reader = {&dxf.form, dxf.groups.begin};
-    DxfPair pair;
-    BeginPath(dxf);
-    while (NextInRecord(&reader, &pair) && dxf.MayContinue()) walk.Take(pair);
-    EndPath(dxf);
-    if (!walk.hasText) return;
-    walk.text.place.along = Unit(walk.text.place.along);
-    walk.text.place.up = Across(Unit(walk.normal), walk.text.place.along);
-    DrawParagraphs(dxf, walk.text);
 }

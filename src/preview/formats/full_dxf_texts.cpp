@@ -24,17 +24,19 @@ bool PlaceText(const DxfDecoder& dxf, const DxfTextPlace& place, double height, 
 enum Justification { kLeft = 0, kCentre = 1, kRight = 2, kAligned = 3, kMiddle = 4, kFit = 5 };
 enum Generation { kBackward = 2, kUpsideDown = 4 };
 
-static double WidthOfStyle(DxfDecoder& dxf, ByteView name, double* height) {
+DxfTextStyle TextStyleOf(const DxfDecoder& dxf, ByteView name) {
+    DxfTextStyle style;
     const DxfNames::Row* const row = dxf.tables.styles.Find(dxf.form, name);
-    if (!row) return 1;
+    if (!row) return style;
     DxfReader reader = {&dxf.form, row->begin};
     DxfPair pair;
-    double width = 1;
     while (NextInRecord(&reader, &pair)) {
-        if (pair.code == 41) width = DxfNumber(dxf.form, 41, pair.value);
-        if (pair.code == 40) *height = DxfNumber(dxf.form, 40, pair.value);
+        if (pair.code == 40) style.height = DxfNumber(dxf.form, 40, pair.value);
+        if (pair.code != 41) continue;
+        const double width = DxfNumber(dxf.form, 41, pair.value);
+        if (width > 0.01 && width < 100) style.widthFactor = width;
     }
-    return width > 0.01 && width < 100 ? width : 1;
+    return style;
 }
 
 // `verticalCode` names the vertical justification, which the kinds keep in different groups.
@@ -45,13 +47,11 @@ static void DrawLineOfText(DxfDecoder& dxf, ByteView bytes, int verticalCode) {
     AppendUnicode(dxf.encoding, bytes, &text);
     const DxfLineMarks marks = ResolveLineCodes(&text);
 
-    double height = groups.Number(40), styleHeight = 0;
-    double widthFactor = groups.Number(41, 0);
-    if (!(height > 0) || !(widthFactor > 0)) {
-        const double styleWidth = WidthOfStyle(dxf, groups.Text(7), &styleHeight);
-        if (!(widthFactor > 0)) widthFactor = styleWidth;
-        if (!(height > 0)) height = styleHeight > 0 ? styleHeight : 1;
-    }
+    double height = groups.Number(40);
+    if (!(height > 0)) height = TextStyleOf(dxf, groups.Text(7)).height;
+    if (!(height > 0)) height = 1;
+    // A text has its own width; its style's is only what new texts get.
+    const double ownWidth = groups.Number(41, 1), widthFactor = ownWidth > 0 ? ownWidth : 1;
     const int horizontal = groups.Integer(72), vertical = groups.Integer(verticalCode), flags = groups.Integer(71);
     const Vector3 first = PointOf(groups, 10), second = groups.Has(11) ? PointOf(groups, 11) : first;
     double angle = Radians(groups.Number(50));
