@@ -2,7 +2,9 @@
 add_library(kwdialogs_options INTERFACE)
 
 # Windows 7 is the oldest system. The A functions are called by name, so UNICODE stays undefined.
-target_compile_definitions(kwdialogs_options INTERFACE WINVER=0x0601 _WIN32_WINNT=0x0601 NOMINMAX)
+if(WIN32)
+  target_compile_definitions(kwdialogs_options INTERFACE WINVER=0x0601 _WIN32_WINNT=0x0601 NOMINMAX)
+endif()
 
 if(MSVC)
   target_compile_definitions(kwdialogs_options INTERFACE _CRT_SECURE_NO_WARNINGS _CRT_NONSTDC_NO_WARNINGS)
@@ -11,7 +13,7 @@ if(MSVC)
     $<$<COMPILE_LANGUAGE:CXX>:/permissive- /Zc:__cplusplus /EHsc>)
 else()
   target_compile_options(kwdialogs_options INTERFACE
-    $<$<COMPILE_LANGUAGE:C,CXX>:-Wall -Wextra -Wpedantic -Wconversion -Werror>
+    $<$<COMPILE_LANGUAGE:C,CXX>:-Wall -Wextra -Wpedantic -Wconversion -Wno-sign-conversion -Werror>
     $<$<COMPILE_LANGUAGE:C,CXX>:-ffunction-sections -fdata-sections>)
   # No -fstack-protector: this compiler's runtime draws its cookie from a crypto provider, which would be loaded
   # while the DLL is attached, under the loader lock.

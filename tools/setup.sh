@@ -31,13 +31,30 @@ need() {  # PACKAGE WHAT-FOR TEST...: notes the package unless the test succeeds
   "$@" >/dev/null 2>&1 || { missing+=("$package"); say "missing: $package ($purpose)"; }
 }
 
+# The sanitizers stand in a package that is named after the compiler's version.
+clang_version() {
+  if command -v clang >/dev/null; then
+    clang -dumpversion
+  else
+    apt-cache policy clang 2>/dev/null | sed -n 's/^ *Candidate: [0-9]*://p'
+  fi | cut -d. -f1
+}
+has_sanitizers() {
+  local library
+  library=$(clang --rtlib=compiler-rt -print-libgcc-file-name) && test -e "${library/builtins/fuzzer}"
+}
+
 find_missing() {
   need g++-mingw-w64-i686-win32 "the compiler" command -v i686-w64-mingw32-g++
   need cmake "configures the build" command -v cmake
   need ninja-build "builds" command -v ninja
   need python3 "scripts" command -v python3
   need googletest "the tests' framework, as sources" test -e /usr/src/googletest/CMakeLists.txt
-  need llvm "makes the import library for MSVC hosts" command -v llvm-dlltool
+  need llvm "makes the import library for MSVC hosts, names what a sanitizer finds" command -v llvm-dlltool
+  need clang "builds the portable part's tests for this machine" command -v clang++
+  local version
+  version=$(clang_version)
+  [ -z "$version" ] || need "libclang-rt-$version-dev" "sanitizers and fuzzing" has_sanitizers
   if [ $with_checks = yes ]; then
     need clang-format "checks the layout of the sources" command -v clang-format
     need clang-tidy "static analysis" command -v clang-tidy
@@ -296,6 +313,8 @@ esac
 find_missing
 # With these in the same list, an ordinary user has to ask for packages once only.
 [ -d "$windows_base" ] || command -v wine >/dev/null || add_missing_for_root
+install_missing
+find_missing  # the sanitizers, when nothing told the compiler's version before
 install_missing
 check_versions
 if command -v wine >/dev/null && try_machine_wine; then exit 0; fi

@@ -7,8 +7,7 @@
 
 #include <windows.h>
 
-#include <limits>
-
+#include "kit/numbers.h"
 #include "kwdialogs.h"
 
 inline DWORD KindOf(const DialogItem& item) { return item.type & 0xFF; }
@@ -16,16 +15,6 @@ inline DWORD ValueTypeOf(const DialogItem& item) { return item.type & 0xFF00; }
 
 // A bound that is not a number makes no range.
 inline bool HasRange(const DialogItem& item) { return item.minimum < item.maximum || item.minimum > item.maximum; }
-
-// Toward zero; what does not fit gives the nearest value that does, and what is no number gives 0.
-template <typename T>
-T SaturateTo(double value) {
-    constexpr auto lowest = static_cast<double>(std::numeric_limits<T>::lowest());
-    constexpr auto highest = static_cast<double>(std::numeric_limits<T>::max());
-    if (value <= lowest) return std::numeric_limits<T>::lowest();
-    if (value >= highest) return std::numeric_limits<T>::max();
-    return value == value ? static_cast<T>(value) : T{0};
-}
 
 // The maximum of kinds and types that count something: buttons, entries, pages, bytes.
 inline int CountOf(const DialogItem& item) { return SaturateTo<int>(item.maximum); }

@@ -1,101 +1,21 @@
 #include "dlgctrl/field_value.h"
 
-#include <cmath>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <type_traits>
+#include <iterator>
 
 #include "dlgctrl/dlgitem.h"
-#include "dlgctrl/expression.h"
 #include "dlgctrl/value_format.h"
-#include "kit/numbers.h"
 
-// ---- Value types
-
-namespace {
-
-constexpr int kFieldTextSize = 256;  // a longer text is cut
-constexpr int kStepTextSize = 128;
-constexpr double kLeastRange = 1e-6;  // Deliberate: set-up and write-back take any difference for a range
-
-double LeadingNumber(const char* text) {
-    return ParseDecimal({reinterpret_cast<const std::uint8_t*>(text), std::strlen(text)});
-}
-
-// The low bits of an integer, or the nearest value of a float type.
-template <typename T>
-T Narrow(double number) {
-    if constexpr (std::is_integral_v<T>) return static_cast<T>(TruncToInt32(number));
-    else return static_cast<T>(number);
-}
-
-template <typename T>
-double Load(const void* variable) {
-    T value;
-    std::memcpy(&value, variable, sizeof(value));
-    return value;
-}
-
-template <typename T>
-void Store(void* variable, double number) {
-    const T value = Narrow<T>(number);
-    std::memcpy(variable, &value, sizeof(value));
-}
-
-template <typename T>
-double Leading(const char* text) {
-    if constexpr (std::is_integral_v<T>) return Narrow<T>(std::strtol(text, nullptr, 10));
-    else return Narrow<T>(LeadingNumber(text));
-}
-
-// A minimum above the maximum is stronger.
-double Limit(double number, double minimum, double maximum) {
-    if (minimum > number) return minimum;
-    return number > maximum ? maximum : number;
-}
-
-template <typename T>
-double LimitAs(double number, double minimum, double maximum) {
-    return Limit(number, SaturateTo<T>(minimum), SaturateTo<T>(maximum));
-}
-
-template <typename T>
-double Shown(double number) {
-    return Narrow<T>(number);
-}
-
-std::string Integer(const char* format, double number) { return FormatInteger(format, TruncToInt32(number)); }
-
-// Deliberate: a field of 8 bits shows 16; it narrows when it is stored.
-constexpr NumberType kNumberTypes[] = {
-    {KW_VALUE_INT8, Load<std::int8_t>, Store<std::int8_t>, Leading<std::int8_t>, LimitAs<std::int8_t>,
-     Shown<std::int16_t>, Integer},
-    {KW_VALUE_INT16, Load<std::int16_t>, Store<std::int16_t>, Leading<std::int16_t>, LimitAs<std::int16_t>,
-     Shown<std::int16_t>, Integer},
-    {KW_VALUE_INT32, Load<std::int32_t>, Store<std::int32_t>, Leading<std::int32_t>, LimitAs<std::int32_t>,
-     Shown<std::int32_t>, Integer},
-    {KW_VALUE_FLOAT, Load<float>, Store<float>, Leading<float>, LimitAs<float>, Shown<float>, FormatReal},
-    {KW_VALUE_DOUBLE, Load<double>, Store<double>, Leading<double>, LimitAs<double>, Shown<double>, FormatReal},
-};
-
-}  // namespace
+static constexpr int kFieldTextSize = 256;  // a longer text is cut
+static constexpr int kStepTextSize = 128;
 
 const NumberType* FindNumberType(DWORD valueType) {
-    for (const NumberType& type : kNumberTypes) {
-        if (type.valueType == valueType) return &type;
-    }
-    return nullptr;
+    constexpr DWORD kStep = KW_VALUE_INT16 - KW_VALUE_INT8;
+    static_assert((KW_VALUE_DOUBLE - KW_VALUE_INT8) / kStep + 1 == std::size(kNumberTypes));
+    const DWORD kind = (valueType - KW_VALUE_INT8) / kStep;  // types below the first wrap
+    return kind < std::size(kNumberTypes) ? &kNumberTypes[kind] : nullptr;
 }
 
 // ---- The check
-
-// What is no expression counts as the number that it begins with, or 0; so does what has no value, like sqrt(-1).
-static double ValueOf(const char* text) {
-    double value = 0;
-    const char* position = text;
-    return evaluateExpression(&position, &value) && !std::isnan(value) ? value : LeadingNumber(text);
-}
 
 static bool CheckField(HWND dialog, int index) {
     const DialogItem item = *ItemOf(dialog, index);
@@ -107,9 +27,8 @@ static bool CheckField(HWND dialog, int index) {
 
     char text[kFieldTextSize] = "";
     GetWindowTextA(field, text, sizeof(text));
-    double value = ValueOf(text);
-    if (std::fabs(item.maximum - item.minimum) > kLeastRange) value = Limit(value, item.minimum, item.maximum);
-    SetWindowTextA(field, type->format(item.text, type->shown(value)).c_str());
+    const std::string shown = CheckedText(*type, text, item.minimum, item.maximum, item.text);
+    SetWindowTextA(field, shown.c_str());
     return true;
 }
 

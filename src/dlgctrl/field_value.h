@@ -1,25 +1,13 @@
-// Numeric fields: what each value type makes of a number or a text, the check of a field that has been edited, and the
-// steps of its spin button. The host's variables are read and written by items.h alone.
+// Numeric fields: the check of a field that has been edited, and the steps of its spin button. The host's variables are
+// read and written by items.h alone.
 #pragma once
 
 #include <windows.h>
 
 #include <commctrl.h>
 
-#include <string>
-
+#include "dlgctrl/number_type.h"
 #include "kwdialogs.h"
-
-// A numeric value type. Numbers travel as double, which holds every value of every type.
-struct NumberType {
-    DWORD valueType;
-    double (*load)(const void* variable);
-    void (*store)(void* variable, double number);  // narrows
-    double (*leading)(const char* text);           // the number at a text's start, as the type stores it
-    double (*limit)(double number, double minimum, double maximum);  // with bounds of the type
-    double (*shown)(double number);                            // what a field shows of a number that has been typed
-    std::string (*format)(const char* format, double number);  // null format: the type's own
-};
 
 // Null when the value type holds no number.
 const NumberType* FindNumberType(DWORD valueType);

@@ -1,11 +1,11 @@
 #include "dlgctrl/value_format.h"
 
-#include <windows.h>
-
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+
+#include "kit/code_page.h"
 
 namespace {
 
@@ -177,7 +177,7 @@ bool TrimDecimals(std::string* text, int decimals) {
 void DropSplitCharacter(std::string* text) {
     std::size_t at = 0;
     while (at < text->size()) {
-        const bool isLead = IsDBCSLeadByte(static_cast<BYTE>((*text)[at])) != 0;
+        const bool isLead = IsSystemLeadByte(static_cast<std::uint8_t>((*text)[at]));
         if (isLead && at + 1 == text->size()) text->pop_back();
         at += isLead ? 2 : 1;
     }

@@ -136,13 +136,31 @@ bool HasItsDrive(const char* path) {
     return (GetLogicalDrives() >> (letter - 'A')) & 1;
 }
 
+// Whether a path can only lead to a disk, by the system's own rules for the names of devices ("AUX", "COM1", "CONIN$"),
+// which differ from one Windows to the next: merely opening a device may block for ever.
+bool IsOnDisk(const char* path) {
+    char full[MAX_PATH];
+    const DWORD length = GetFullPathNameA(path, sizeof(full), full, nullptr);
+    if (length == 0 || length >= sizeof(full)) return false;
+    if (full[0] != '\\' || full[1] != '\\' || full[3] != '\\') return true;  // a drive's, or \\server\share
+    if (full[2] != '?') return full[2] != '.';
+    return (full[4] && full[5] == ':') || _strnicmp(full + 4, "UNC\\", 4) == 0;
+}
+
 DWORD QuietAttributes(const char* path) {
-    if (!path || !HasItsDrive(path)) return INVALID_FILE_ATTRIBUTES;
+    if (!path || !HasItsDrive(path) || !IsOnDisk(path)) return INVALID_FILE_ATTRIBUTES;
     const QuietErrors quiet;
     return GetFileAttributesA(path);
 }
 
 }  // namespace
+
+HANDLE OpenDiskFile(const char* path) {
+    if (!path || !IsOnDisk(path)) return INVALID_HANDLE_VALUE;
+    UniqueHandle file(
+        CreateFileA(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return IsOpen(file) && GetFileType(file.get()) == FILE_TYPE_DISK ? file.release() : INVALID_HANDLE_VALUE;
+}
 
 int WINAPI IsDirectoryPath(const char* path) {
     const DWORD attributes = QuietAttributes(path);
@@ -166,8 +184,7 @@ static bool ReadWhole(HANDLE file, HGLOBAL block, DWORD size) {
 
 HGLOBAL WINAPI LoadFileToGlobal(const char* path) {
     if (!IsFilePath(path)) return nullptr;
-    const UniqueHandle file(
-        CreateFileA(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const UniqueHandle file(OpenDiskFile(path));
     if (!IsOpen(file)) return nullptr;
     DWORD sizeHigh = 0;
     const DWORD size = GetFileSize(file.get(), &sizeHigh);

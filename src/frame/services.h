@@ -30,6 +30,9 @@ int WINAPI GetWindowPosSize(HWND window, POINT* position, SIZE* size);
 int WINAPI IsDirectoryPath(const char* path);
 int WINAPI IsFilePath(const char* path);
 
+// Opens a file for reading; INVALID_HANDLE_VALUE when the path names none, or something that is no file on a disk.
+HANDLE OpenDiskFile(const char* path);
+
 // The whole file in movable, zero-initialised global memory, locked once: the caller ends with GlobalUnlock and
 // GlobalFree. Null when it is no file, is empty, cannot be read whole, or does not fit the memory.
 HGLOBAL WINAPI LoadFileToGlobal(const char* path);

@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 #include "kit/bytes.h"
 
@@ -13,6 +14,16 @@ inline std::int32_t TruncToInt32(double value) {
 inline std::int64_t TruncToInt64(double value) {
     return value >= -9223372036854775808.0 && value < 9223372036854775808.0 ? static_cast<std::int64_t>(value)
                                                                             : INT64_MIN;
+}
+
+// Toward zero; what does not fit gives the nearest value that does, and what is no number gives 0.
+template <typename T>
+T SaturateTo(double value) {
+    constexpr auto lowest = static_cast<double>(std::numeric_limits<T>::lowest());
+    constexpr auto highest = static_cast<double>(std::numeric_limits<T>::max());
+    if (value <= lowest) return std::numeric_limits<T>::lowest();
+    if (value >= highest) return std::numeric_limits<T>::max();
+    return value == value ? static_cast<T>(value) : T{0};
 }
 
 // The low 32 bits, as a signed number.

@@ -1,14 +1,14 @@
 #include "kit/paths.h"
 
-#include <windows.h>
-
 #include <cstring>
+
+#include "kit/code_page.h"
 
 // Calls `visit` for every single-byte character of a path.
 template <typename Visitor>
 static void ForEachSingleByte(const char* path, Visitor visit) {
     while (*path) {
-        if (IsDBCSLeadByte(static_cast<BYTE>(*path)) && path[1]) {
+        if (IsSystemLeadByte(static_cast<std::uint8_t>(*path)) && path[1]) {
             path += 2;
         } else {
             visit(path++);

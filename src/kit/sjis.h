@@ -2,7 +2,9 @@
 #pragma once
 
 #include <emmintrin.h>
+#ifdef _MSC_VER
 #include <intrin.h>
+#endif
 
 #include <cstddef>
 #include <cstdint>
@@ -14,18 +16,28 @@ constexpr bool IsLeadByte(std::uint8_t byte) {
     return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
 }
 
+// The position of the lowest bit of a mask that is not 0.
+inline unsigned LowestBit(std::uint32_t mask) {
+#ifdef _MSC_VER
+    unsigned long position = 0;
+    _BitScanForward(&position, mask);
+    return position;
+#else
+    return static_cast<unsigned>(__builtin_ctz(mask));
+#endif
+}
+
 // Skips bytes that neither end a line nor begin a two-byte character; looks at sixteen at a time, since drawings have
 // millions of lines. As signed numbers both control bytes and all bytes from 128 up lie below a blank.
 inline const std::uint8_t* SkipOrdinary(const std::uint8_t* at, const std::uint8_t* end) {
     while (end - at >= 16) {
         const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
         const int found = _mm_movemask_epi8(_mm_cmplt_epi8(bytes, _mm_set1_epi8(' ')));
-        unsigned long first = 0;
-        if (!_BitScanForward(&first, static_cast<unsigned long>(found))) {
+        if (found == 0) {
             at += 16;
             continue;
         }
-        at += first;
+        at += LowestBit(static_cast<std::uint32_t>(found));
         if (*at < ' ' || IsLeadByte(*at)) return at;
         ++at;  // a half-width character
     }
@@ -46,17 +58,19 @@ inline bool TakeShortLine(LineWalk* walk, ByteView* line) {
     const auto* const at = reinterpret_cast<const __m128i*>(walk->next);
     const __m128i first = _mm_loadu_si128(at), second = _mm_loadu_si128(at + 1);
     const auto maskOf = [](__m128i a, __m128i b) {
-        return static_cast<unsigned long>(_mm_movemask_epi8(a)) | static_cast<unsigned long>(_mm_movemask_epi8(b))
+        return static_cast<std::uint32_t>(_mm_movemask_epi8(a)) | static_cast<std::uint32_t>(_mm_movemask_epi8(b))
                                                                       << 16;
     };
     if (maskOf(first, second) != 0) return false;  // bytes from 128 up
     const __m128i blank = _mm_set1_epi8(' '), zero = _mm_setzero_si128();
-    const unsigned long ends = maskOf(_mm_cmplt_epi8(first, blank), _mm_cmplt_epi8(second, blank));
-    const unsigned long others = ~ends | maskOf(_mm_cmpeq_epi8(first, zero), _mm_cmpeq_epi8(second, zero));
-    unsigned long length = 0, next = 0;
-    if (!_BitScanForward(&length, ends) || !_BitScanForward(&next, others & ~0ul << length)) return false;
+    const std::uint32_t ends = maskOf(_mm_cmplt_epi8(first, blank), _mm_cmplt_epi8(second, blank));
+    const std::uint32_t others = ~ends | maskOf(_mm_cmpeq_epi8(first, zero), _mm_cmpeq_epi8(second, zero));
+    if (ends == 0) return false;
+    const unsigned length = LowestBit(ends);
+    const std::uint32_t behind = others & ~std::uint32_t{0} << length;
+    if (behind == 0) return false;
     *line = {walk->next, length};
-    walk->next += next;
+    walk->next += LowestBit(behind);
     return true;
 }
 

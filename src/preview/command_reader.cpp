@@ -1,6 +1,5 @@
 #include "preview/command_reader.h"
 
-#include "kit/paths.h"
 #include "kwdialogs.h"
 #include "preview/dispatch.h"
 #include "preview/formats/command.h"
@@ -9,7 +8,7 @@ static_assert(kMaxPath == KW_MAX_PATH);
 
 static std::string DrawingOf(const char* fileName, Comment* comment) {
     const LoadedFile file(fileName);
-    return file.data ? ResolveBeside(fileName, TakeCommandFile(file.AsText(), comment), FindFileName) : std::string();
+    return file.data ? ResolveBeside(fileName, TakeCommandFile(file.AsText(), comment)) : std::string();
 }
 
 std::string DrawingOfCommandFile(const char* fileName) {

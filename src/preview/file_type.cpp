@@ -2,14 +2,14 @@
 
 #include <cstring>
 
+#include "frame/services.h"
 #include "kit/handles.h"
 #include "kit/paths.h"
 
 FileTypeCode IdentifyFileType(const char* fileName, char* commentOut, int commentSize) {
     if (commentOut && commentSize > 0) std::memset(commentOut, 0, static_cast<std::size_t>(commentSize));
     if (!fileName) return FT_UNREADABLE;
-    const UniqueHandle file(
-        CreateFileA(fileName, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const UniqueHandle file(OpenDiskFile(fileName));
     if (!IsOpen(file)) return FT_UNREADABLE;
     std::uint8_t head[kHeadSize];
     DWORD count = 0;

@@ -4,7 +4,9 @@
 
 #include <tuple>
 
+#include "kit/handles.h"
 #include "kwdialogs.h"
+#include "preview/file_type.h"
 #include "support/dialog_driver.h"
 #include "support/temp_folder.h"
 
@@ -78,6 +80,23 @@ TEST(Paths, FilesAndDirectories) {
     EXPECT_EQ(IsDirectoryPath(nullptr), 0);
     EXPECT_EQ(IsFilePath(nullptr), 0);
     EXPECT_EQ(SetErrorMode(errorMode) & ~SEM_NOALIGNMENTFAULTEXCEPT, 0u) << "the host's error mode is back";
+}
+
+// None of these is opened, since that alone may block; a pipe is, and given back at once.
+TEST(Paths, DevicesAreNoFiles) {
+    const TempFolder folder;
+    const UniqueHandle pipe(CreateNamedPipeA("\\\\.\\pipe\\kwtests", PIPE_ACCESS_DUPLEX, 0, 1, 0, 0, 0, nullptr));
+    for (const std::string& path :
+         {std::string("AUX"), folder.At("AUX.dxf"), folder.At("com1 .x"), std::string("COM1:"), std::string("nul"),
+          std::string("CON  "), std::string("CONIN$"), std::string("\\\\.\\COM1"), std::string("//./COM1"),
+          std::string("\\\\?\\COM1"), std::string("\\\\.\\pipe\\kwtests"), std::string("\\\\?\\pipe\\kwtests")}) {
+        EXPECT_EQ(OpenDiskFile(path.c_str()), INVALID_HANDLE_VALUE) << path;
+        EXPECT_EQ(IsFilePath(path.c_str()) + IsDirectoryPath(path.c_str()), 0) << path;
+        EXPECT_EQ(IdentifyFileType(path.c_str(), nullptr, 0), FT_UNREADABLE) << path;
+    }
+    const std::string longForm = "\\\\?\\" + folder.Write("a.aux", "x");
+    EXPECT_TRUE(UniqueHandle(OpenDiskFile(longForm.c_str())));
+    EXPECT_EQ(IsFilePath(longForm.c_str()), 1);
 }
 
 TEST(LoadFileToGlobal, WholeOrNothing) {

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
+#include "kit/handles.h"
 #include "support/guard_block.h"
 #include "support/handle_counts.h"
 #include "support/picture.h"
@@ -26,6 +29,32 @@ TEST(Dib, Pictures) {
           BitmapFile(4, -2, 8, kPalette, std::string("\0\0\0\1\1\0\0\0", 8)),                      // top down
           BitmapFile(4, 2, 1, kPalette, std::string("\x80\0\0\0\x10\0\0\0", 8))})
         EXPECT_EQ(Shown(file), expected) << file.size();
+}
+
+// A picture that would take many times its file in the screen's colours keeps its own.
+TEST(Dib, LargePicturesStaySmall) {
+    // Two dark pixels and two light ones; in the third row three dark ones; nothing where there are no runs.
+    const std::string runs("\2\1\2\0\0\0\0\2\3\1\0\3\1\0\1\0\0\1", 18);
+    EXPECT_EQ(Shown(BitmapFile(8, 4, 8, kPalette, runs, 1)), Picture("########", "####.###", "########", "##..####"));
+    struct {
+        std::string file;
+        int bits;
+        std::vector<POINT> dark, light;
+    } const cases[] = {
+        {BitmapFile(16384, 4096, 1, kPalette, std::string(2048 * 4096 - 1, '\0') + "\1"), 1, {{16383, 0}}, {{0, 4095}}},
+        {BitmapFile(16384, 4096, 8, kPalette, runs, 1), 8, {{1, 4095}, {5, 4093}, {9, 9}}, {{2, 4095}, {4, 4093}}},
+    };
+    for (const auto& c : cases) {
+        const UniqueDc dc(CreateCompatibleDC(nullptr));
+        const GuardBlock block(c.file);
+        const UniqueBitmap bitmap(BitmapFromDibFile(block.View()));
+        BITMAP shape = {};
+        ASSERT_TRUE(GetObjectA(bitmap.get(), sizeof(shape), &shape));
+        EXPECT_EQ(shape.bmBitsPixel, c.bits);
+        const Selection selection(dc.get(), bitmap.get());
+        for (const POINT& at : c.dark) EXPECT_EQ(GetPixel(dc.get(), at.x, at.y), 0u) << at.x << " " << at.y;
+        for (const POINT& at : c.light) EXPECT_EQ(GetPixel(dc.get(), at.x, at.y), 0xFFFFFFu) << at.x << " " << at.y;
+    }
 }
 
 TEST(Dib, WhatDoesNotFitGivesNothing) {

@@ -1,10 +1,10 @@
 #include "kit/paths.h"
 
-#include <windows.h>
-
 #include <gtest/gtest.h>
 
 #include <tuple>
+
+#include "kit/code_page.h"
 
 TEST(Paths, TrailBackslashesAreNoSeparators) {
     const struct {
@@ -18,7 +18,7 @@ TEST(Paths, TrailBackslashesAreNoSeparators) {
         {"C:\\\x95\x5c\\\x94\x5c.txt", ".txt", 5}, {"\xb1\\b.c", ".c", 1}, {"a.b\x83", ".b\x83", -1},
         // clang-format on
     };
-    const bool isJapanese = GetACP() == 932;
+    const bool isJapanese = IsSystemLeadByte(0x83);
     for (const auto& c : cases) {
         if (!isJapanese && std::string(c.path).find_first_of("\x83\x95") != std::string::npos) continue;
         EXPECT_STREQ(FindExtension(c.path), c.extension) << c.path;

@@ -10,12 +10,7 @@
 #include <vector>
 
 #include "preview/reader.h"
-
-// The bytes of a number, as a file has them.
-template <typename T>
-std::string Raw(T number) {
-    return {reinterpret_cast<const char*>(&number), sizeof(number)};
-}
+#include "support/samples.h"
 
 // `bytes` with other bytes put at their offsets.
 std::string Put(std::string bytes, std::initializer_list<std::pair<std::size_t, std::string>> parts);

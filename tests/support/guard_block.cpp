@@ -2,17 +2,38 @@
 
 #include <cstring>
 
-static constexpr std::size_t kPageSize = 4096;
+#ifdef _WIN32
+#include <windows.h>
 
-GuardBlock::GuardBlock(std::size_t bytes) : size(bytes) {
-    const std::size_t readable = (bytes + kPageSize - 1) / kPageSize * kPageSize;
-    pages = VirtualAlloc(nullptr, readable + kPageSize, MEM_RESERVE, PAGE_NOACCESS);
+static void* MapPages(std::size_t readable, std::size_t all) {
+    void* const pages = VirtualAlloc(nullptr, all, MEM_RESERVE, PAGE_NOACCESS);
     if (readable) VirtualAlloc(pages, readable, MEM_COMMIT, PAGE_READWRITE);
-    data = static_cast<std::uint8_t*>(pages) + readable - bytes;
+    return pages;
+}
+
+static void UnmapPages(void* pages, std::size_t) { VirtualFree(pages, 0, MEM_RELEASE); }
+#else
+#include <sys/mman.h>
+
+static void* MapPages(std::size_t readable, std::size_t all) {
+    void* const pages = mmap(nullptr, all, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (readable) mprotect(pages, readable, PROT_READ | PROT_WRITE);
+    return pages;
+}
+
+static void UnmapPages(void* pages, std::size_t all) { munmap(pages, all); }
+#endif
+
+static constexpr std::size_t kPageSize = 4096;
+static std::size_t ReadableSize(std::size_t bytes) { return (bytes + kPageSize - 1) / kPageSize * kPageSize; }
+
+GuardBlock::GuardBlock(std::size_t bytes)
+    : size(bytes), pages(MapPages(ReadableSize(bytes), ReadableSize(bytes) + kPageSize)) {
+    data = static_cast<std::uint8_t*>(pages) + ReadableSize(bytes) - bytes;
 }
 
 GuardBlock::GuardBlock(const std::string& contents) : GuardBlock(contents.size()) {
     if (size) std::memcpy(data, contents.data(), size);
 }
 
-GuardBlock::~GuardBlock() { VirtualFree(pages, 0, MEM_RELEASE); }
+GuardBlock::~GuardBlock() { UnmapPages(pages, ReadableSize(size) + kPageSize); }

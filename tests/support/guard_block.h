@@ -1,8 +1,6 @@
 // Memory that ends where reading ends: one byte too far is an access violation, not luck.
 #pragma once
 
-#include <windows.h>
-
 #include <cstddef>
 #include <string>
 

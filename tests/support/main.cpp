@@ -1,9 +1,11 @@
 // Runs the tests, all of them or, with --folder=NAME, those whose source stands in tests/NAME.
 //
 // A selection that matches no test is a failure, so that a renamed folder or suite cannot pass by running nothing.
+#ifdef _WIN32
 #include <windows.h>
 
 #include <commctrl.h>
+#endif
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -30,9 +32,11 @@ static std::string FilterOfFolder(const std::string& folder) {
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
+#ifdef _WIN32
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
     const INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_WIN95_CLASSES};
     InitCommonControlsEx(&controls);
+#endif
     static const char kFolder[] = "--folder=";
     for (int i = 1; i < argc; ++i) {
         if (std::strncmp(argv[i], kFolder, sizeof(kFolder) - 1) != 0) {

@@ -1,11 +1,10 @@
 #include "support/samples.h"
 
-#include <windows.h>
-
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <random>
-
-#include "support/drawings.h"
-#include "support/temp_folder.h"
 
 std::string Dxf(const std::string& pairs) {
     std::string text;
@@ -29,33 +28,32 @@ std::string BytesAt(std::size_t size, std::initializer_list<std::pair<std::size_
     return bytes;
 }
 
-std::string BitmapFile(int width, int height, int bitsPerPixel, const std::string& palette, const std::string& pixels) {
-    const auto offset = static_cast<DWORD>(sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER) + palette.size());
-    const BITMAPFILEHEADER file = {0x4D42, offset + static_cast<DWORD>(pixels.size()), 0, 0, offset};  // "BM"
-    const auto colors = static_cast<DWORD>(palette.size() / 4);
-    const BITMAPINFOHEADER info = {sizeof(info), width, height, 1, static_cast<WORD>(bitsPerPixel), BI_RGB, 0, 0, 0,
-                                   colors,       0};
-    return Raw(file) + Raw(info) + palette + pixels;
+std::string BitmapFile(int width, int height, int bitsPerPixel, const std::string& palette, const std::string& pixels,
+                       int compression) {
+    const auto colors = static_cast<std::uint32_t>(palette.size() / 4);
+    const auto offset = static_cast<std::uint32_t>(14 + 40 + palette.size());
+    const std::uint32_t file[] = {offset + static_cast<std::uint32_t>(pixels.size()), 0, offset};
+    const std::int32_t info[] = {40, width, height, 1 | bitsPerPixel << 16, compression, 0, 0, 0};
+    const std::uint32_t used[] = {colors, 0};
+    return "BM" + Raw(file) + Raw(info) + Raw(used) + palette + pixels;
 }
 
-static void CollectFiles(const std::string& folder, std::vector<std::pair<std::string, std::string>>* out) {
-    WIN32_FIND_DATAA found;
-    const HANDLE search = FindFirstFileA((folder + "/*").c_str(), &found);
-    for (BOOL more = search != INVALID_HANDLE_VALUE; more; more = FindNextFileA(search, &found)) {
-        const std::string child = folder + "/" + found.cFileName;
-        if (found.cFileName[0] == '.') continue;
-        if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) CollectFiles(child, out);
-        else out->emplace_back(child, ReadWholeFile(child));
-    }
-    FindClose(search);
+std::string ReadWholeFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 std::vector<std::pair<std::string, std::string>> SampleFiles() {
     std::string root = __FILE__;  // tests/support/samples.cpp of the checkout
-    for (char& c : root) c = c == '\\' ? '/' : c;
+    std::replace(root.begin(), root.end(), '\\', '/');
     root.resize(root.rfind("/tests/"));
+#ifdef _WIN32
+    if (root[0] == '/') root = "Z:" + root;  // built elsewhere, run by Wine
+#endif
     std::vector<std::pair<std::string, std::string>> files;
-    CollectFiles((root[0] == '/' ? "Z:" : "") + root + "/samples", &files);
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root + "/samples")) {
+        if (entry.is_regular_file()) files.emplace_back(entry.path().string(), ReadWholeFile(entry.path().string()));
+    }
     return files;
 }
 

@@ -8,6 +8,12 @@
 #include <utility>
 #include <vector>
 
+// The bytes of a number, as a file has them.
+template <typename T>
+std::string Raw(const T& number) {
+    return {reinterpret_cast<const char*>(&number), sizeof(number)};
+}
+
 // DXF text from group pairs: "0 LINE|10 5" becomes "  0\r\nLINE\r\n 10\r\n5\r\n".
 std::string Dxf(const std::string& pairs);
 
@@ -17,8 +23,11 @@ std::string DxfDrawing(int width, int height, const std::string& entities);
 // `size` zero bytes with texts put at their offsets.
 std::string BytesAt(std::size_t size, std::initializer_list<std::pair<std::size_t, std::string>> parts);
 
-// A Windows bitmap file with a header of 40 bytes; rows bottom up, padded by the caller.
-std::string BitmapFile(int width, int height, int bitsPerPixel, const std::string& palette, const std::string& pixels);
+// A Windows bitmap file with a header of 40 bytes; rows bottom up, padded by the caller, or runs.
+std::string BitmapFile(int width, int height, int bitsPerPixel, const std::string& palette, const std::string& pixels,
+                       int compression = 0);
+
+std::string ReadWholeFile(const std::string& path);
 
 // Every file that the project's samples folder and its sub-folders hold: path and contents.
 std::vector<std::pair<std::string, std::string>> SampleFiles();

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <iterator>
 
 static void RemoveTree(const std::string& path) {
     WIN32_FIND_DATAA found;
@@ -44,9 +43,4 @@ void WriteWholeFile(const std::string& path, const std::string& contents) {
     std::ofstream file(path, std::ios::binary);
     file.write(contents.data(), static_cast<std::streamsize>(contents.size()));
     EXPECT_TRUE(file.good()) << path;
-}
-
-std::string ReadWholeFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }

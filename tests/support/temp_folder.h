@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "support/samples.h"
+
 struct TempFolder {
     std::string path;  // without a backslash at its end
     TempFolder();
@@ -16,4 +18,3 @@ struct TempFolder {
 };
 
 void WriteWholeFile(const std::string& path, const std::string& contents);
-std::string ReadWholeFile(const std::string& path);

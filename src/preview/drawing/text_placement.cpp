@@ -12,7 +12,8 @@ static void RotateAbout(double centreX, double centreY, double angleDegrees, dou
 static bool IsJustification(int value) { return value >= 0 && value <= 2; }
 
 void SetPlacedText(PreviewPrimitive* primitive, LastText* last, const TextPlacement& place, double cellWidth,
-                   double spacing, const char* text) {
+                   double spacing, const char* text, bool asFrame) {
+    if (asFrame) return SetPlacedFrame(primitive, last, place);
     if (IsJustification(place.horizontal)) last->anchorX = place.x - place.length * place.horizontal / 2;
     if (IsJustification(place.vertical)) last->anchorY = place.y + place.height * (2 - place.vertical) / 2;
     RotateAbout(place.x, place.y, place.angleDegrees, &last->anchorX, &last->anchorY);

@@ -13,7 +13,8 @@ struct TextPlacement {
 };
 
 // Where the last text stood. Deliberate: a justification that is none of the three leaves its axis as the text before
-// has left it, after that text's rotation.
+// has left it, after that text's rotation. Mended, drawings with such texts (group 72 from 3 up in DXF) would show them
+// elsewhere.
 struct LastText {
     double anchorX = 0, anchorY = 0;  // upper left corner, rotated
     double minX = 0, maxX = 0, minY = 0, maxY = 0;
@@ -22,5 +23,5 @@ struct LastText {
 // Makes the primitive a text of the given looks at its place, or the frame around it.
 //   cellWidth  drawing units of one half-width character
 void SetPlacedText(PreviewPrimitive* primitive, LastText* last, const TextPlacement& place, double cellWidth,
-                   double spacing, const char* text);
+                   double spacing, const char* text, bool asFrame);
 void SetPlacedFrame(PreviewPrimitive* primitive, LastText* last, const TextPlacement& place);

@@ -35,7 +35,7 @@ bool ReadHeader(ByteView file, BackupDrawing* drawing) {
 void SetTextFrame(PreviewPrimitive* primitive, const TextFields& text) {
     const FrameElement before = FrameOf(*primitive);
     LastText last = {0, 0, before.x1, before.x2, before.y1, before.y2};
-    TextPlacement place = PlacementOf(text);
+    TextPlacement place = PlacementOf(text, {0, 0});
     place.length = (static_cast<double>(text.width) + text.spacing) * text.length;
     SetPlacedFrame(primitive, &last, place);
 }
@@ -43,35 +43,15 @@ void SetTextFrame(PreviewPrimitive* primitive, const TextFields& text) {
 // Deliberate: lines and arcs leave the end-mark word as it is. Wiped, the arrowheads and dots would go that a line gets
 // when the number behind the word happens to spell one.
 void DrawRecord(DrawingSink& sink, ByteView record, PreviewPrimitive* primitive) {
-    RecordHead head = {};
-    ReadAt(record, 0, &head);
+    const auto head = FieldsAt<RecordHead>(record, 0);
     if (head.status & kHiddenStatus) return;  // every layer is shown
-    unsigned pen = 0;
-    switch (KindOf(head)) {
-        case kPointElement: {
-            const auto point = FieldsOf<PointFields>(record);
-            primitive->SetPoint(point.x, point.y);
-            break;
-        }
-        case kLineElement: {
-            const auto line = FieldsOf<LineFields>(record);
-            primitive->SetLine(line.x1, line.y1, line.x2, line.y2);
-            pen = PenOf(line.attributes);
-            break;
-        }
-        case kArcElement: {
-            const auto arc = FieldsOf<ArcFields>(record);
-            primitive->SetArc(arc.x, arc.y, arc.radius, arc.startDegrees, arc.endDegrees);
-            pen = PenOf(arc.attributes);
-            break;
-        }
-        case kTextElement:
-            SetTextFrame(primitive, FieldsOf<TextFields>(record));
-            pen = kTextPen;
-            break;
-        default: return;
+    std::uint16_t attributes = 0;
+    if (SetShape(record, {0, 0}, primitive, &attributes)) {
+        sink.draw(sink, *primitive, PenOf(attributes));
+    } else if (KindOf(head) == kTextElement) {
+        SetTextFrame(primitive, FieldsAt<TextFields>(record));
+        sink.draw(sink, *primitive, kTextPen);
     }
-    sink.draw(sink, *primitive, pen);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "kit/paths.h"
 #include "kit/sjis.h"
 
 namespace {
@@ -23,25 +24,23 @@ std::string PathOfLine(ByteView line) {
 }
 
 // Takes the last folder off a path that ends in a separator; false when there is none to take.
-bool DropLastFolder(std::string* folder, const char* (*findFileName)(const char*)) {
+bool DropLastFolder(std::string* folder) {
     if (folder->empty()) return false;
     const std::string unended = folder->substr(0, folder->size() - 1);
-    const char* const name = findFileName(unended.c_str());
+    const char* const name = FindFileName(unended.c_str());
     if (!*name || std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0) return false;
     folder->resize(static_cast<std::size_t>(name - unended.c_str()));
     return true;
 }
 
-using FileNameFinder = const char* (*)(const char*);
-
-std::string Beside(const char* commandFile, const std::string& path, FileNameFinder findFileName) {
+std::string Beside(const char* commandFile, const std::string& path) {
     const bool hasDrive = path.size() > 1 && path[1] == ':';
     const bool isRooted = path[0] == '\\' || path[0] == '/';
     if (hasDrive || (isRooted && path[1] == path[0])) return path;
     if (isRooted) return commandFile[0] && commandFile[1] == ':' ? std::string(commandFile, 2) + path : path;
-    std::string folder(commandFile, findFileName(commandFile));
+    std::string folder(commandFile, FindFileName(commandFile));
     std::size_t at = 0;
-    while (path.compare(at, 3, "..\\") == 0 && DropLastFolder(&folder, findFileName)) at += 3;
+    while (path.compare(at, 3, "..\\") == 0 && DropLastFolder(&folder)) at += 3;
     return folder + path.substr(at);
 }
 
@@ -58,8 +57,8 @@ std::string TakeCommandFile(ByteView file, Comment* comment) {
     return path;
 }
 
-std::string ResolveBeside(const char* commandFile, const std::string& path, const char* (*findFileName)(const char*)) {
+std::string ResolveBeside(const char* commandFile, const std::string& path) {
     if (path.empty()) return path;
-    const std::string resolved = Beside(commandFile, path, findFileName);
+    const std::string resolved = Beside(commandFile, path);
     return resolved.size() < kMaxPath ? resolved : std::string();
 }

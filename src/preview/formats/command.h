@@ -12,6 +12,5 @@ constexpr std::size_t kMaxPath = 260;  // its ending zero included
 std::string TakeCommandFile(ByteView file, Comment* comment);
 
 // That path taken relative to the folder of the command file, without touching the process's current directory; empty
-// for an empty one and when it becomes longer than a path can be. `findFileName` finds the file name in a path of the
-// system's code page.
-std::string ResolveBeside(const char* commandFile, const std::string& path, const char* (*findFileName)(const char*));
+// for an empty one and when it becomes longer than a path can be.
+std::string ResolveBeside(const char* commandFile, const std::string& path);

@@ -239,13 +239,12 @@ void DrawTextEntity(DxfState& dxf) {
     placement.length = CountTextCells(dxf.text) * cellWidth;
     placement.angleDegrees = dxf.Value(kRotation, 0);
 
-    if (dxf.sink.textsAsFrames) {
-        SetPlacedFrame(&dxf.primitive, &dxf.lastText, placement);
-    } else {
+    const bool asFrame = dxf.sink.textsAsFrames;
+    if (!asFrame) {  // frames stand at the point
         placement.horizontal = TruncToInt32(dxf.Value(kHorizontal, 0));
         placement.vertical = VerticalJustification(TruncToInt32(dxf.Value(kVertical, 0)));
-        SetPlacedText(&dxf.primitive, &dxf.lastText, placement, cellWidth, 0, dxf.text);
     }
+    SetPlacedText(&dxf.primitive, &dxf.lastText, placement, cellWidth, 0, dxf.text, asFrame);
     dxf.Draw(kTextPen);
 }
 
@@ -281,7 +280,9 @@ void TakeText(DxfState& dxf, ByteView line) {
 // Acts on a line that `code` stands for; false at the end of the drawing.
 bool ActOnLine(DxfState& dxf, int code, ByteView line) {
     if (code >= kFirstSlot && code <= kLastSlot) {
-        dxf.slots[code - kFirstSlot] = {line, false, 0};
+        SlotValue& slot = dxf.slots[code - kFirstSlot];
+        slot.line = line;
+        slot.isConverted = false;
         dxf.present |= Bit(code - kFirstSlot);
         return true;
     }

@@ -9,6 +9,7 @@
 
 #include "kit/bytes.h"
 #include "preview/drawing/text_placement.h"
+#include "preview/drawing/view.h"
 
 constexpr std::size_t kRecordSize = 64;
 constexpr std::size_t kFieldsAt = 16;  // the part that depends on the kind
@@ -48,22 +49,17 @@ static_assert(sizeof(TextFields) == 32 && offsetof(TextFields, placement) == 44 
 inline unsigned KindOf(const RecordHead& head) { return head.type & 15u; }
 inline unsigned PenOf(std::uint16_t attributes) { return (attributes >> 4) & 15u; }
 
-// The fields of a whole record.
+// Fields of a whole record.
 template <typename Fields>
-Fields FieldsOf(ByteView record) {
+Fields FieldsAt(ByteView record, std::size_t offset = kFieldsAt) {
     Fields fields = {};
-    ReadAt(record, kFieldsAt, &fields);
+    ReadAt(record, offset, &fields);
     return fields;
 }
 
-// A text's place; its length is the reader's to add.
-inline TextPlacement PlacementOf(const TextFields& text) {
-    TextPlacement placement;
-    placement.x = text.x;
-    placement.y = text.y;
-    placement.height = text.height;
-    placement.angleDegrees = text.angleDegrees;
-    placement.vertical = (text.placement >> 5) & 3;
-    placement.horizontal = (text.placement >> 7) & 3;
-    return placement;
-}
+// Makes the primitive a record's point, line or arc, moved by `shift`; its end marks stay as they are. `attributes`
+// receives the word with the pen, 0 for a point. False when the record is none of these.
+bool SetShape(ByteView record, WorldPoint shift, PreviewPrimitive* primitive, std::uint16_t* attributes);
+
+// A text's place; its length is the decoder's to add.
+TextPlacement PlacementOf(const TextFields& text, WorldPoint shift);

@@ -49,7 +49,7 @@ struct NativeDrawing {
     ChainSkips skips;
     std::uint16_t currentLayer;
     std::uint16_t layers[kMaxLayers];  // not 0: shown
-    double shiftX, shiftY;             // added to positions
+    WorldPoint shift;                  // added to positions
     WorldRect extents;
     LastText lastText;
     PreviewPrimitive primitive;
@@ -68,8 +68,7 @@ void ReadExtents(ByteView file, NativeDrawing* drawing) {
     SheetFields sheet = {};
     ReadAt(file, kSheetAt, &sheet);
     if (MatchAt(file, 0, "LMOS")) {
-        drawing->shiftX = -sheet.originX;
-        drawing->shiftY = -sheet.originY;
+        drawing->shift = {-sheet.originX, -sheet.originY};
         drawing->extents = {-sheet.originX, -sheet.originY, sheet.maxX - sheet.originX, sheet.maxY - sheet.originY};
     } else {
         drawing->extents = {sheet.minX, sheet.minY, sheet.maxX, sheet.maxY};
@@ -119,22 +118,6 @@ std::uint32_t EndMarksOf(std::uint16_t attributes) {
     return EndMarkWord((attributes >> 8) & 3u, (attributes >> 11) & 3u);
 }
 
-void SetPoint(NativeDrawing* drawing, const PointFields& point) {
-    drawing->primitive.SetPoint(point.x + drawing->shiftX, point.y + drawing->shiftY);
-}
-
-void SetLine(NativeDrawing* drawing, const LineFields& line) {
-    drawing->primitive.SetLine(line.x1 + drawing->shiftX, line.y1 + drawing->shiftY, line.x2 + drawing->shiftX,
-                               line.y2 + drawing->shiftY);
-    drawing->primitive.SetLineMarks(EndMarksOf(line.attributes));
-}
-
-void SetArc(NativeDrawing* drawing, const ArcFields& arc) {
-    drawing->primitive.SetArc(arc.x + drawing->shiftX, arc.y + drawing->shiftY, arc.radius, arc.startDegrees,
-                              arc.endDegrees);
-    drawing->primitive.SetArcMarks(EndMarksOf(arc.attributes));
-}
-
 // Deliberate: counted as full-width characters, whatever the text holds. Counted as they are, texts that could not be
 // widened whole would have another length, and those that are centred or right-justified would move.
 double CharacterCount(std::size_t length) {
@@ -146,16 +129,10 @@ void SetTextElement(NativeDrawing* drawing, unsigned number, const TextFields& f
     char text[256];
     const std::size_t length =
         GatherRecordText(number, drawing->Count(), drawing->records, text, sizeof(text), &drawing->skips);
-    TextPlacement place = PlacementOf(fields);
-    place.x += drawing->shiftX;
-    place.y += drawing->shiftY;
+    TextPlacement place = PlacementOf(fields, drawing->shift);
     const double cellWidth = fields.width / 2.0;
     place.length = (cellWidth + fields.spacing) * CharacterCount(length);
-    if (asFrame) {
-        SetPlacedFrame(&drawing->primitive, &drawing->lastText, place);
-    } else {
-        SetPlacedText(&drawing->primitive, &drawing->lastText, place, cellWidth, fields.spacing, text);
-    }
+    SetPlacedText(&drawing->primitive, &drawing->lastText, place, cellWidth, fields.spacing, text, asFrame);
 }
 
 bool IsShown(const NativeDrawing& drawing, const RecordHead& head) {
@@ -163,33 +140,19 @@ bool IsShown(const NativeDrawing& drawing, const RecordHead& head) {
 }
 
 void DrawRecord(DrawingSink& sink, NativeDrawing* drawing, unsigned number) {
-    const Record whole = RecordAt(drawing->records, number, number);
-    const ByteView record = whole.View();
-    RecordHead head = {};
-    ReadAt(record, 0, &head);
+    const Record record = RecordAt(drawing->records, number, number);
+    const auto head = FieldsAt<RecordHead>(record.View(), 0);
     if (!IsShown(*drawing, head)) return;
-    unsigned pen = 0;
-    switch (KindOf(head)) {
-        case kPointElement: SetPoint(drawing, FieldsOf<PointFields>(record)); break;
-        case kLineElement: {
-            const auto line = FieldsOf<LineFields>(record);
-            SetLine(drawing, line);
-            pen = PenOf(line.attributes);
-            break;
-        }
-        case kArcElement: {
-            const auto arc = FieldsOf<ArcFields>(record);
-            SetArc(drawing, arc);
-            pen = PenOf(arc.attributes);
-            break;
-        }
-        case kTextElement:
-            SetTextElement(drawing, number, FieldsOf<TextFields>(record), sink.textsAsFrames);
-            pen = kTextPen;
-            break;
-        default: return;
+    PreviewPrimitive& primitive = drawing->primitive;
+    std::uint16_t attributes = 0;
+    if (SetShape(record.View(), drawing->shift, &primitive, &attributes)) {
+        if (primitive.kind == kLine) primitive.SetLineMarks(EndMarksOf(attributes));
+        if (primitive.kind == kArc) primitive.SetArcMarks(EndMarksOf(attributes));
+        sink.draw(sink, primitive, PenOf(attributes));
+    } else if (KindOf(head) == kTextElement) {
+        SetTextElement(drawing, number, FieldsAt<TextFields>(record.View()), sink.textsAsFrames);
+        sink.draw(sink, primitive, kTextPen);
     }
-    sink.draw(sink, drawing->primitive, pen);
 }
 
 // ---- Texts

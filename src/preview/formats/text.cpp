@@ -179,11 +179,8 @@ void TakeText(TextDrawing& drawing, Scanner in) {
     place.height = numbers[kHeight];
     place.angleDegrees = numbers[kAngle];
     place.length = (cellWidth + numbers[kSpacing]) * static_cast<double>(std::strlen(text));
-    if (drawing.sink.textsAsFrames) {
-        SetPlacedFrame(&drawing.primitive, &drawing.lastText, place);
-    } else {
-        SetPlacedText(&drawing.primitive, &drawing.lastText, place, cellWidth, numbers[kSpacing], text);
-    }
+    SetPlacedText(&drawing.primitive, &drawing.lastText, place, cellWidth, numbers[kSpacing], text,
+                  drawing.sink.textsAsFrames);
     drawing.Draw(kTextPen);
 }
 
