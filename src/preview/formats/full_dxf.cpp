@@ -26,6 +26,7 @@ static void DrawSpace(DxfDecoder& dxf, const DxfSpace& space) {
     dxf.budget.left = kLeastBudget + static_cast<long long>(dxf.form.file.size);
     dxf.layerName = {};
     if (!space.block) {
+        dxf.entityCount = 0;
         if (dxf.tables.entities != kNowhere) DrawDxfEntities(dxf, dxf.tables.entities);
         return;
     }
@@ -55,7 +56,7 @@ bool DecodeFullDxf(ByteView file, Comment* comment, DrawingSink* sink) {
     dxf.form = DxfFormOf(file);
     dxf.tables = SurveyDxf(dxf.form, sink ? sink->goOn : &kAlways);
     if (!dxf.tables.hasSections && dxf.tables.entities == kNowhere) return false;
-    dxf.encoding = EncodingOf(dxf.form, dxf.tables, sink ? sink->codePages : comment ? comment->codePages : nullptr);
+    dxf.encoding = EncodingOf(dxf.form, dxf.tables);
 
     BoxSink measure;
     measure.goOn = sink ? sink->goOn : &kAlways;
@@ -70,8 +71,7 @@ bool DecodeFullDxf(ByteView file, Comment* comment, DrawingSink* sink) {
         found = measure.Box(&box);
     }
     if (!measure.MayContinue()) return false;
-    if (comment && comment->end)
-        AppendDxfComment(comment, dxf.form, dxf.tables, dxf.encoding, found ? &measure.all : nullptr);
+    if (comment && comment->end) AppendDxfComment(comment, dxf, found ? &measure.all : nullptr);
     if (!sink) return true;
 
     if (!sink->fit(*sink, WithMargin(box), DrawingSink::kWipe)) return false;

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <string>
 
+#include "kit/code_page.h"
 #include "resources/resource.h"
 
 struct VersionRow {
@@ -24,13 +25,9 @@ static void AppendFileText(Comment* comment, const DxfEncoding& encoding, const 
     std::u16string wide;
     AppendUnicode(encoding, text, &wide);
     std::string line = label;
-    if (comment->codePages && comment->codePages->toSystem) {
-        const std::size_t before = line.size();
-        line.resize(before + wide.size() * 2 + 1);  // pages have one or two bytes a character
-        line.resize(before + comment->codePages->toSystem(wide.data(), wide.size(), &line[before], wide.size() * 2));
-    } else {
-        for (const char16_t c : wide) line.push_back(c < 128 ? static_cast<char>(c) : '?');
-    }
+    const std::size_t before = line.size(), room = wide.size() * 2;  // pages have one or two bytes a character
+    line.resize(before + room);
+    line.resize(before + UnicodeToSystem(wide.data(), wide.size(), &line[before], room));
     AppendCommentLine(comment, {reinterpret_cast<const std::uint8_t*>(line.data()), line.size()});
 }
 
@@ -68,9 +65,10 @@ static void AppendVersion(Comment* comment, int number) {
     AppendLine(comment, IDS_DXF_VERSION, text);
 }
 
-void AppendDxfComment(Comment* comment, const DxfForm& form, const DxfTables& tables, const DxfEncoding& encoding,
-                      const WorldRect* box) {
-    if (tables.remarks != kNowhere) AppendRemarks(comment, form, tables.remarks, encoding);
+void AppendDxfComment(Comment* comment, const DxfDecoder& dxf, const WorldRect* box) {
+    const DxfTables& tables = dxf.tables;
+    const DxfEncoding& encoding = dxf.encoding;
+    if (tables.remarks != kNowhere) AppendRemarks(comment, dxf.form, tables.remarks, encoding);
     if (tables.title.size) {
         char label[kLabelSize];
         CopyLabel(*comment, IDS_DXF_TITLE, label);
@@ -87,7 +85,7 @@ void AppendDxfComment(Comment* comment, const DxfForm& form, const DxfTables& ta
         *PutNumber(at, std::end(size) - 1, box->maxY - box->minY) = '\0';
         AppendLine(comment, IDS_DXF_SIZE, size);
     }
-    AppendCount(comment, IDS_DXF_ENTITIES, tables.entityCount);
+    AppendCount(comment, IDS_DXF_ENTITIES, dxf.entityCount);
     AppendCount(comment, IDS_DXF_LAYERS, tables.layerCount);
     AppendCount(comment, IDS_DXF_BLOCKS, tables.blockCount);
 }

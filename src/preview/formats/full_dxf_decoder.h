@@ -100,8 +100,9 @@ struct DxfDecoder {
     DxfEncoding encoding;
     DrawingSink* sink = nullptr;
     DxfBudget budget;
-    double pixel = 0;         // drawing units; 0 while the drawing is measured
-    bool paperSpace = false;  // which of the two is drawn
+    double pixel = 0;             // drawing units; 0 while the drawing is measured
+    bool paperSpace = false;      // which of the two is drawn
+    std::size_t entityCount = 0;  // of the drawing itself, met so far
 
     const DxfPlace* place = nullptr;
     PlaneMap map = kFromAbove;      // of the current entity's coordinates
@@ -135,8 +136,8 @@ void DrawDxfText(DxfDecoder& dxf, const UnicodeText& text);
 // A line or an outline, point by point. Areas keep all their outlines until they are filled.
 void BeginPath(DxfDecoder& dxf, bool area = false);
 void PathTo(DxfDecoder& dxf, WorldPoint p);
-void PathAlong(DxfDecoder& dxf, const Conic& conic, double start, double sweep);  // both ends included
-void PathAlong(DxfDecoder& dxf, DxfSpline* spline);                               // full_dxf_splines.cpp
+void PathAlong(DxfDecoder& dxf, const ConicArc& arc);  // both ends included
+void PathAlong(DxfDecoder& dxf, DxfSpline* spline);    // full_dxf_splines.cpp
 void EndOutline(DxfDecoder& dxf);
 void EndPath(DxfDecoder& dxf);
 

@@ -84,10 +84,10 @@ static void DrawEndless(DxfDecoder& dxf, bool bothWays) {
     if (dxf.IsMeasuring()) return;
     const ViewTransform& view = dxf.sink->view;
     const WorldPoint base = dxf.map.Point(PointOf(dxf.groups, 10)), along = dxf.map.Direction(PointOf(dxf.groups, 11));
-    const double length = std::hypot(along.x, along.y);
+    const double length = Length(along.x, along.y);
     // Far enough to leave the window whichever way it goes.
-    const double reach = std::hypot(view.worldMaxX - view.worldMinX, view.worldMaxY - view.worldMinY) +
-                         std::hypot(base.x - view.worldMinX, base.y - view.worldMinY);
+    const double reach = Length(view.worldMaxX - view.worldMinX, view.worldMaxY - view.worldMinY) +
+                         Length(base.x - view.worldMinX, base.y - view.worldMinY);
     if (!(length > 0) || !IsDrawable(length) || !IsDrawable(reach)) return;
     const WorldPoint step = {along.x / length * reach, along.y / length * reach};
     DrawDxfLine(dxf, bothWays ? WorldPoint{base.x - step.x, base.y - step.y} : base,
@@ -98,12 +98,12 @@ static void DrawXLine(DxfDecoder& dxf, DxfReader*) { DrawEndless(dxf, true); }
 
 // Lines from point to point; the first segment of a leader has an arrowhead at its begin.
 static void DrawLeader(DxfDecoder& dxf, DxfReader*) {
-    DxfReader reader = {&dxf.form, dxf.groups.begin};
+    DxfRecordWalk record(dxf.groups);
     DxfPair pair;
     Vector3 point = {};
     bool open = false;
     BeginPath(dxf);
-    while (NextInRecord(&reader, &pair)) {
+    while (record.Next(&pair)) {
         if (pair.code == 10) {
             if (open) PathTo(dxf, dxf.map.Point(point));
             open = true;
@@ -121,11 +121,11 @@ static void DrawMLine(DxfDecoder& dxf, DxfReader*) {
     constexpr int kMostElements = 16;
     WorldPoint before[kMostElements], first[kMostElements];
     const bool closed = dxf.groups.Integer(71) & 2;
-    DxfReader reader = {&dxf.form, dxf.groups.begin};
+    DxfRecordWalk record(dxf.groups);
     DxfPair pair;
     Vector3 vertex = {}, miter = {};
     int vertices = 0, element = 0, parameters = 0;
-    while (NextInRecord(&reader, &pair) && dxf.MayContinue()) {
+    while (record.Next(&pair) && dxf.MayContinue()) {
         const double value = pair.code < 60 ? DxfNumber(dxf.form, pair.code, pair.value) : 0;
         switch (pair.code) {
             case 11:
@@ -183,7 +183,7 @@ static void DrawMesh(DxfDecoder& dxf, DxfReader*) {
     constexpr std::size_t kMostVertices = 1 << 17;
     std::vector<WorldPoint>& vertices = dxf.corners;
     vertices.clear();
-    DxfReader reader = {&dxf.form, dxf.groups.begin};
+    DxfRecordWalk record(dxf.groups);
     DxfPair pair;
     Vector3 vertex = {};
     int part = 0;        // the group that began it
@@ -191,7 +191,7 @@ static void DrawMesh(DxfDecoder& dxf, DxfReader*) {
     WorldPoint first = {};
     bool open = false;
     BeginPath(dxf);
-    while (part != 94 && NextInRecord(&reader, &pair) && dxf.MayContinue()) {
+    while (part != 94 && record.Next(&pair) && dxf.MayContinue()) {
         if (pair.code >= 92 && pair.code <= 94) part = pair.code;
         if (part == 92 && pair.code == 10) vertex.x = DxfNumber(dxf.form, 10, pair.value);
         if (part == 92 && pair.code == 20) vertex.y = DxfNumber(dxf.form, 20, pair.value);
@@ -365,6 +365,9 @@ static void DrawEntity(DxfDecoder& dxf, const DxfKind& kind, DxfReader* reader) 
     kind.draw(dxf, reader);
 }
 
+// Records that belong to the entity before them and may be met without it.
+static bool IsPart(ByteView kind) { return IsName(kind, "VERTEX") || IsName(kind, "SEQEND"); }
+
 void DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
     const bool inBlock = dxf.place->depth > 0;
     DxfReader reader = {&dxf.form, begin};
@@ -375,8 +378,10 @@ void DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
         const DxfKind* kind = FindKind(name);
         if (!kind) {
             if (IsName(name, "ENDSEC") || IsName(name, "ENDBLK") || IsName(name, "EOF")) return;
+            if (!inBlock && !IsPart(name)) ++dxf.entityCount;
             continue;
         }
+        if (!inBlock && kind->draw != DrawAttribute) ++dxf.entityCount;
         const std::size_t before = reader.at;
         dxf.groups.Read(&reader);
         // What a block holds costs again each time that it is drawn.

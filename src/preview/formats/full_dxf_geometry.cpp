@@ -33,17 +33,23 @@ WorldPoint Conic::At(double t) const {
     return {centre.x + u.x * c + v.x * s, centre.y + u.y * c + v.y * s};
 }
 
-bool ConicOfBulge(const PlaneMap& map, double x1, double y1, double x2, double y2, double z, double bulge, Conic* conic,
-                  double* start, double* sweep) {
-    const double dx = x2 - x1, dy = y2 - y1, chord = std::hypot(dx, dy);
+ConicArc ArcOf(const Conic& conic, double start, double sweep) {
+    return {conic, std::cos(start), std::sin(start), sweep, conic.At(start + sweep)};
+}
+
+bool ArcOfBulge(const PlaneMap& map, double x1, double y1, double x2, double y2, double z, double bulge,
+                ConicArc* arc) {
+    const double dx = x2 - x1, dy = y2 - y1, chord = Length(dx, dy);
     if (!(std::fabs(bulge) > 1e-9) || !IsDrawable(bulge) || !(chord > 0)) return false;
     // The centre lies on the chord's perpendicular bisector; its distance is signed, to the left of the chord.
     const double radius = chord * (1 + bulge * bulge) / (4 * std::fabs(bulge));
     if (!IsDrawable(radius)) return false;
     const double toCentre = (1 - bulge * bulge) / (4 * bulge);  // in chords
     const double centreX = (x1 + x2) / 2 - dy * toCentre, centreY = (y1 + y2) / 2 + dx * toCentre;
-    *conic = {map.Point({centreX, centreY, z}), map.Direction({radius, 0, 0}), map.Direction({0, radius, 0})};
-    *start = std::atan2(y1 - centreY, x1 - centreX);
-    *sweep = 4 * std::atan(bulge);
+    arc->conic = {map.Point({centreX, centreY, z}), map.Direction({radius, 0, 0}), map.Direction({0, radius, 0})};
+    arc->startCos = (x1 - centreX) / radius;
+    arc->startSin = (y1 - centreY) / radius;
+    arc->sweep = 4 * std::atan(bulge);
+    arc->end = map.Point({x2, y2, z});
     return true;
 }

@@ -1,12 +1,17 @@
 // From a drawing's three dimensions to its plane seen from above, and the curves in it.
 #pragma once
 
+#include <cmath>
+
 #include "preview/drawing/view.h"
 
 constexpr double kTurn = 6.283185307179586477;  // radians
 
 inline double Radians(double degrees) { return degrees * (kTurn / 360); }
 inline double Degrees(double radians) { return radians * (360 / kTurn); }
+
+// Coordinates are far from where their squares would overflow; the library's own function takes ten times as long.
+inline double Length(double x, double y) { return std::sqrt(x * x + y * y); }
 
 struct Vector3 {
     double x, y, z;
@@ -42,10 +47,17 @@ struct Conic {
     WorldPoint At(double t) const;
 };
 
-// The conic through two points with a bulge, the tangent of a quarter of the angle, which runs from `start` over
-// `sweep`. False for a straight segment.
-bool ConicOfBulge(const PlaneMap& map, double x1, double y1, double x2, double y2, double z, double bulge, Conic* conic,
-                  double* start, double* sweep);
+// A part of a conic.
+struct ConicArc {
+    Conic conic;
+    double startCos, startSin;  // of where it begins
+    double sweep;               // radians, below 0: clockwise
+    WorldPoint end;
+};
+ConicArc ArcOf(const Conic& conic, double start, double sweep);
+
+// The arc between two points with a bulge, the tangent of a quarter of its angle. False for a straight segment.
+bool ArcOfBulge(const PlaneMap& map, double x1, double y1, double x2, double y2, double z, double bulge, ConicArc* arc);
 
 // Whether a number can be drawn: no NaN, and not so large that it only stands for "unset".
 inline bool IsDrawable(double value) { return value > -1e15 && value < 1e15; }

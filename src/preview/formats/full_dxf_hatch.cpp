@@ -48,7 +48,7 @@ void PathAlongArc(DxfDecoder& dxf, const Edge& edge, double z) {
     const Vector3 u = ellipse ? Vector3{edge.x2, edge.y2, 0} : Vector3{edge.radius, 0, 0};
     const Vector3 v = ellipse ? Vector3{-edge.y2 * edge.radius, edge.x2 * edge.radius, 0} : Vector3{0, edge.radius, 0};
     const Conic conic = {dxf.map.Point({edge.x, edge.y, z}), dxf.map.Direction(u), dxf.map.Direction(v)};
-    PathAlong(dxf, conic, start * direction, sweep * direction);
+    PathAlong(dxf, ArcOf(conic, start * direction, sweep * direction));
 }
 
 void DrawEdge(DxfDecoder& dxf, const Edge& edge, double z) {
@@ -92,20 +92,19 @@ private:
 void HatchWalk::TakeVertex() {
     if (!pending) return;
     pending = false;
-    Conic conic;
-    double start = 0, sweep = 0;
+    ConicArc arc;
     if (vertices++ == 0) {
         firstX = x, firstY = y;
         PathTo(dxf, dxf.map.Point({x, y, z}));
-    } else if (ConicOfBulge(dxf.map, lastX, lastY, x, y, z, lastBulge, &conic, &start, &sweep)) {
-        PathAlong(dxf, conic, start, sweep);
+    } else if (ArcOfBulge(dxf.map, lastX, lastY, x, y, z, lastBulge, &arc)) {
+        PathAlong(dxf, arc);
     } else {
         PathTo(dxf, dxf.map.Point({x, y, z}));
     }
     lastX = x, lastY = y, lastBulge = bulge;
 }
 
-double Distance(WorldPoint a, WorldPoint b) { return std::hypot(a.x - b.x, a.y - b.y); }
+double Distance(WorldPoint a, WorldPoint b) { return Length(a.x - b.x, a.y - b.y); }
 
 // Edges follow each other, but not every writer lets each begin where the one before ends: those that run the other way
 // are turned around, the first one too.
@@ -281,7 +280,7 @@ struct Family {
 bool FamilyOf(const DxfDecoder& dxf, const PatternLine& line, double z, Family* family) {
     const double c = std::cos(Radians(line.angle)), s = std::sin(Radians(line.angle));
     const WorldPoint along = dxf.map.Direction({c, s, 0}), offset = dxf.map.Direction({line.offsetX, line.offsetY, 0});
-    const double length = std::hypot(along.x, along.y);
+    const double length = Length(along.x, along.y);
     if (!(length > 0)) return false;
     family->base = dxf.map.Point({line.baseX, line.baseY, z});
     family->along = {along.x / length, along.y / length};
@@ -379,11 +378,11 @@ void DrawDxfHatch(DxfDecoder& dxf, DxfReader*) {
     Hatch hatch;
     const double z = dxf.groups.Number(30);
     HatchWalk walk = {dxf, &hatch, z};
-    DxfReader reader = {&dxf.form, dxf.groups.begin};
+    DxfRecordWalk record(dxf.groups);
     DxfPair pair;
     BeginPath(dxf, true);
     dxf.outlineFlags.clear();
-    while (walk.part != HatchWalk::kDone && NextInRecord(&reader, &pair) && dxf.MayContinue()) walk.Take(pair);
+    while (walk.part != HatchWalk::kDone && record.Next(&pair) && dxf.MayContinue()) walk.Take(pair);
     walk.EndOfOutline();
     LeaveOutInner(dxf, hatch.style);
     if (hatch.solid || dxf.IsMeasuring()) return EndPath(dxf);

@@ -106,8 +106,8 @@ void DrawGrid(DxfDecoder& dxf, const Block& block, const DxfPlace& place, const 
             lowC = *std::min_element(cs, cs + 4), highC = *std::max_element(cs, cs + 4);
             lowR = *std::min_element(rs, rs + 4), highR = *std::max_element(rs, rs + 4);
         }
-        columns = RangeOf(lowC, highC, grid.columns, std::hypot(c.x, c.y) / dxf.pixel);
-        rows = RangeOf(lowR, highR, grid.rows, std::hypot(r.x, r.y) / dxf.pixel);
+        columns = RangeOf(lowC, highC, grid.columns, Length(c.x, c.y) / dxf.pixel);
+        rows = RangeOf(lowR, highR, grid.rows, Length(r.x, r.y) / dxf.pixel);
     }
     for (long long row = rows.first; row <= rows.last; row += rows.step) {
         for (long long column = columns.first; column <= columns.last; column += columns.step) {

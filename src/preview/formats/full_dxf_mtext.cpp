@@ -371,10 +371,10 @@ Vector3 UpFromText(Vector3 n, Vector3 a) {
 
 void DrawDxfMText(DxfDecoder& dxf, DxfReader*) {
     const DxfGroups& groups = dxf.groups;
-    DxfReader reader = {&dxf.form, groups.begin};
+    DxfRecordWalk record(groups);
     DxfPair pair;
     dxf.paragraphs.bytes.clear();
-    while (NextInRecord(&reader, &pair)) {
+    while (record.Next(&pair)) {
         if (pair.code == 1 || pair.code == 3) AppendParagraphBytes(dxf, pair.value);
     }
     const Axes3 axes = AxesOfNormal(NormalOf(groups));

@@ -100,10 +100,10 @@ void DrawDxfMultiLeader(DxfDecoder& dxf, DxfReader*) {
     LeaderWalk walk = {dxf};
     walk.text.place.along = {1, 0, 0};
     dxf.paragraphs.bytes.clear();
-    DxfReader reader = {&dxf.form, dxf.groups.begin};
+    DxfRecordWalk record(dxf.groups);
     DxfPair pair;
     BeginPath(dxf);
-    while (NextInRecord(&reader, &pair) && dxf.MayContinue()) walk.Take(pair);
+    while (record.Next(&pair) && dxf.MayContinue()) walk.Take(pair);
     EndPath(dxf);
     if (!walk.hasText) return;
     walk.text.place.along = AlongText(walk.text.place.along);

@@ -32,14 +32,15 @@ private:
 constexpr double kThinPixels = 1.5;
 
 void Polyline::DrawBand(const Vertex& from, const Vertex& to) {
-    Conic conic;
-    double start = 0, sweep = 0;
     const double half = from.startWidth / 2, endHalf = from.endWidth / 2;
-    const bool arc = ConicOfBulge(dxf.map, from.x, from.y, to.x, to.y, from.z, from.bulge, &conic, &start, &sweep);
-    const double chord = std::hypot(to.x - from.x, to.y - from.y);
+    const double chord = Length(to.x - from.x, to.y - from.y);
     if (!(chord > 0)) return;
-    const double radius = chord * (1 + from.bulge * from.bulge) / (4 * std::fabs(from.bulge));
-    const int pieces = arc ? SegmentsOfTurn(dxf, std::hypot(conic.u.x, conic.u.y), sweep) : 1;
+    ConicArc arc;
+    const bool round = ArcOfBulge(dxf.map, from.x, from.y, to.x, to.y, from.z, from.bulge, &arc);
+    const Conic& conic = arc.conic;
+    const double radius = round ? chord * (1 + from.bulge * from.bulge) / (4 * std::fabs(from.bulge)) : 0;
+    const double start = round ? std::atan2(arc.startSin, arc.startCos) : 0;
+    const int pieces = round ? SegmentsOfTurn(dxf, Length(conic.u.x, conic.u.y), arc.sweep) : 1;
     // One side there, the other back. Offsets are to the left of the way.
     BeginPath(dxf, true);
     const double nx = -(to.y - from.y) / chord, ny = (to.x - from.x) / chord;
@@ -47,12 +48,11 @@ void Polyline::DrawBand(const Vertex& from, const Vertex& to) {
         for (int i = 0; i <= pieces; ++i) {
             const double t = static_cast<double>(side > 0 ? i : pieces - i) / pieces;
             const double offset = (half + (endHalf - half) * t) * side;
-            if (arc) {
+            if (round) {
                 // Left of a counter-clockwise arc is toward the centre.
-                const double scale = 1 - (sweep > 0 ? offset : -offset) / radius;
-                const WorldPoint p = conic.At(start + sweep * t);
-                PathTo(dxf, {conic.centre.x + (p.x - conic.centre.x) * scale,
-                             conic.centre.y + (p.y - conic.centre.y) * scale});
+                const double scale = 1 - (arc.sweep > 0 ? offset : -offset) / radius;
+                const WorldPoint p = conic.At(start + arc.sweep * t), centre = conic.centre;
+                PathTo(dxf, {centre.x + (p.x - centre.x) * scale, centre.y + (p.y - centre.y) * scale});
             } else {
                 const Vertex& end = t == 0 ? from : to;
                 PathTo(dxf, dxf.map.Point({end.x + nx * offset, end.y + ny * offset, from.z}));
@@ -71,12 +71,8 @@ void Polyline::DrawSegment(const Vertex& from, const Vertex& to) {
             BeginPath(dxf);
             return;
         }
-        Conic conic;
-        double start = 0, sweep = 0;
-        if (ConicOfBulge(dxf.map, from.x, from.y, to.x, to.y, from.z, from.bulge, &conic, &start, &sweep)) {
-            PathAlong(dxf, conic, start, sweep);
-            return;
-        }
+        ConicArc arc;
+        if (ArcOfBulge(dxf.map, from.x, from.y, to.x, to.y, from.z, from.bulge, &arc)) return PathAlong(dxf, arc);
     }
     if (dxf.path.points.empty()) PathTo(dxf, dxf.map.Point({from.x, from.y, from.z}));
     PathTo(dxf, dxf.map.Point({to.x, to.y, to.z}));
@@ -105,11 +101,11 @@ void DrawDxfLwPolyline(DxfDecoder& dxf, DxfReader*) {
     const DxfGroups& groups = dxf.groups;
     const double elevation = groups.Number(38), width = groups.Number(43);
     Polyline line = {dxf, true, 0, {}, {}};
-    DxfReader reader = {&dxf.form, groups.begin};
+    DxfRecordWalk record(groups);
     DxfPair pair;
     Vertex vertex;
     bool open = false;
-    while (NextInRecord(&reader, &pair)) {
+    while (record.Next(&pair)) {
         switch (pair.code) {
             case 10:
                 if (open) {

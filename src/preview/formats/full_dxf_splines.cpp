@@ -25,9 +25,9 @@ static void PathThrough(DxfDecoder& dxf, const Curve& at, double from, WorldPoin
                         int depth) {
     const double middle = (from + to) / 2;
     const WorldPoint m = at(middle);
-    const double dx = b.x - a.x, dy = b.y - a.y, chord = std::hypot(dx, dy);
+    const double dx = b.x - a.x, dy = b.y - a.y, chord = Length(dx, dy);
     const double ex = m.x - a.x, ey = m.y - a.y;
-    const double away = chord > 0 ? std::fabs(dx * ey - dy * ex) / chord : std::hypot(ex, ey);
+    const double away = chord > 0 ? std::fabs(dx * ey - dy * ex) / chord : Length(ex, ey);
     constexpr double kTolerance = 0.35;  // pixels
     // A middle that lies beside the chord's own middle has not shown the curve's shape yet.
     const double along = chord > 0 ? std::fabs((dx * ex + dy * ey) / chord - chord / 2) : 0;
@@ -41,24 +41,28 @@ static void PathThrough(DxfDecoder& dxf, const Curve& at, double from, WorldPoin
     PathThrough(dxf, at, middle, m, to, b, depth - 1);
 }
 
-// One smooth piece. Begins with four parts, because a curve that winds may cross its chord's middle.
+// One smooth piece, which is at most `length` long. A longer one begins with four parts, because a curve that winds may
+// cross its chord's middle.
 template <typename Curve>
-static void PathAlongPiece(DxfDecoder& dxf, const Curve& at, double from, double to) {
+static void PathAlongPiece(DxfDecoder& dxf, const Curve& at, double from, double to, double length) {
     constexpr int kParts = 4, kDepth = 7;
-    const int depth = dxf.IsMeasuring() ? 1 : kDepth;
+    const bool coarse = dxf.IsMeasuring() || dxf.budget.left == 0;
+    const int parts = coarse || length > 24 * dxf.pixel ? kParts : 1;
     WorldPoint a = at(from);
     PathTo(dxf, a);
-    for (int i = 0; i < kParts; ++i) {
-        const double t0 = from + (to - from) * i / kParts, t1 = from + (to - from) * (i + 1) / kParts;
+    for (int i = 0; i < parts; ++i) {
+        const double t0 = from + (to - from) * i / parts, t1 = from + (to - from) * (i + 1) / parts;
         const WorldPoint b = at(t1);
-        PathThrough(dxf, at, t0, a, t1, b, dxf.budget.left ? depth : 0);
+        if (coarse || length < dxf.pixel) PathTo(dxf, b);
+        else PathThrough(dxf, at, t0, a, t1, b, kDepth);
         a = b;
     }
 }
 
 // ---- B-splines
 
-// The point at `t` of the span that begins with knot `span`, by de Boor's scheme with weights.
+// The point at `t` of the span that begins with knot `span`, by de Boor's scheme.
+template <bool kWeighted>
 static WorldPoint PointOfSpline(const DxfSpline& s, std::size_t span, double t) {
     struct {
         double x, y, w;
@@ -66,7 +70,7 @@ static WorldPoint PointOfSpline(const DxfSpline& s, std::size_t span, double t) 
     const auto p = static_cast<std::size_t>(s.degree);
     for (std::size_t i = 0; i <= p; ++i) {
         const std::size_t at = span - p + i;
-        const double w = at < s.weights.size() ? s.weights[at] : 1;
+        const double w = kWeighted && at < s.weights.size() ? s.weights[at] : 1;
         points[i] = {s.controls[at].x * w, s.controls[at].y * w, w};
     }
     for (std::size_t r = 1; r <= p; ++r) {
@@ -75,9 +79,10 @@ static WorldPoint PointOfSpline(const DxfSpline& s, std::size_t span, double t) 
             const double a = high > low ? (t - low) / (high - low) : 0;
             points[i].x = points[i - 1].x + (points[i].x - points[i - 1].x) * a;
             points[i].y = points[i - 1].y + (points[i].y - points[i - 1].y) * a;
-            points[i].w = points[i - 1].w + (points[i].w - points[i - 1].w) * a;
+            if (kWeighted) points[i].w = points[i - 1].w + (points[i].w - points[i - 1].w) * a;
         }
     }
+    if (!kWeighted) return {points[p].x, points[p].y};
     return {points[p].x / points[p].w, points[p].y / points[p].w};
 }
 
@@ -104,16 +109,21 @@ static void PathAlongControls(DxfDecoder& dxf, DxfSpline* s) {
         usable = std::isfinite(s->knots[i]);
     }
     if (!usable || !(s->knots[p] < s->knots[n])) SetEvenKnots(s);
+    const auto at = s->weights.empty() ? PointOfSpline<false> : PointOfSpline<true>;
     for (std::size_t span = p; span < n && dxf.MayContinue(); ++span) {
         const double from = s->knots[span], to = s->knots[span + 1];
         if (!(to > from)) continue;
         dxf.budget.Charge(s->degree * 4);
         if (s->degree == 1) {
-            PathTo(dxf, PointOfSpline(*s, span, from));
-            PathTo(dxf, PointOfSpline(*s, span, to));
+            PathTo(dxf, at(*s, span, from));
+            PathTo(dxf, at(*s, span, to));
         } else {
+            double length = 0;  // of the control points' line, which the curve's does not exceed
+            for (std::size_t i = span - p; i < span; ++i) {
+                length += Length(s->controls[i + 1].x - s->controls[i].x, s->controls[i + 1].y - s->controls[i].y);
+            }
             PathAlongPiece(
-                dxf, [&](double t) { return PointOfSpline(*s, span, t); }, from, to);
+                dxf, [&](double t) { return at(*s, span, t); }, from, to, length);
         }
     }
 }
@@ -126,14 +136,13 @@ static void PathAlongFits(DxfDecoder& dxf, DxfSpline* s) {
     std::vector<WorldPoint>& points = s->fits;
     // Points on one spot have no chord between them.
     points.erase(std::unique(points.begin(), points.end(),
-                             [](WorldPoint a, WorldPoint b) { return std::hypot(a.x - b.x, a.y - b.y) < 1e-12; }),
+                             [](WorldPoint a, WorldPoint b) { return Length(a.x - b.x, a.y - b.y) < 1e-12; }),
                  points.end());
     // A closed curve is solved with some of its points again at both ends, whose influence fades by four each.
     std::size_t lead = 0;
     if (s->closed && points.size() > 2) {
         constexpr std::size_t kWrap = 8;
-        if (std::hypot(points.front().x - points.back().x, points.front().y - points.back().y) < 1e-9)
-            points.pop_back();
+        if (Length(points.front().x - points.back().x, points.front().y - points.back().y) < 1e-9) points.pop_back();
         const std::size_t count = points.size();
         lead = std::min(kWrap, count);
         std::vector<WorldPoint>& wrapped = s->controls;
@@ -149,7 +158,7 @@ static void PathAlongFits(DxfDecoder& dxf, DxfSpline* s) {
     std::vector<double>& lengths = s->knots;  // of the chords
     lengths.resize(n);
     for (std::size_t i = 0; i + 1 < n; ++i) {
-        lengths[i] = std::max(std::hypot(points[i + 1].x - points[i].x, points[i + 1].y - points[i].y), 1e-12);
+        lengths[i] = std::max(Length(points[i + 1].x - points[i].x, points[i + 1].y - points[i].y), 1e-12);
     }
     // Tridiagonal equations for the tangents; the ends are free (no curvature) or given.
     std::vector<WorldPoint>& tangents = s->controls;
@@ -157,7 +166,7 @@ static void PathAlongFits(DxfDecoder& dxf, DxfSpline* s) {
     tangents.assign(n, {});
     upper.assign(n, 0);
     const auto given = [&](WorldPoint t, std::size_t at) {
-        const double length = std::hypot(t.x, t.y);
+        const double length = Length(t.x, t.y);
         if (!(length > 0) || lead) return false;
         tangents[at] = {t.x / length, t.y / length};
         return true;
@@ -194,7 +203,7 @@ static void PathAlongFits(DxfDecoder& dxf, DxfSpline* s) {
                 const double ka = 2 * t3 - 3 * t2 + 1, ku = t3 - 2 * t2 + t, kb = 3 * t2 - 2 * t3, kv = t3 - t2;
                 return {ka * a.x + ku * u.x + kb * b.x + kv * v.x, ka * a.y + ku * u.y + kb * b.y + kv * v.y};
             },
-            0, 1);
+            0, 1, 2 * h);
     }
 }
 
@@ -212,7 +221,7 @@ void DrawDxfSpline(DxfDecoder& dxf, DxfReader*) {
     spline.closed = dxf.groups.Integer(70) & 1;
     if (dxf.groups.Has(12)) spline.startTangent = dxf.map.Direction(PointOf(dxf.groups, 12));
     if (dxf.groups.Has(13)) spline.endTangent = dxf.map.Direction(PointOf(dxf.groups, 13));
-    DxfReader reader = {&dxf.form, dxf.groups.begin};
+    DxfRecordWalk record(dxf.groups);
     DxfPair pair;
     Vector3 point = {};
     std::vector<WorldPoint>* open = nullptr;
@@ -220,7 +229,7 @@ void DrawDxfSpline(DxfDecoder& dxf, DxfReader*) {
         if (open && open->size() < kMostSplinePoints) open->push_back(dxf.map.Point(point));
         open = nullptr;
     };
-    while (NextInRecord(&reader, &pair) && dxf.MayContinue()) {
+    while (record.Next(&pair) && dxf.MayContinue()) {
         if (pair.code < 10 || pair.code > 59) continue;
         const double value = DxfNumber(dxf.form, pair.code, pair.value);
         switch (pair.code) {

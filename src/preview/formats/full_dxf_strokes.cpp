@@ -112,7 +112,7 @@ void EndPath(DxfDecoder& dxf) {
 // ---- Curves
 
 int SegmentsOfTurn(DxfDecoder& dxf, double radius, double sweep) {
-    constexpr int kMeasured = 64, kCoarse = 8;  // of a whole turn
+    constexpr int kMeasured = 32, kCoarse = 8;  // of a whole turn
     const double turns = std::min(std::fabs(sweep) / kTurn, 1.0);
     double whole = kMeasured;
     if (dxf.budget.left == 0) {
@@ -126,25 +126,26 @@ int SegmentsOfTurn(DxfDecoder& dxf, double radius, double sweep) {
     return std::max(1, static_cast<int>(std::ceil(whole * turns)));
 }
 
-void PathAlong(DxfDecoder& dxf, const Conic& conic, double start, double sweep) {
-    if (!IsDrawable(start) || !IsDrawable(sweep)) return;
-    const double radius = std::max(std::hypot(conic.u.x, conic.u.y), std::hypot(conic.v.x, conic.v.y));
-    const int count = SegmentsOfTurn(dxf, radius, sweep);
-    const double step = sweep / count, stepC = std::cos(step), stepS = std::sin(step);
-    double c = std::cos(start), s = std::sin(start);
+void PathAlong(DxfDecoder& dxf, const ConicArc& arc) {
+    const Conic& conic = arc.conic;
+    if (!IsDrawable(arc.sweep)) return;
+    const double radius = std::max(Length(conic.u.x, conic.u.y), Length(conic.v.x, conic.v.y));
+    const int count = SegmentsOfTurn(dxf, radius, arc.sweep);
+    const double step = arc.sweep / count, stepC = std::cos(step), stepS = std::sin(step);
+    double c = arc.startCos, s = arc.startSin;
     for (int i = 0; i < count; ++i) {
         PathTo(dxf, {conic.centre.x + conic.u.x * c + conic.v.x * s, conic.centre.y + conic.u.y * c + conic.v.y * s});
         const double nextC = c * stepC - s * stepS;
         s = s * stepC + c * stepS;
         c = nextC;
     }
-    PathTo(dxf, conic.At(start + sweep));
+    PathTo(dxf, arc.end);
 }
 
 // A circle, seen neither stretched nor askew.
 static bool IsCircle(const Conic& conic, double radius) {
     const double tiny = radius * 1e-6;
-    return std::fabs(std::hypot(conic.v.x, conic.v.y) - radius) < tiny &&
+    return std::fabs(Length(conic.v.x, conic.v.y) - radius) < tiny &&
            std::fabs(conic.u.x * conic.v.x + conic.u.y * conic.v.y) < tiny * radius;
 }
 
@@ -156,7 +157,7 @@ static double FullDegrees(double radians) {
 // Circles are the sink's own to draw where it draws them well: not the tiny arcs, which become a chord there, nor those
 // that are larger than any picture.
 static bool DrawArcElement(DxfDecoder& dxf, const Conic& conic, double start, double sweep) {
-    const double radius = std::hypot(conic.u.x, conic.u.y);
+    const double radius = Length(conic.u.x, conic.u.y);
     if (!IsCircle(conic, radius) || !IsDrawable(conic.centre) || !IsDrawable(radius) || !(radius > 0)) return false;
     const bool whole = !(std::fabs(sweep) < kTurn * (1 - 1e-9));
     if (!dxf.IsMeasuring()) {
@@ -180,7 +181,7 @@ static bool DrawArcElement(DxfDecoder& dxf, const Conic& conic, double start, do
 void DrawDxfConic(DxfDecoder& dxf, const Conic& conic, double start, double sweep) {
     if (!IsDrawable(start) || !IsDrawable(sweep) || DrawArcElement(dxf, conic, start, sweep)) return;
     BeginPath(dxf);
-    PathAlong(dxf, conic, start, sweep);
+    PathAlong(dxf, ArcOf(conic, start, sweep));
     EndPath(dxf);
 }
 

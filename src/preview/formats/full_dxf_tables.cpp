@@ -15,29 +15,51 @@ void DxfGroups::Read(DxfReader* reader) {
     form = reader->form;
     begin = reader->at;
     std::fill(std::begin(present), std::end(present), 0);
-    DxfPair pair;
+    behindKept = kNowhere;
+    unsigned count = 0;
     bool open = true;
     for (;;) {
         const std::size_t before = reader->at;
-        if (!reader->Next(&pair)) return;
+        DxfPair& pair = kept[count];
+        if (!reader->Next(&pair)) break;
         if (pair.code == 0) {
             reader->at = before;
-            return;
+            break;
+        }
+        if (!open) continue;
+        if (IsEmbeddedObject(pair)) {
+            open = false;
+            continue;
         }
         const auto code = static_cast<unsigned>(pair.code);
-        if (code >= kCodes || !open) continue;
-        if (IsEmbeddedObject(pair)) open = false;
         const std::uint64_t bit = std::uint64_t{1} << (code & 63);
-        if (present[code >> 6] & bit) continue;
-        present[code >> 6] |= bit;
-        values[code] = pair.value;
+        const bool isNew = code < kCodes && !(present[code >> 6] & bit);
+        if (isNew) {
+            present[code >> 6] |= bit;
+            place[code] = static_cast<std::uint16_t>(count);
+        }
+        if (count < kKept) {
+            ++count;
+        } else {
+            if (behindKept == kNowhere) behindKept = before;
+            if (isNew) ++count;
+        }
     }
+    keptCount = std::min(count, kKept);
 }
 
 int DxfGroups::Integer(int code, int missing) const {
     constexpr long long kMost = 1 << 30;
     if (!Has(code)) return missing;
-    return static_cast<int>(std::clamp(DxfInteger(*form, code, values[code]), -kMost, kMost));
+    return static_cast<int>(std::clamp(DxfInteger(*form, code, Value(code)), -kMost, kMost));
+}
+
+bool DxfRecordWalk::Next(DxfPair* pair) {
+    if (at < groups->keptCount) {
+        *pair = groups->kept[at++];
+        return true;
+    }
+    return groups->behindKept != kNowhere && NextInRecord(&reader, pair);
 }
 
 bool NextInRecord(DxfReader* reader, DxfPair* pair) {
@@ -146,9 +168,6 @@ static Section SectionOf(ByteView name) {
     return Section::kOther;
 }
 
-// Records that belong to the entity before them.
-static bool IsPart(ByteView kind) { return IsName(kind, "VERTEX") || IsName(kind, "SEQEND") || IsName(kind, "ATTRIB"); }
-
 static void TakeVariable(const DxfForm& form, ByteView name, const DxfPair& pair, DxfTables* out) {
     if (IsName(name, "$ACADVER") && pair.code == 1) {
         const ByteView text = Trimmed(pair.value);
@@ -180,7 +199,7 @@ DxfTables SurveyDxf(const DxfForm& form, const std::atomic<std::int32_t>* goOn) 
     ByteView variable;
     DxfNames* named = nullptr;  // where the record's name goes once it is read
     std::size_t record = 0;
-    bool expectSection = false;
+    bool expectSection = false, hasBlocks = false, hasEntities = false;
     for (std::size_t before = reader.at; reader.NextOrRemark(&pair); before = reader.at) {
         if (pair.code == 0) {
             if (goOn && goOn->load(std::memory_order_relaxed) != 1) break;
@@ -196,15 +215,17 @@ DxfTables SurveyDxf(const DxfForm& form, const std::atomic<std::int32_t>* goOn) 
                 named = TableOf(kind, &out);
             } else if (section == Section::kBlocks) {
                 if (IsName(kind, "BLOCK")) named = &out.blocks;
-            } else if (section == Section::kEntities || section == Section::kNone) {
-                if (section == Section::kNone && out.entities == kNowhere) out.entities = before;  // entities alone
-                if (!IsPart(kind)) ++out.entityCount;
+            } else if (section == Section::kNone && out.entities == kNowhere) {
+                out.entities = before;  // entities alone
             }
         } else if (pair.code == 2 && expectSection) {
             expectSection = false;
             section = SectionOf(pair.value);
-            if (section == Section::kEntities && (out.entities == kNowhere || out.entityCount == 0))
-                out.entities = reader.at;
+            hasBlocks |= section == Section::kBlocks;
+            // Nothing behind the entities is asked for, where all else came before them as it should.
+            if (section == Section::kEntities && !hasEntities) out.entities = reader.at;
+            hasEntities |= section == Section::kEntities;
+            if (hasEntities && hasBlocks) break;
         } else if (pair.code == 2 && named) {
             named->Add(pair.value, record, before);
             named = nullptr;

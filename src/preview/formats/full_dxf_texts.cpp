@@ -7,7 +7,7 @@
 bool PlaceText(const DxfDecoder& dxf, const DxfTextPlace& place, double height, double widthFactor, double fitWidth,
                double obliqueDegrees, UnicodeText* out) {
     const WorldPoint along = dxf.map.Direction(place.along), up = dxf.map.Direction(place.up);
-    const double length = std::hypot(along.x, along.y), area = along.x * up.y - along.y * up.x;
+    const double length = Length(along.x, along.y), area = along.x * up.y - along.y * up.x;
     if (!(length > 0) || !(std::fabs(area) > 0) || !IsDrawable(length)) return false;
     const double upright = std::fabs(area) / length;  // what a unit of height becomes
     const double lean = (along.x * up.x + along.y * up.y) / length;
@@ -60,7 +60,7 @@ static void DrawLineOfText(DxfDecoder& dxf, ByteView bytes, int verticalCode) {
     DxfTextPlace place = {};
     if (horizontal == kAligned || horizontal == kFit) {
         place.at = first;
-        const double dx = second.x - first.x, dy = second.y - first.y, length = std::hypot(dx, dy);
+        const double dx = second.x - first.x, dy = second.y - first.y, length = Length(dx, dy);
         if (length > 0) {
             angle = std::atan2(dy, dx);
             fitWidth = length;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "kit/code_page.h"
+
 static constexpr std::size_t kMostUnits = 1 << 16;
 
 // ---- Code pages
@@ -29,10 +31,9 @@ static unsigned PageOfName(ByteView name) {
     return page >= 437 && page <= 1361 ? static_cast<unsigned>(page) : 0;
 }
 
-DxfEncoding EncodingOf(const DxfForm& form, const DxfTables& tables, const CodePages* codePages) {
+DxfEncoding EncodingOf(const DxfForm& form, const DxfTables& tables) {
     constexpr int kFirstUtf8Version = 1021;
     DxfEncoding encoding;
-    encoding.codePages = codePages;
     const unsigned page = PageOfName(tables.codePage);
     if (page) encoding.page = page;
     // Programs that state no page mostly write UTF-8 too.
@@ -93,13 +94,13 @@ static bool AppendUtf8(ByteView text, std::u16string* out) {
     return true;
 }
 
-static void AppendBytes(const DxfEncoding& encoding, unsigned page, bool tryUtf8, ByteView text, std::u16string* out) {
+static void AppendBytes(unsigned page, bool tryUtf8, ByteView text, std::u16string* out) {
     const bool ascii = std::all_of(text.data, text.data + text.size, [](std::uint8_t byte) { return byte < 0x80; });
     if (!ascii && tryUtf8 && AppendUtf8(text, out)) return;
-    if (!ascii && encoding.codePages && encoding.codePages->toUnicode) {
+    if (!ascii) {
         const std::size_t before = out->size(), room = std::min(text.size, kMostUnits - std::min(kMostUnits, before));
         out->resize(before + room);
-        const std::size_t length = encoding.codePages->toUnicode(page, text, &(*out)[before], room);
+        const std::size_t length = TextToUnicode(page, text, &(*out)[before], room);
         out->resize(before + std::min(length, room));
         if (length) return;
     }
@@ -120,7 +121,7 @@ static bool TakeHex(ByteView text, std::size_t at, std::size_t count, std::uint3
 }
 
 // "\U+XXXX" or "\M+nXXXX" at `at`: appends its character and gives its length; 0 when it is neither.
-static std::size_t TakeNamedCharacter(const DxfEncoding& encoding, ByteView text, std::size_t at, std::u16string* out) {
+static std::size_t TakeNamedCharacter(ByteView text, std::size_t at, std::u16string* out) {
     static constexpr unsigned kPages[] = {0, 932, 950, 949, 1361, 936};
     std::uint32_t value = 0;
     if (MatchAt(text, at, "\\U+") || MatchAt(text, at, "\\u+")) {
@@ -132,7 +133,7 @@ static std::size_t TakeNamedCharacter(const DxfEncoding& encoding, ByteView text
         return 0;
     if (!TakeHex(text, at + 4, 4, &value)) return 0;
     const std::uint8_t bytes[] = {static_cast<std::uint8_t>(value >> 8), static_cast<std::uint8_t>(value)};
-    AppendBytes(encoding, kPages[text.data[at + 3] - '0'], false, {bytes, 2}, out);
+    AppendBytes(kPages[text.data[at + 3] - '0'], false, {bytes, 2}, out);
     return 8;
 }
 
@@ -140,7 +141,7 @@ void AppendUnicode(const DxfEncoding& encoding, ByteView text, std::u16string* o
     const bool leadBytes = !encoding.tryUtf8 && HasLeadBytes(encoding.page);
     std::size_t begin = 0, at = 0;
     const auto flush = [&] {
-        if (at > begin) AppendBytes(encoding, encoding.page, encoding.tryUtf8, {text.data + begin, at - begin}, out);
+        if (at > begin) AppendBytes(encoding.page, encoding.tryUtf8, {text.data + begin, at - begin}, out);
     };
     while (at < text.size && out->size() < kMostUnits) {
         if (leadBytes && text.data[at] > 0x80 && at + 1 < text.size) {
@@ -153,7 +154,7 @@ void AppendUnicode(const DxfEncoding& encoding, ByteView text, std::u16string* o
         }
         flush();
         begin = at;
-        const std::size_t length = TakeNamedCharacter(encoding, text, at, out);
+        const std::size_t length = TakeNamedCharacter(text, at, out);
         if (length) {
             at += length;
             begin = at;

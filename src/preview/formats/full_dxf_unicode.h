@@ -3,16 +3,14 @@
 
 #include <string>
 
-#include "kit/code_pages.h"
 #include "preview/formats/full_dxf_tables.h"
 
 struct DxfEncoding {
-    const CodePages* codePages = nullptr;  // null: what is not ASCII or UTF-8 is taken for Latin-1
     unsigned page = 1252;
     bool tryUtf8 = false;  // UTF-8 where the bytes are valid as such
 };
 
-DxfEncoding EncodingOf(const DxfForm& form, const DxfTables& tables, const CodePages* codePages);
+DxfEncoding EncodingOf(const DxfForm& form, const DxfTables& tables);
 
 // Appends a text, with "\U+XXXX" and "\M+nXXXX" as the characters that they name. Very long texts are cut.
 void AppendUnicode(const DxfEncoding& encoding, ByteView text, std::u16string* out);

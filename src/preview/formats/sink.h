@@ -7,7 +7,6 @@
 #include <cstdint>
 
 #include "kit/bytes.h"
-#include "kit/code_pages.h"
 #include "preview/drawing/element.h"
 #include "preview/drawing/view.h"
 #include "preview/formats/comment.h"
@@ -49,7 +48,6 @@ struct DrawingSink {
 
     ViewTransform view;                     // from the last fit
     bool textsAsFrames;                     // texts are wanted as their bounding frames
-    const CodePages* codePages;             // may be null
     const std::atomic<std::int32_t>* goOn;  // 1 while nobody has cancelled the run
 
     bool MayContinue() const { return goOn->load(std::memory_order_relaxed) == 1; }
