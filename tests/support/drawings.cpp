@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "preview/drawing/canvas.h"
+#include <cstdio>
+#include <cstring>
+
 #include "support/guard_block.h"
-#include "support/picture.h"
 #include "support/samples.h"
-#include "support/temp_folder.h"
 
 static std::string Raw16(unsigned number) { return Raw(static_cast<std::uint16_t>(number)); }
 
@@ -61,25 +61,23 @@ std::string BackupFile(double width, double height, const std::string& records) 
            records;
 }
 
-static std::string WriteDrawing(const std::string& contents) {
-    static const TempFolder folder;
-    return folder.Write("drawing", contents);
-}
-
-std::string Drawn(PreviewReader reader, const std::string& file, int width, int height, DWORD mode) {
-    const RECT target = {0, 0, width, height};
-    return TakePicture(reader(mode, WriteDrawing(file).c_str(), &target, nullptr, 0));
-}
-
-std::string CommentOf(PreviewReader reader, const std::string& file, std::size_t size, bool withTarget) {
-    const RECT target = {0, 0, 4, 4};
-    const GuardBlock out(std::string(size, '#'));
-    const UniqueBitmap bitmap(
-        reader(0, WriteDrawing(file).c_str(), withTarget ? &target : nullptr, out.Text(), static_cast<DWORD>(size)));
-    EXPECT_TRUE(withTarget || !bitmap) << "no target, no bitmap";
-    const std::string comment(out.Text(), strnlen(out.Text(), size));
-    EXPECT_EQ(std::string(out.Text(), size), comment + std::string(size - comment.size(), '\0'));
-    return comment;
+std::string CommentOf(Decoder decode, const std::string& file, std::size_t size, bool withSink) {
+    static std::atomic<std::int32_t> goOn = 1;
+    const auto label = [](unsigned id, char* out, std::size_t room) { std::snprintf(out, room, "<%u>", id); };
+    DrawingSink sink = {[](DrawingSink&, const WorldRect&, DrawingSink::FitMode) { return true; },
+                        [](DrawingSink&, PreviewPrimitive&, unsigned) {},
+                        nullptr,
+                        nullptr,
+                        {},
+                        false,
+                        &goOn};
+    const GuardBlock block(file), out(std::string(size, '\0'));
+    Comment comment;
+    if (size > 0) comment = {out.Text(), static_cast<long long>(size), label};
+    decode(block.View(), &comment, withSink ? &sink : nullptr);
+    const std::string text(out.Text(), strnlen(out.Text(), size));
+    EXPECT_EQ(std::string(out.Text(), size), text + std::string(size - text.size(), '\0'));
+    return text;
 }
 
 Stroke PointStroke(double x, double y) {
@@ -108,17 +106,9 @@ Stroke FrameStroke(double x1, double y1, double x2, double y2, double centreX, d
     return stroke;
 }
 
-Stroke TextStroke(double x, double y, double height, double width, double spacing, double angle,
-                  const std::string& text) {
+Stroke TextStrokeOf(double x, double y, double height, double width, double spacing, double angle,
+                    const std::string& text) {
     Stroke stroke = {kTextPen, {}};
     stroke.primitive.SetText(x, y, height, width, spacing, angle, text.c_str());
     return stroke;
-}
-
-std::string Rendered(int width, int height, const std::vector<Stroke>& strokes) {
-    Canvas canvas(0, {0, 0, width, height});
-    const WorldRect sheet = {0, 0, static_cast<double>(width), static_cast<double>(height)};
-    if (!canvas.fit(canvas, sheet, DrawingSink::kWipe)) return "no canvas";
-    for (Stroke stroke : strokes) canvas.draw(canvas, stroke.primitive, stroke.pen);
-    return TakePicture(ReleaseCanvasBitmap(&canvas));
 }

@@ -1,7 +1,5 @@
-// Native and backup drawings, built record by record, what a reader makes of them and what the renderer should.
+// Native and backup drawings, built record by record, what a decoder makes of them and what it should.
 #pragma once
-
-#include <windows.h>
 
 #include <cstddef>
 #include <initializer_list>
@@ -9,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "preview/reader.h"
+#include "support/plot.h"
 #include "support/samples.h"
 
 // `bytes` with other bytes put at their offsets.
@@ -42,26 +40,16 @@ std::string BackupFile(double width, double height, const std::string& records);
 
 // ---- What is seen
 
-// The picture of a file, on a canvas with its corner at (0, 0).
-std::string Drawn(PreviewReader reader, const std::string& file, int width, int height, DWORD mode = 0);
-
-// The comment of a file, in a buffer that ends at a guard page and must be zero behind the comment. No target is given
-// unless `withTarget`.
-std::string CommentOf(PreviewReader reader, const std::string& file, std::size_t size, bool withTarget = false);
+// The comment of a file, in a buffer that ends at a guard page and must be zero behind the comment; labels are "<id>".
+// No drawing is wanted unless `withSink`.
+std::string CommentOf(Decoder decode, const std::string& file, std::size_t size, bool withSink = false);
 
 // ---- What should be seen
 
-struct Stroke {
-    unsigned pen;
-    PreviewPrimitive primitive;
-};
 Stroke PointStroke(double x, double y);
 Stroke LineStroke(unsigned pen, double x1, double y1, double x2, double y2, std::uint32_t marks = 0);
 Stroke ArcStroke(unsigned pen, double x, double y, double radius, double start, double end, std::uint32_t marks = 0);
 Stroke FrameStroke(double x1, double y1, double x2, double y2, double centreX, double centreY, double angle = 0);
 // `width` is a half-width character's.
-Stroke TextStroke(double x, double y, double height, double width, double spacing, double angle,
-                  const std::string& text);
-
-// The picture of strokes on a sheet of width x height units, one pixel each.
-std::string Rendered(int width, int height, const std::vector<Stroke>& strokes);
+Stroke TextStrokeOf(double x, double y, double height, double width, double spacing, double angle,
+                    const std::string& text);

@@ -43,15 +43,19 @@ std::string ReadWholeFile(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-std::vector<std::pair<std::string, std::string>> SampleFiles() {
+std::string CheckoutFolder() {
     std::string root = __FILE__;  // tests/support/samples.cpp of the checkout
     std::replace(root.begin(), root.end(), '\\', '/');
     root.resize(root.rfind("/tests/"));
 #ifdef _WIN32
     if (root[0] == '/') root = "Z:" + root;  // built elsewhere, run by Wine
 #endif
+    return root;
+}
+
+std::vector<std::pair<std::string, std::string>> SampleFiles() {
     std::vector<std::pair<std::string, std::string>> files;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(root + "/samples")) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(CheckoutFolder() + "/samples")) {
         if (entry.is_regular_file()) files.emplace_back(entry.path().string(), ReadWholeFile(entry.path().string()));
     }
     return files;

@@ -29,6 +29,9 @@ std::string BitmapFile(int width, int height, int bitsPerPixel, const std::strin
 
 std::string ReadWholeFile(const std::string& path);
 
+// The folder of this checkout.
+std::string CheckoutFolder();
+
 // Every file that the project's samples folder and its sub-folders hold: path and contents.
 std::vector<std::pair<std::string, std::string>> SampleFiles();
 

@@ -2,47 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include "preview/reader.h"
 #include "support/drawings.h"
 #include "support/guard_block.h"
-#include "support/picture.h"
 
-static std::string Shown(const std::string& file, int width, int height, DWORD mode = 0) {
-    return Drawn(ReadNativePreview, file, width, height, mode);
+static std::string Shown(const std::string& file, int width, int height, bool frames = false) {
+    return PlotOf(DecodeNative, file, width, height, frames);
 }
 
-static const std::string kLower = LineRecord(2, 2.7, 9, 2.7), kUpper = LineRecord(3, 5.7, 12, 5.7);
-static const Stroke kLowerLine = LineStroke(0, 2, 2.7, 9, 2.7), kUpperLine = LineStroke(0, 3, 5.7, 12, 5.7);
-
-TEST(NativeReader, Elements) {
-    const auto type = [](const char* word) { return Put(kLower, {{4, {word, 2}}}); };
-    const auto status = [](const char* word) { return Put(kLower, {{0, {word, 2}}}); };
-    const struct {
-        const char* what;
-        std::string records;
-        std::vector<Stroke> strokes;
-    } cases[] = {
-        // clang-format off
-        {"lines", kLower + kUpper, {kLowerLine, kUpperLine}},
-        {"points", PointRecord(2, 2.7) + PointRecord(15, 5.7), {PointStroke(2, 2.7), PointStroke(15, 5.7)}},
-        {"arc", ArcRecord(8, 4.2, 3, 30, 300), {ArcStroke(0, 8, 4.2, 3, 30, 300)}},
-        {"the kind is in four bits", type("\xF2\xFF"), {kLowerLine}},
-        {"other kinds", type("\0\0") + type("\3\0") + type("\5\0") + type("\x10\0") + kUpper, {kUpperLine}},
-        {"what hides", status("\1\0") + status("\0\x40") + status("\0\x80") + kUpper, {kUpperLine}},
-        {"what does not", status("\xFE\x3F"), {kLowerLine}}, {"a filler as status", status("\xA5\x25"), {kLowerLine}},
-        {"pens and end marks", LineRecord(10, 50, 190, 50, 0x0A50) + ArcRecord(100, 10, 90, 20, 160, 0x1160),
-         {LineStroke(5, 10, 50, 190, 50, EndMarkWord(2, 1)), ArcStroke(6, 100, 10, 90, 20, 160, EndMarkWord(1, 2))}},
-        {"bits beside them", LineRecord(10, 50, 190, 50, 0xE40F), {LineStroke(0, 10, 50, 190, 50)}},
-        // clang-format on
-    };
-    for (const auto& c : cases)
-        for (const NativeEdition edition : {kEditionA, kEditionB})
-            EXPECT_EQ(Shown(NativeFile(edition, 200, 120, c.records), 200, 120), Rendered(200, 120, c.strokes))
-                << c.what << " " << edition;
-}
-
-TEST(NativeReader, Layers) {
-    const auto on = [](int layer) { return Put(kLower, {{7, {static_cast<char>(layer)}}}); };
+TEST(DecodeNative, Layers) {
+    const auto on = [](int layer) { return Put(LineRecord(2, 2.7, 9, 2.7), {{7, {static_cast<char>(layer)}}}); };
     const std::string all(512, '\1');
     const struct {
         const char* what;
@@ -62,11 +30,11 @@ TEST(NativeReader, Layers) {
     };
     for (const auto& c : cases) {
         const std::string file = Put(NativeFile(c.edition, 16, 8, on(c.layer)), {{c.at, c.bytes}});
-        EXPECT_EQ(HasInk(Shown(file, 16, 8)), c.shown) << c.what;
+        EXPECT_EQ(Shown(file, 16, 8) != PlotOf({}, 16, 8), c.shown) << c.what;
     }
 }
 
-TEST(NativeReader, SheetAndOrigin) {
+TEST(DecodeNative, SheetAndOrigin) {
     const auto file = [](const char* start, std::initializer_list<double> sheet, float x, float y) {
         const std::string records = LineRecord(2 + x, 3 + y, 90 + x, 50 + y) + PointRecord(5 + x, 50 + y) +
                                     ArcRecord(50 + x, 30 + y, 20, 0, 300) +
@@ -76,7 +44,6 @@ TEST(NativeReader, SheetAndOrigin) {
         return Put(NativeFile(kEditionB, 0, 0, records), {{0, start}, {32, numbers}});
     };
     const std::string picture = Shown(file("", {100, 60}, 0, 0), 100, 60);
-    EXPECT_TRUE(HasInk(picture));
     EXPECT_EQ(Shown(file("LMOX", {1100, 560, 1000, 500, 7, 9}, 1000, 500), 100, 60), picture);
     EXPECT_EQ(Shown(file("LMOS", {100, 60, 77, 55, 70, 50}, 0, 0), 100, 60), picture)
         << "with an origin the sheet begins at (0, 0), whatever its minimum says";
@@ -87,39 +54,6 @@ static std::string Wide(const std::string& text) {
     std::string wide;
     for (const char c : text) wide += {'\x82', static_cast<char>(c - 'a' + 0x81)};
     return wide;
-}
-
-TEST(NativeReader, TextPlacement) {
-    // Three letters at (60, 40): 3 x (10 / 2 + 1) = 18 long and 8 high.
-    const auto at = [](float x, float y, float angle, unsigned placement) {
-        return TextRecord({x, y, 8, 10, 1, angle}, placement, "abc");
-    };
-    const auto text = [](double x, double y, double angle) { return TextStroke(x, y, 8, 5, 1, angle, Wide("abc")); };
-    const auto frame = [](double x, double y, double angle, double x1, double y1) {
-        return FrameStroke(x1, y1, x1 + 18, y1 + 8, x, y, angle);
-    };
-    const struct {
-        const char* what;
-        std::string records;
-        std::vector<Stroke> texts, frames;
-    } cases[] = {
-        // clang-format off
-        {"left, bottom", at(60, 40, 0, Justified(0, 0)), {text(60, 48, 0)}, {frame(60, 40, 0, 60, 40)}},
-        {"middle", at(60, 40, 0, Justified(1, 1)), {text(51, 44, 0)}, {frame(60, 40, 0, 51, 36)}},
-        {"right, top", at(60, 40, 0, Justified(2, 2)), {text(42, 40, 0)}, {frame(60, 40, 0, 42, 32)}},
-        {"other bits of the word", at(60, 40, 0, Justified(0, 1) | 0xFE1F), {text(60, 44, 0)}, {frame(60, 40, 0, 60, 36)}},
-        {"turned", at(60, 40, 90, Justified(1, 0)), {text(52, 31, 90)}, {frame(60, 40, 90, 51, 40)}},
-        {"the last y of a turned text, not of a line", at(60, 20, 90, Justified(0, 2)) + LineRecord(0, 0, 0, 0) + at(20, 40, 0, Justified(0, 3)),
-         {text(60, 20, 90), text(20, 20, 0)}, {frame(60, 20, 90, 60, 12), frame(20, 40, 0, 20, 12)}},
-        {"the last x after its rotation", at(60, 20, 90, Justified(0, 0)) + at(20, 40, 0, Justified(3, 0)),
-         {text(52, 20, 90), text(52, 48, 0)}, {frame(60, 20, 90, 60, 20), frame(20, 40, 0, 60, 40)}},
-        // clang-format on
-    };
-    for (const auto& c : cases) {
-        const std::string file = NativeFile(kEditionA, 100, 60, c.records);
-        EXPECT_EQ(Shown(file, 100, 60), Rendered(100, 60, c.texts)) << c.what;
-        EXPECT_EQ(Shown(file, 100, 60, 1), Rendered(100, 60, c.frames)) << c.what << ", frames";
-    }
 }
 
 // What a text record, which is number 1, and the records behind it give.
@@ -165,8 +99,35 @@ TEST(GatherRecordText, Table) {
     }
 }
 
+// A chain over 1,000 deleted continuations, one of which a filler pattern marks: it counts as deleted as long as the
+// text stands before it.
+TEST(GatherRecordText, LongChains) {
+    constexpr unsigned kLast = 1003, kFilled = 700;
+    const std::string most = "abcdefghijklmn";
+    std::string records = TextRecord({}, 0, most, 2);
+    for (unsigned number = 2; number < kLast - 1; ++number)
+        records += ContinuationRecord("x", number + 1, number == kFilled ? 0x25A5 : 1);
+    records += ContinuationRecord("end") + TextRecord({}, 0, most, 2);
+    ChainSkips skips;
+    const auto text = [&](unsigned number, unsigned count) {
+        char out[256];
+        GatherRecordText(number, count, {reinterpret_cast<const std::uint8_t*>(records.data()), count * 64}, out,
+                         sizeof(out), &skips);
+        return std::string(out);
+    };
+    for (int pass = 0; pass < 2; ++pass) {
+        EXPECT_EQ(text(1, kLast), Wide(most + "end"));
+        EXPECT_EQ(text(kLast, kLast), Wide(most + "x")) << "and the zeros behind it end the text";
+    }
+    skips.clear();
+    EXPECT_EQ(text(1, kLast - 2), Wide(most)) << "the chain leads behind the last record";
+    records.replace((kLast - 3) * 64 + 62, 2, Raw(std::uint16_t{2}));  // a ring
+    skips.clear();
+    EXPECT_EQ(text(1, kLast), Wide(most));
+}
+
 // Filler patterns count when a record is reached, not when a text before it looks ahead.
-TEST(NativeReader, TextFillers) {
+TEST(DecodeNative, TextFillers) {
     const std::string most = "abcdefghijklmn", more(42, 'x'), dot = "\x81\x45";
     const auto filled = [](const std::string& record) { return Put(record, {{58, std::string(6, '\xA5')}}); };
     const auto text = [](const std::string& string, unsigned link) {
@@ -175,7 +136,7 @@ TEST(NativeReader, TextFillers) {
     const auto shown = [](const std::string& records) {
         return Shown(NativeFile(kEditionA, 250, 60, records), 250, 60);
     };
-    const auto drawn = [](const std::string& wide) { return Rendered(250, 60, {TextStroke(5, 38, 8, 2, 0, 0, wide)}); };
+    const auto drawn = [](const std::string& wide) { return PlotOf({TextStrokeOf(5, 38, 8, 2, 0, 0, wide)}, 250, 60); };
     EXPECT_EQ(shown(filled(ContinuationRecord(more)) + text(most, 1)), drawn(Wide(most + more)));
     EXPECT_EQ(shown(text(most, 2) + filled(ContinuationRecord(more))),
               drawn(Wide(most + more) + dot + dot + dot + dot));

@@ -1,11 +1,11 @@
-#include "preview/file_type.h"
+#include "preview/formats/signatures.h"
 
 #include <gtest/gtest.h>
 
+#include "kit/paths.h"
 #include "support/drawings.h"
 #include "support/guard_block.h"
 #include "support/samples.h"
-#include "support/temp_folder.h"
 
 static std::string Qa(char version) { return BytesAt(232, {{4, "CAD ORVIL QA V4.0"}, {25, {version}}}); }
 static std::string Lumos(char version) { return BytesAt(232, {{4, "LumosBase"}, {25, {version}}}); }
@@ -14,7 +14,12 @@ static const std::string kSzdd = "SZDD\x88\xF0\x27\x33";
 static const std::string kBlocks = BytesAt(97, {{32, "\1"}, {64, "\2"}, {96, "\3"}});
 static const std::string kBackup = "VEXTRON lumos Backup V2";
 
-TEST(IdentifyFileType, Kinds) {
+static FileTypeCode Identify(const std::string& name, const std::string& contents, char* out = nullptr, int size = 0) {
+    const GuardBlock head(contents);
+    return IdentifyBytes(head.View(), FindExtension(name.c_str()), out, size);
+}
+
+TEST(IdentifyBytes, Kinds) {
     const struct {
         const char* name;
         std::string contents;
@@ -43,18 +48,11 @@ TEST(IdentifyFileType, Kinds) {
         {"a", std::string(1024, 'a') + "\1\2\3", 21}, {"a", std::string(1023, 'a') + "\nG01\n", 21},
         // clang-format on
     };
-    const TempFolder folder;
     for (const auto& c : cases)
-        EXPECT_EQ(IdentifyFileType(folder.Write(c.name, c.contents).c_str(), nullptr, 0), c.code)
-            << c.name << ": " << testing::PrintToString(c.contents);
-    const std::string locked = folder.Write("locked.txt", "x");
-    const HANDLE owner = CreateFileA(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    for (const char* name : {locked.c_str(), "missing.dxf", folder.path.c_str(), "", static_cast<const char*>(nullptr)})
-        EXPECT_EQ(IdentifyFileType(name, nullptr, 0), FT_UNREADABLE) << (name ? name : "null");
-    CloseHandle(owner);
+        EXPECT_EQ(Identify(c.name, c.contents), c.code) << c.name << ": " << testing::PrintToString(c.contents);
 }
 
-TEST(IdentifyFileType, Texts) {
+TEST(IdentifyBytes, Texts) {
     const auto as = [](std::size_t count) { return std::string(count, 'A'); };
     const auto fields = [](const std::string& header, std::size_t at, std::size_t step) {
         return Put(header + std::string(800, 0), {{at, "name"}, {at + step, "number"}, {at + 2 * step, "who"}});
@@ -81,10 +79,9 @@ TEST(IdentifyFileType, Texts) {
         {"a", "abc", 0, ""}, {"a.txt", "abc", 300, ""}, {"a", {"a\0b", 3}, 300, ""},
         // clang-format on
     };
-    const TempFolder folder;
     for (const auto& c : cases) {
-        const GuardBlock out(std::string(static_cast<std::size_t>(c.size), '#'));
-        IdentifyFileType(folder.Write(c.name, c.contents).c_str(), out.Text(), c.size);
+        const GuardBlock out(std::string(static_cast<std::size_t>(c.size), '\0'));
+        Identify(c.name, c.contents, out.Text(), c.size);
         const std::string all(out.Text(), out.size);
         EXPECT_EQ(all, c.text + std::string(out.size - c.text.size(), '\0'))
             << testing::PrintToString(c.contents) << " " << c.size;

@@ -1,0 +1,22 @@
+// Drawings as text without a device: what a decoder or an element strokes, stroke by stroke and on a grid.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "preview/formats/sink.h"
+
+// What the decoder makes of a file: a grid of width x height pixels in which each stroke leaves the hexadecimal digit
+// of its pen (a point leaves '*'), and a line for each text: its corner, size, space between characters, angle,
+// letters. Empty when it gives no drawing.
+std::string PlotOf(Decoder decode, const std::string& file, int width, int height, bool textsAsFrames);
+
+// The same for elements on a sheet of as many units.
+struct Stroke {
+    unsigned pen;
+    PreviewPrimitive primitive;
+};
+std::string PlotOf(const std::vector<Stroke>& strokes, int width, int height);
+
+// The picture of that name in tests/preview/pictures.txt, each under a line "[name]".
+std::string KeptPicture(const std::string& name);
