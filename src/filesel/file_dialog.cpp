@@ -12,6 +12,7 @@
 #include "frame/os_kind.h"
 #include "frame/services.h"
 #include "kit/paths.h"
+#include "preview/drawing/canvas.h"
 #include "resources/resource.h"
 
 #ifndef _WIN64
@@ -189,6 +190,7 @@ BOOL SelectFileExplorer(HWND owner, int modeBits, SelectRequest* request) {
     if (modeBits & KW_FILE_PREVIEW) {
         dialog.Flags |= OFN_ENABLETEMPLATE;
         dialog.lpfnHook = PreviewHook;
+        dialog.lCustData = modeBits & KW_FILE_FULL_DXF ? kRenderFullDxf : 0;
         dialog.lpTemplateName = MAKEINTRESOURCEA(IDD_PREVIEW_PANE);
     }
     const BOOL chosen = IsOpenMode(modeBits) ? GetOpenFileNameA(&dialog) : RunSaveDialog(&dialog, modeBits, *request);

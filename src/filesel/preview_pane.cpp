@@ -32,6 +32,7 @@ struct PreviewJob {
     char path[KW_MAX_PATH];
     volatile LONG running;  // set before the worker starts, cleared as its last word
     OPENFILENAMEA* request;
+    DWORD renderMode;
 };
 
 // One pane at a time has a preview: the record is the process's, so that it outlives whatever a message may do to the
@@ -64,7 +65,7 @@ void PreviewSelection(void* argument) {
     job.previewBitmap = nullptr;
 
     if (const PreviewReader reader = PaneReaderFor(IdentifyFileType(job.path, nullptr, 0))) {
-        job.previewBitmap = reader(kRenderColor, job.path, &job.target, job.comment, job.commentSize);
+        job.previewBitmap = reader(job.renderMode, job.path, &job.target, job.comment, job.commentSize);
     }
     ShowPicture(job, job.previewBitmap ? job.previewBitmap : job.noPreviewBitmap);
     ShowComment(job, job.comment ? job.comment : "");
@@ -82,6 +83,7 @@ UINT_PTR OnInitPane(HWND dialog, OPENFILENAMEA* request) {
     PreviewJob& job = previewJob;
     job.dialog = dialog;
     job.request = request;
+    job.renderMode = kRenderColor | static_cast<DWORD>(request->lCustData);
     job.buttonBitmap = static_cast<HBITMAP>(
         LoadImageA(ThisModule(), MAKEINTRESOURCEA(IDB_PREVIEW_BUTTON), IMAGE_BITMAP, 0, 0, LR_LOADMAP3DCOLORS));
     SendDlgItemMessageA(dialog, IDC_PREVIEW_GALLERY, BM_SETIMAGE, IMAGE_BITMAP,
@@ -129,7 +131,9 @@ UINT_PTR OnGalleryButton(HWND dialog, PreviewJob& job) {
     char folder[KW_MAX_PATH] = "", name[256] = "";
     SendMessageA(explorer, CDM_GETFOLDERPATH, sizeof(folder), reinterpret_cast<LPARAM>(folder));
     SendMessageA(explorer, CDM_GETSPEC, sizeof(name), reinterpret_cast<LPARAM>(name));
-    if (ShowGallery(explorer, 0, folder, SelectedPattern(*job.request), name, sizeof(name)) && IsWindow(explorer)) {
+    if (ShowGallery(explorer, 0, folder, SelectedPattern(*job.request), name, sizeof(name),
+                    job.renderMode & kRenderFullDxf) &&
+        IsWindow(explorer)) {
         // The file-name field is an edit control or, on later systems, a combo box with an id of its own.
         for (const int id : {IDC_FILE_NAME, IDC_FILE_NAME_COMBO}) {
             SendMessageA(explorer, CDM_SETCONTROLTEXT, static_cast<WPARAM>(id), reinterpret_cast<LPARAM>(name));

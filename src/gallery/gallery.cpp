@@ -44,6 +44,7 @@ struct GalleryRequest {
     const char* names;
     char* result;
     DWORD resultSize;
+    DWORD renderMode;
 };
 
 RememberedSize rememberedSize;
@@ -104,7 +105,7 @@ void MakeThumbnail(Gallery& gallery, GalleryItem& item) {
     const std::string path = JoinPath(gallery.request.folder, item.name);
     const PreviewReader reader = GalleryReaderFor(IdentifyFileType(path.c_str(), nullptr, 0));
     if (!reader) return;
-    const UniqueBitmap bitmap(reader(0, path.c_str(), &gallery.thumbnail, nullptr, 0));
+    const UniqueBitmap bitmap(reader(gallery.request.renderMode, path.c_str(), &gallery.thumbnail, nullptr, 0));
     if (bitmap) StoreThumbnail(gallery, item, bitmap.get());
 }
 
@@ -360,11 +361,12 @@ INT_PTR CALLBACK GalleryProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lP
 
 }  // namespace
 
-int ShowGallery(HWND owner, int listMode, const char* folder, const char* names, char* result, DWORD resultSize) {
+int ShowGallery(HWND owner, int listMode, const char* folder, const char* names, char* result, DWORD resultSize,
+                DWORD renderMode) {
     INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_PROGRESS_CLASS};
     InitCommonControlsEx(&controls);
     Gallery gallery;
-    gallery.request = {listMode, folder ? folder : "", names ? names : "", result, resultSize};
+    gallery.request = {listMode, folder ? folder : "", names ? names : "", result, resultSize, renderMode};
     const INT_PTR ended = DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(IDD_GALLERY), owner, GalleryProc,
                                           reinterpret_cast<LPARAM>(&gallery));
     return ended == 1;

@@ -13,9 +13,9 @@ struct Flag {
     bool Options::*value;
 };
 constexpr Flag kFlags[] = {
-    {"--mono", &Options::mono}, {"--frames", &Options::frames}, {"--comment", &Options::comment},
-    {"--kind", &Options::kind}, {"--help", &Options::help},     {"-h", &Options::help},
-    {"/?", &Options::help},
+    {"--mono", &Options::mono}, {"--frames", &Options::frames},      {"--comment", &Options::comment},
+    {"--kind", &Options::kind}, {"--help", &Options::help},          {"-h", &Options::help},
+    {"/?", &Options::help},     {"--basic-dxf", &Options::basicDxf},
 };
 
 // A number of pixels, digits alone; moves on behind it.

@@ -16,6 +16,7 @@ struct Options {
     bool frames = false;
     bool comment = false;
     bool kind = false;
+    bool basicDxf = false;
     bool help = false;
 };
 

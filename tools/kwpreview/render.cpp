@@ -146,6 +146,22 @@ void ExplainCommand(const std::string& path, DWORD renderMode, SIZE size, Previe
     preview->error = named.error;
 }
 
+bool Shows(const std::string& path, PreviewReader reader, DWORD renderMode, const RECT& target) {
+    const UniqueBitmap bitmap(reader(renderMode, path.c_str(), &target, nullptr, 0));
+    return bitmap && !IsBlank(bitmap.get());
+}
+
+// What the other reader of DXF makes of the file.
+void CompareDxfReaders(const std::string& path, DWORD renderMode, const RECT& target, Preview* preview) {
+    const bool full = renderMode & kRenderFullDxf;
+    if (preview->problem == NoPicture::none) {
+        preview->onlyFullDxf = full && !Shows(path, ReadDxfPreview, renderMode & ~kRenderFullDxf, target);
+    } else if (preview->problem == NoPicture::blankDxf || preview->problem == NoPicture::damaged) {
+        if (full) preview->problem = NoPicture::blankFullDxf;
+        else if (Shows(path, ReadFullDxfPreview, renderMode, target)) preview->problem = NoPicture::needsFullDxf;
+    }
+}
+
 }  // namespace
 
 const char* KindWord(FileTypeCode kind) { return RowOf(kind).word; }
@@ -170,6 +186,7 @@ Preview RenderPreview(const std::string& path, DWORD renderMode, SIZE size) {
         preview.problem = row.blank;
         preview.bitmap.reset();
     }
+    if (preview.kind == FT_DXF) CompareDxfReaders(path, renderMode, target, &preview);
     if (preview.problem == NoPicture::ofNamed) ExplainCommand(path, renderMode, size, &preview);
     return preview;
 }

@@ -34,6 +34,8 @@ enum class NoPicture {
     ofNamed,       // a command file: see `named` and `whyNamed`
     notWritten,    // drawn, but the PNG file could not be written
     namesOther,    // a command file that names something that it cannot show: see `named`
+    needsFullDxf,  // a DXF of which the basic reader draws nothing
+    blankFullDxf,  // of which the full reader draws nothing
 };
 
 struct Preview {
@@ -44,6 +46,7 @@ struct Preview {
     DWORD error = 0;    // the system's code, for unreadable
     std::string named;  // the drawing that a command file without a picture names
     NoPicture whyNamed = NoPicture::none;
+    bool onlyFullDxf = false;  // a picture that only the full reader of DXF gives
 };
 
 // Draws a file as the dialogs do. `renderMode` as for readers (preview/canvas.h); a bitmap file keeps its own size.

@@ -40,6 +40,7 @@ static std::string CommentLines(const std::string& comment) {
 
 void PrintReport(const Options& options, const std::string& input, const std::string& png, const Preview& preview) {
     std::string text = FirstLine(input, png, preview) + "\n";
+    if (preview.onlyFullDxf) text += "    " + Text(IDS_ONLY_FULL_DXF) + "\n";
     if (preview.kind != FT_UNREADABLE) {
         const UINT description = IDS_KIND + static_cast<UINT>(preview.kind);
         if (options.kind) text += "    " + TextWith(IDS_KIND_LINE, {KindWord(preview.kind), Text(description)}) + "\n";

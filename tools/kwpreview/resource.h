@@ -1,4 +1,4 @@
-/* Ids of kwpreview's texts. The library's own resources are linked in too and end below 48. */
+/* Ids of kwpreview's texts. The library's own resources are linked in too and end below 60. */
 #pragma once
 
 /* Lines of --help: from here on, until one is missing. */
@@ -17,8 +17,9 @@
 #define IDS_KIND_LINE 412  /* %1 word, %2 description */
 #define IDS_COMMENT_LINE 413
 #define IDS_NO_COMMENT_LINE 414
-#define IDS_SUMMARY 415   /* %1 pictures, %2 inputs */
-#define IDS_PROGRESS 416  /* %1 number, %2 count, %3 input */
+#define IDS_SUMMARY 415  /* %1 pictures, %2 inputs */
+#define IDS_PROGRESS 416 /* %1 number, %2 count, %3 input */
+#define IDS_ONLY_FULL_DXF 418
 #define IDS_NO_FOLDER 417 /* %1 the folder, %2 the system's message */
 
 /* Descriptions of kinds: IDS_KIND + FileTypeCode, which ends at 26 */

@@ -1,6 +1,7 @@
 #include "preview/drawing/canvas.h"
 
 #include "frame/services.h"
+#include "preview/drawing/path_strokes.h"
 
 // Cosmetic pens: one pixel wide, black.
 static constexpr DWORD kPenStyles[kPenCount] = {
@@ -54,8 +55,21 @@ static void DrawOnCanvas(DrawingSink& sink, PreviewPrimitive& element, unsigned 
     DrawElement(*static_cast<Canvas&>(sink).strokes, sink.view, element, pen % kPenCount);
 }
 
+static void PathOnCanvas(DrawingSink& sink, const Path& path, unsigned pen) {
+    auto& canvas = static_cast<Canvas&>(sink);
+    const auto draw = path.filled ? FillOutlines : DrawOutlines;
+    draw(*canvas.strokes, sink.view, path.points, path.counts, path.outlines, pen % kPenCount, &canvas.pixels);
+}
+
+static void UnicodeTextOnCanvas(DrawingSink& sink, const UnicodeText& text) {
+    auto& canvas = static_cast<Canvas&>(sink);
+    DrawUnicodeText(canvas.dc.get(), sink.view, text, &canvas.unicodeFonts);
+}
+
 Canvas::Canvas(DWORD mode, const RECT& rect)
-    : DrawingSink{FitCanvas, DrawOnCanvas, nullptr, nullptr, {}, (mode & kRenderTextFrames) != 0, &PreviewCancelFlag},
+    : DrawingSink{FitCanvas,           DrawOnCanvas, PathOnCanvas,
+                  UnicodeTextOnCanvas, {},           (mode & kRenderTextFrames) != 0,
+                  &PreviewCancelFlag},
       renderMode(mode),
       target(rect) {}
 

@@ -1,5 +1,8 @@
 #include "preview/drawing/renderer.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "frame/services.h"
 #include "resources/resource.h"
 
@@ -40,6 +43,20 @@ static void FillDot(StrokeTarget& target, unsigned pen, PixelPoint centre, std::
           right, centre.y);
 }
 
+static void StrokePolyline(StrokeTarget& target, unsigned pen, const PixelPoint* points, std::size_t count) {
+    Polyline(WithPen(target, pen), reinterpret_cast<const POINT*>(points), static_cast<int>(count));
+}
+
+// Without the line that GDI draws around polygons.
+static void FillArea(StrokeTarget& target, const PixelPoint* points, const std::size_t* counts, std::size_t outlines) {
+    const HDC dc = Gdi(target).dc;
+    std::vector<INT> corners(outlines);
+    std::transform(counts, counts + outlines, corners.begin(),
+                   [](std::size_t count) { return static_cast<INT>(count); });
+    const Selection noLine(dc, GetStockObject(NULL_PEN));
+    PolyPolygon(dc, reinterpret_cast<const POINT*>(points), corners.data(), static_cast<int>(outlines));
+}
+
 static UniqueFont MakeTextFont(const TextStroke& text) {
     LOGFONTA font = {};
     font.lfHeight = -text.height;
@@ -72,7 +89,7 @@ static void WriteText(StrokeTarget& target, const TextStroke& text) {
 }
 
 GdiStrokes::GdiStrokes(HDC context, TextFont* textFont, const UniquePen* sixteenPens)
-    : StrokeTarget{SetPixelAt, StrokeLine, StrokeArc, nullptr, nullptr, FillPolygon, FillDot, WriteText},
+    : StrokeTarget{SetPixelAt, StrokeLine, StrokeArc, StrokePolyline, FillArea, FillPolygon, FillDot, WriteText},
       dc(context),
       font(textFont),
       pens(sixteenPens) {}

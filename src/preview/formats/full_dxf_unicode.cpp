@@ -112,7 +112,7 @@ static bool TakeHex(ByteView text, std::size_t at, std::size_t count, std::uint3
     if (at > text.size || text.size - at < count) return false;
     *value = 0;
     for (std::size_t i = at; i < at + count; ++i) {
-        const std::uint8_t c = text.data[i], letter = c & ~0x20u;
+        const std::uint8_t c = text.data[i], letter = static_cast<std::uint8_t>(c & 0xDF);
         const bool digit = c >= '0' && c <= '9';
         if (!digit && !(letter >= 'A' && letter <= 'F')) return false;
         *value = *value << 4 | static_cast<std::uint32_t>(digit ? c - '0' : letter - 'A' + 10);
