@@ -78,7 +78,8 @@ void SelectFile(HWND window, Host& host, int modeBits, UINT titleId) {
 
 void OpenWithPreview(HWND window, Host& host) {
     host.path[0] = '\0';
-    SelectFile(window, host, KW_FILE_OPEN | KW_FILE_PREVIEW, IDS_OPEN_TITLE);
+    const int fullDxf = IsDlgButtonChecked(window, IDC_FULL_DXF) == BST_CHECKED ? KW_FILE_FULL_DXF : 0;
+    SelectFile(window, host, KW_FILE_OPEN | KW_FILE_PREVIEW | fullDxf, IDS_OPEN_TITLE);
 }
 
 void Open(HWND window, Host& host) {
@@ -114,6 +115,7 @@ constexpr Service kServices[] = {
 };
 
 INT_PTR OnInitDialog(HWND window, const Host& host) {
+    CheckDlgButton(window, IDC_FULL_DXF, BST_CHECKED);
     if (!host.options.shots.empty()) StartTour(window, host.options);
     return TRUE;
 }

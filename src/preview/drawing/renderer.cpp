@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "frame/services.h"
+#include "kit/code_page.h"
 #include "resources/resource.h"
 
 static GdiStrokes& Gdi(StrokeTarget& target) { return static_cast<GdiStrokes&>(target); }
@@ -80,8 +81,37 @@ static bool SelectTextFont(HDC dc, const TextStroke& text, TextFont* last) {
     return true;
 }
 
+// Drawings hold Shift_JIS. Where the system's own code page is another one, a text that is not ASCII would be garbage.
+static bool IsForeign(const TextStroke& text) {
+    constexpr UINT kShiftJis = 932;
+    return GetACP() != kShiftJis &&
+           std::any_of(text.text, text.text + text.length, [](char c) { return static_cast<std::uint8_t>(c) >= 0x80; });
+}
+
+static void WriteForeignText(HDC dc, const TextStroke& text) {
+    constexpr std::size_t kMostLength = 256;
+    char16_t characters[kMostLength];
+    const ByteView bytes = {reinterpret_cast<const std::uint8_t*>(text.text), std::min(text.length, kMostLength)};
+    const std::size_t length = TextToUnicode(932, bytes, characters, kMostLength);
+    LOGFONTW font = {};
+    font.lfHeight = -text.height;
+    font.lfWidth = text.width;
+    font.lfEscapement = font.lfOrientation = text.escapement;
+    font.lfWeight = FW_NORMAL;
+    font.lfCharSet = SHIFTJIS_CHARSET;
+    font.lfPitchAndFamily = FIXED_PITCH | FF_MODERN;
+    lstrcpyW(font.lfFaceName, L"MS Gothic");
+    const UniqueFont made(CreateFontIndirectW(&font));
+    if (!made || length == 0) return;
+    const Selection selected(dc, made.get());
+    const int previousExtra = SetTextCharacterExtra(dc, text.extra);
+    TextOutW(dc, text.at.x, text.at.y, reinterpret_cast<const wchar_t*>(characters), static_cast<int>(length));
+    SetTextCharacterExtra(dc, previousExtra);
+}
+
 static void WriteText(StrokeTarget& target, const TextStroke& text) {
     const HDC dc = Gdi(target).dc;
+    if (IsForeign(text)) return WriteForeignText(dc, text);
     if (!SelectTextFont(dc, text, Gdi(target).font)) return;
     const int previousExtra = SetTextCharacterExtra(dc, text.extra);
     TextOutA(dc, text.at.x, text.at.y, text.text, static_cast<int>(text.length));
