@@ -56,7 +56,8 @@ std::string CheckoutFolder() {
 std::vector<std::pair<std::string, std::string>> SampleFiles() {
     std::vector<std::pair<std::string, std::string>> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(CheckoutFolder() + "/samples")) {
-        if (entry.is_regular_file()) files.emplace_back(entry.path().string(), ReadWholeFile(entry.path().string()));
+        if (entry.is_regular_file())
+            files.emplace_back(entry.path().generic_string(), ReadWholeFile(entry.path().string()));
     }
     return files;
 }
