@@ -149,8 +149,8 @@ int SegmentsOfTurn(DxfDecoder& dxf, double radius, double sweep);
 // Draws the entities from `begin` to the end of their section or block.
 void DrawDxfEntities(DxfDecoder& dxf, std::size_t begin);
 
-// What the entity in dxf.groups looks like at its place.
-DxfLook LookOfEntity(DxfDecoder& dxf);
+// What the layer of the entity in dxf.groups says; layer 0 of a block is that of the insert.
+DxfLook LookOfEntityLayer(DxfDecoder& dxf);
 
 inline Vector3 PointOf(const DxfGroups& groups, int code) {
     return {groups.Number(code), groups.Number(code + 10), groups.Number(code + 20)};

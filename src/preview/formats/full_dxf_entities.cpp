@@ -326,10 +326,14 @@ static DxfLook LookOfLayer(DxfDecoder& dxf, ByteView name) {
     return look;
 }
 
-DxfLook LookOfEntity(DxfDecoder& dxf) {
+DxfLook LookOfEntityLayer(DxfDecoder& dxf) {
     const ByteView name = Trimmed(dxf.groups.Text(8));
     const bool inherits = dxf.place->depth > 0 && (name.size == 0 || (name.size == 1 && name.data[0] == '0'));
-    DxfLook look = inherits ? dxf.place->layer : LookOfLayer(dxf, name);
+    return inherits ? dxf.place->layer : LookOfLayer(dxf, name);
+}
+
+static DxfLook LookOfEntity(DxfDecoder& dxf) {
+    DxfLook look = LookOfEntityLayer(dxf);
     const ByteView type = Trimmed(dxf.groups.Text(6));
     if (type.size == 0 || IsName(type, "BYLAYER")) return look;
     if (IsName(type, "BYBLOCK")) {

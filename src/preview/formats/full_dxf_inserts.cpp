@@ -118,7 +118,7 @@ void DrawGrid(DxfDecoder& dxf, const Block& block, const DxfPlace& place, const 
     }
 }
 
-// Draws a block where `map` maps its coordinates. What the insert looks like must have been taken before.
+// Draws a block where `map` maps its coordinates; `look` is the insert's layer's.
 void DrawBlock(DxfDecoder& dxf, ByteView name, const PlaneMap& map, const DxfLook& look, const Grid& grid) {
     Block block;
     const int depth = dxf.place->depth + 1;
@@ -131,7 +131,7 @@ void DrawBlock(DxfDecoder& dxf, ByteView name, const PlaneMap& map, const DxfLoo
     place.block = block.begin;
     place.depth = depth;
     place.layer = look;
-    place.pen = look.pen;
+    place.pen = dxf.pen;
     const long long kept = depth == 1 ? dxf.budget.left / 2 : 0;
     dxf.budget.left -= kept;
     DrawGrid(dxf, block, place, grid);
@@ -163,13 +163,13 @@ void DrawDxfInsert(DxfDecoder& dxf, DxfReader*) {
     grid.row = dxf.map.Direction({-rowSpacing * s, rowSpacing * c, 0});
     if (!IsDrawable(grid.column) || !IsDrawable(grid.row)) return;
     const PlaneMap map = Compose(dxf.map, axes, PointOf(groups, 10));
-    const DxfLook look = LookOfEntity(dxf);
+    const DxfLook look = LookOfEntityLayer(dxf);
     DrawBlock(dxf, groups.Text(2), map, look, grid);
 }
 
 // A dimension's block is drawn where it stands.
 void DrawDxfDimension(DxfDecoder& dxf, DxfReader*) {
-    const DxfLook look = LookOfEntity(dxf);
+    const DxfLook look = LookOfEntityLayer(dxf);
     DrawBlock(dxf, dxf.groups.Text(2), dxf.map, look, {});
 }
 
@@ -178,6 +178,6 @@ void DrawDxfTable(DxfDecoder& dxf, DxfReader*) {
     const DxfGroups& groups = dxf.groups;
     const double angle = std::atan2(groups.Number(21), groups.Number(11, 1)), c = std::cos(angle), s = std::sin(angle);
     const PlaneMap map = Compose(dxf.map, {{c, s, 0}, {-s, c, 0}, {0, 0, 1}}, PointOf(groups, 10));
-    const DxfLook look = LookOfEntity(dxf);
+    const DxfLook look = LookOfEntityLayer(dxf);
     DrawBlock(dxf, groups.Text(2), map, look, {});
 }
