@@ -78,7 +78,8 @@ void SelectFile(HWND window, Host& host, int modeBits, UINT titleId) {
 
 void OpenWithPreview(HWND window, Host& host) {
     host.path[0] = '\0';
-    SelectFile(window, host, KW_FILE_OPEN | KW_FILE_PREVIEW, IDS_OPEN_TITLE);
+    const int fullDxf = IsDlgButtonChecked(window, IDC_FULL_DXF) == BST_CHECKED ? KW_FILE_FULL_DXF : 0;
+    SelectFile(window, host, KW_FILE_OPEN | KW_FILE_PREVIEW | fullDxf, IDS_OPEN_TITLE);
 }
 
 void Open(HWND window, Host& host) {
@@ -127,6 +128,7 @@ INT_PTR CALLBACK HostProc(HWND window, UINT message, WPARAM wParam, LPARAM lPara
     if (!host) return FALSE;
     switch (message) {
         case WM_INITDIALOG:
+            CheckDlgButton(window, IDC_FULL_DXF, BST_CHECKED);
             SetForegroundWindow(window);  // or the tour's pictures show it without the colours of an active window
             return TRUE;
         case WM_COMMAND: return OnCommand(window, *host, LOWORD(wParam));

@@ -11,6 +11,7 @@
 #define IDC_CLASSIC_STYLE 1010
 #define IDC_SHORT_NAMES 1011
 #define IDC_RESULT 1012
+#define IDC_FULL_DXF 1013
 
 #define IDS_FILTER 1 /* '|' stands for the zeros of a filter list */
 #define IDS_OPEN_TITLE 2

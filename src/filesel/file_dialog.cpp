@@ -15,6 +15,7 @@
 #include "kit/guard.h"
 #include "kit/list_rows.h"
 #include "kit/paths.h"
+#include "preview/drawing/canvas.h"
 #include "resources/resource.h"
 
 #ifndef _WIN64
@@ -194,6 +195,7 @@ BOOL SelectFileExplorer(HWND owner, int modeBits, SelectRequest* request) {
     if (modeBits & KW_FILE_PREVIEW) {
         dialog.Flags |= OFN_ENABLETEMPLATE;
         dialog.lpfnHook = GuardedProcedure<UINT_PTR, PreviewHook>;
+        dialog.lCustData = modeBits & KW_FILE_FULL_DXF ? kRenderFullDxf : 0;
         dialog.lpTemplateName = MAKEINTRESOURCEA(IDD_PREVIEW_PANE);
     }
     const BOOL chosen = IsOpenMode(modeBits) ? GetOpenFileNameA(&dialog) : RunSaveDialog(&dialog, modeBits, *request);

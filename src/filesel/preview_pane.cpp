@@ -27,6 +27,7 @@ constexpr std::size_t kCommentSize = 32767;
 struct PreviewJob {
     HWND dialog;  // the hook's child dialog; null when it has been destroyed
     const OPENFILENAMEA* request;
+    DWORD renderMode;
     RECT target = {};  // the size that every picture is made for
     UniqueBitmap loadingBitmap, noPreviewBitmap, buttonBitmap;
     UniqueBitmap previewBitmap;  // of the current file, or null
@@ -64,7 +65,7 @@ void PreviewSelection(void* argument) {
     job.previewBitmap.reset();
 
     if (const PreviewReader reader = PaneReaderFor(IdentifyFileType(job.path, nullptr, 0))) {
-        job.previewBitmap.reset(reader(kRenderColor, job.path, &job.target, job.comment.get(), job.commentSize));
+        job.previewBitmap.reset(reader(job.renderMode, job.path, &job.target, job.comment.get(), job.commentSize));
     }
     ShowPicture(job, job.previewBitmap ? job.previewBitmap : job.noPreviewBitmap);
     ShowComment(job, job.comment ? job.comment.get() : "");
@@ -115,6 +116,7 @@ UINT_PTR OnInitPane(HWND dialog, const OPENFILENAMEA* request) {
     PreviewJob& job = *previewJob;
     job.dialog = dialog;
     job.request = request;
+    job.renderMode = kRenderColor | static_cast<DWORD>(request->lCustData);
     job.buttonBitmap = LoadButtonPicture();
     SendDlgItemMessageA(dialog, IDC_PREVIEW_GALLERY, BM_SETIMAGE, IMAGE_BITMAP,
                         reinterpret_cast<LPARAM>(job.buttonBitmap.get()));
@@ -153,7 +155,11 @@ void ShowFolder(const PreviewJob& job) {
     char folder[KW_MAX_PATH] = "", name[256] = "";
     SendMessageA(explorer, CDM_GETFOLDERPATH, sizeof(folder), reinterpret_cast<LPARAM>(folder));
     SendMessageA(explorer, CDM_GETSPEC, sizeof(name), reinterpret_cast<LPARAM>(name));
-    if (!ShowGallery(explorer, 0, folder, SelectedPattern(*job.request), name, sizeof(name)) || !job.dialog) return;
+    if (!ShowGallery(explorer, 0, folder, SelectedPattern(*job.request), name, sizeof(name),
+                     job.renderMode & kRenderFullDxf) ||
+        !job.dialog) {
+        return;
+    }
     // The file-name field is an edit control or, on later systems, a combo box with an id of its own.
     for (const int id : {IDC_FILE_NAME, IDC_FILE_NAME_COMBO}) {
         SendMessageA(explorer, CDM_SETCONTROLTEXT, static_cast<WPARAM>(id), reinterpret_cast<LPARAM>(name));

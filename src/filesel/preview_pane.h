@@ -3,5 +3,6 @@
 
 #include <windows.h>
 
-// Hook procedure for OPENFILENAMEA::lpfnHook with the pane's template.
+// Hook procedure for OPENFILENAMEA::lpfnHook with the pane's template. lCustData: further bits of the readers'
+// renderMode.
 UINT_PTR CALLBACK PreviewHook(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);

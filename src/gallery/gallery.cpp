@@ -37,6 +37,7 @@ struct GalleryRequest {
     const char* names;
     char* result;
     DWORD resultSize;
+    DWORD renderMode;
 };
 
 RememberedSize rememberedSize;
@@ -82,7 +83,7 @@ void StoreThumbnail(Gallery& gallery, GalleryItem& item, HBITMAP bitmap) {
 UniqueBitmap ReadUndisturbed(const Gallery& gallery, PreviewReader reader, const char* path) {
     for (;;) {
         const unsigned stores = PreviewCancelStores;
-        UniqueBitmap bitmap(reader(0, path, &gallery.grid.thumbnail, nullptr, 0));
+        UniqueBitmap bitmap(reader(gallery.request.renderMode, path, &gallery.grid.thumbnail, nullptr, 0));
         if (bitmap || gallery.worker.stopRequested || PreviewCancelStores - stores <= kReaderStores) return bitmap;
     }
 }
@@ -319,11 +320,12 @@ INT_PTR CALLBACK GalleryProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lP
 
 }  // namespace
 
-int ShowGallery(HWND owner, int listMode, const char* folder, const char* names, char* result, DWORD resultSize) {
+int ShowGallery(HWND owner, int listMode, const char* folder, const char* names, char* result, DWORD resultSize,
+                DWORD renderMode) {
     INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_PROGRESS_CLASS};
     InitCommonControlsEx(&controls);
     Gallery gallery;
-    gallery.request = {listMode, folder ? folder : "", names ? names : "", result, resultSize};
+    gallery.request = {listMode, folder ? folder : "", names ? names : "", result, resultSize, renderMode};
     const INT_PTR ended = DialogBoxParamA(ThisModule(), MAKEINTRESOURCEA(IDD_GALLERY), owner,
                                           GuardedProcedure<INT_PTR, GalleryProc>, reinterpret_cast<LPARAM>(&gallery));
     return ended == 1;

@@ -59,6 +59,10 @@ static HBITMAP Decode(const PreviewFormat& format, std::uint8_t* bytes, std::siz
     return format.decode(file, &comment, &canvas) ? TakeCanvasBitmap(&canvas) : nullptr;
 }
 
+static const PreviewFormat& Chosen(const PreviewFormat& format, const PreviewRequest& request) {
+    return format.decode == DecodeDxf && (request.renderMode & kRenderFullDxf) ? kFullDxfFormat : format;
+}
+
 // What all formats share; `decode` gets the cleared comment. All that a run has made is free before the flag falls.
 template <typename Work>
 static HBITMAP RunReader(const PreviewFormat& format, const PreviewRequest& request, Work decode) {
@@ -71,15 +75,17 @@ static HBITMAP RunReader(const PreviewFormat& format, const PreviewRequest& requ
     return bitmap;
 }
 
-HBITMAP PreviewFile(const PreviewFormat& format, const char* fileName, const PreviewRequest& request) {
+HBITMAP PreviewFile(const PreviewFormat& ofKind, const char* fileName, const PreviewRequest& request) {
+    const PreviewFormat& format = Chosen(ofKind, request);
     return RunReader(format, request, [&](const Comment& comment) {
         const LoadedFile file(fileName);
         return file.data ? Decode(format, file.data, file.size, request, comment) : nullptr;
     });
 }
 
-HBITMAP PreviewBytes(const PreviewFormat& format, std::uint8_t* bytes, std::size_t size,
+HBITMAP PreviewBytes(const PreviewFormat& ofKind, std::uint8_t* bytes, std::size_t size,
                      const PreviewRequest& request) {
+    const PreviewFormat& format = Chosen(ofKind, request);
     return RunReader(format, request,
                      [&](const Comment& comment) { return Decode(format, bytes, size, request, comment); });
 }

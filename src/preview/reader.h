@@ -10,11 +10,12 @@
 #include "preview/formats/backup.h"
 #include "preview/formats/comments.h"
 #include "preview/formats/dxf.h"
+#include "preview/formats/full_dxf.h"
 #include "preview/formats/native.h"
 #include "preview/formats/text.h"
 
 // Reads `fileName` and draws it into a bitmap of the target's size, which the caller then owns.
-//   renderMode               kRenderColor, kRenderTextFrames
+//   renderMode               kRenderColor, kRenderTextFrames, kRenderFullDxf
 //   target                   size of the bitmap in pixels; without one there is no bitmap
 //   commentOut, commentSize  receives the title block or the head of the text, at most commentSize - 1
 //                            bytes, always ended by a zero; lines are separated by "\r\r\n"; may be null and 0
@@ -46,12 +47,13 @@ inline constexpr PreviewFormat kNativeFormat = {PreviewFormat::kDrawing, false, 
 inline constexpr PreviewFormat kBackupFormat = {PreviewFormat::kDrawing, false, DecodeBackup};
 inline constexpr PreviewFormat kTextFormat = {PreviewFormat::kTargetedDrawing, true, DecodeTextDrawing};
 inline constexpr PreviewFormat kDxfFormat = {PreviewFormat::kTargetedDrawing, true, DecodeDxf};
+inline constexpr PreviewFormat kFullDxfFormat = {PreviewFormat::kDrawing, false, DecodeFullDxf};
 inline constexpr PreviewFormat kQjFormat = {PreviewFormat::kComment, true, DecodeQjComment};
 inline constexpr PreviewFormat kQfFormat = {PreviewFormat::kComment, true, DecodeQfComment};
 inline constexpr PreviewFormat kPlainTextFormat = {PreviewFormat::kComment, true, DecodeTextComment};
 inline constexpr PreviewFormat kBitmapFormat = {PreviewFormat::kPicture, false, nullptr};
 
-// Reads a file of a known format.
+// Reads a file of a known format; DXF by the full reader where the mode asks for it.
 HBITMAP PreviewFile(const PreviewFormat& format, const char* fileName, const PreviewRequest& request);
 
 // The same for a file that is in memory already. The bytes are the caller's; of a text, the last one is overwritten.
@@ -65,6 +67,7 @@ inline constexpr PreviewReader ReadNativePreview = ReadFormat<kNativeFormat>;
 inline constexpr PreviewReader ReadBackupDrawing = ReadFormat<kBackupFormat>;
 inline constexpr PreviewReader ReadTextDrawing = ReadFormat<kTextFormat>;
 inline constexpr PreviewReader ReadDxfPreview = ReadFormat<kDxfFormat>;
+inline constexpr PreviewReader ReadFullDxfPreview = ReadFormat<kFullDxfFormat>;
 inline constexpr PreviewReader ReadQjComment = ReadFormat<kQjFormat>;
 inline constexpr PreviewReader ReadQfComment = ReadFormat<kQfFormat>;
 inline constexpr PreviewReader ReadTextComment = ReadFormat<kPlainTextFormat>;

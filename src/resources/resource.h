@@ -23,6 +23,13 @@
 #define IDS_INVALID_VALUE 40
 #define IDS_INITIAL_ERROR 41
 #define IDS_GALLERY_TIP 50
+#define IDS_DXF_TITLE 51
+#define IDS_DXF_VERSION 52
+#define IDS_DXF_UNIT 53
+#define IDS_DXF_SIZE 54
+#define IDS_DXF_ENTITIES 55
+#define IDS_DXF_LAYERS 56
+#define IDS_DXF_BLOCKS 57
 
 /* Controls of the common dialogs that the templates carry */
 #define IDC_HELP_BUTTON 1038

@@ -25,7 +25,7 @@ using Arguments = std::vector<std::string>;
 #define VERSION QUOTED(KW_VERSION_MAJOR.KW_VERSION_MINOR.KW_VERSION_PATCH)
 
 const std::string kDrawing = DxfDrawing(40, 30, "0 CIRCLE|10 20|20 15|40 14");
-const std::string kEmptyDrawing = DxfDrawing(40, 30, "0 CIRCLE|10 90|20 90|40 9");  // outside
+const std::string kEmptyDrawing = DxfDrawing(40, 30, "0 CIRCLE|10 90|20 90|40 9|60 1");  // outside and hidden
 
 // kwpreview.exe stands beside the tests.
 std::string ProgramPath() {
@@ -113,7 +113,7 @@ int FilesIn(const std::string& folder) {
 }
 
 // The PNG file that the library's own reader gives; empty when it gives no picture.
-std::string DrawnByReader(const std::string& path, int width, int height, DWORD mode = kRenderColor) {
+std::string DrawnByReader(const std::string& path, int width, int height, DWORD mode = kRenderColor | kRenderFullDxf) {
     const PreviewReader reader = PaneReaderFor(IdentifyFileType(path.c_str(), nullptr, 0));
     const RECT target = {0, 0, width, height};
     const UniqueBitmap bitmap(reader ? reader(mode, path.c_str(), &target, nullptr, 0) : nullptr);
@@ -167,9 +167,10 @@ TEST(Kwpreview, Modes) {
         int width, height;
         DWORD mode;
     } cases[] = {
-        {shape, {"--size", "16x4096"}, 16, 4096, kRenderColor},
-        {shape, {"--mono"}, 640, 480, 0},
-        {text, {"--frames", "--size", "90X60", "--mono"}, 90, 60, kRenderTextFrames},
+        {shape, {"--size", "16x4096"}, 16, 4096, kRenderColor | kRenderFullDxf},
+        {shape, {"--basic-dxf"}, 640, 480, kRenderColor},
+        {shape, {"--mono"}, 640, 480, kRenderFullDxf},
+        {text, {"--frames", "--size", "90X60", "--mono"}, 90, 60, kRenderTextFrames | kRenderFullDxf},
     };
     for (const auto& c : cases) {
         Arguments arguments = c.options;
@@ -206,8 +207,8 @@ TEST(Kwpreview, Reasons) {
         {folder.Write("a.cmd", "DIALOG_PREVIEW \"none.dxf\"\r\n"), NoPicture::missing, 1},
         {folder.Write("no.cmd", "DIALOG_PREVIEW none.dxf\r\n"), NoPicture::namesNone, 1},
         {folder.Write("self.cmd", "DIALOG_PREVIEW \"self.cmd\"\r\n"), NoPicture::namesOther, 1},
-        {folder.At("blank.dxf"), NoPicture::blankDxf, 1},
-        {folder.Write("blank.cmd", "DIALOG_PREVIEW \"blank.dxf\"\r\n"), NoPicture::blankDxf, 1},
+        {folder.At("blank.dxf"), NoPicture::blankFullDxf, 1},
+        {folder.Write("blank.cmd", "DIALOG_PREVIEW \"blank.dxf\"\r\n"), NoPicture::blankFullDxf, 1},
         {folder.Write("taken.dxf", kDrawing), NoPicture::notWritten, 4},
     };
     const int before = FilesIn(folder.path);
@@ -222,6 +223,16 @@ TEST(Kwpreview, Reasons) {
     EXPECT_EQ(FilesIn(folder.path), before) << "no picture, and no part of one";
     const Result worst = RunKwpreview({folder.At("missing.dxf"), folder.At("taken.dxf"), folder.At("a.txt")});
     EXPECT_EQ(worst.code, 4u);
+}
+
+TEST(Kwpreview, DxfReaders) {
+    const TempFolder folder;
+    const std::string left = folder.Write("left.dxf", "0\nLINE\n10\n0\n20\n0\n11\n4\n21\n3\n");
+    const std::string empty = folder.Write("empty.dxf", kEmptyDrawing), both = folder.Write("both.dxf", kDrawing);
+    EXPECT_TRUE(Has(RunKwpreview({left}).out, Utf8(ProgramText(IDS_ONLY_FULL_DXF))));
+    EXPECT_TRUE(Has(RunKwpreview({left, "--basic-dxf"}).out, Why(NoPicture::needsFullDxf)));
+    EXPECT_TRUE(Has(RunKwpreview({empty, "--basic-dxf"}).out, Why(NoPicture::blankDxf)));
+    EXPECT_EQ(Lines(RunKwpreview({both}).out), 1u);
 }
 
 TEST(Kwpreview, PatternsFoldersAndNames) {

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
-#include "preview/drawing/strokes.h"
+#include "preview/drawing/path_strokes.h"
 #include "support/guard_block.h"
 #include "support/samples.h"
 
@@ -72,8 +73,31 @@ void PutText(StrokeTarget& target, const TextStroke& text) {
                                         as(text.extra) + as(text.escapement) + " " + letters + "\n";
 }
 
+void PutPolyline(StrokeTarget& target, unsigned pen, const PixelPoint* points, std::size_t count) {
+    for (std::size_t i = 0; i + 1 < count; ++i) PutLine(target, pen, points[i], points[i + 1]);
+}
+
+// Every pixel whose middle an odd number of edges lies to the left of.
+void PutArea(StrokeTarget& target, const PixelPoint* points, const std::size_t* counts, std::size_t outlines) {
+    auto& plot = static_cast<Plot&>(target);
+    for (int y = 0; y < plot.height; ++y) {
+        for (int x = 0; x < plot.width; ++x) {
+            bool inside = false;
+            const PixelPoint* outline = points;
+            for (std::size_t i = 0; i < outlines; outline += counts[i++]) {
+                for (std::size_t k = 0; k < counts[i]; ++k) {
+                    const PixelPoint a = outline[k], b = outline[(k + 1) % counts[i]];
+                    const bool crosses = (a.y <= y) != (b.y <= y);
+                    if (crosses && x > a.x + static_cast<double>(b.x - a.x) * (y - a.y) / (b.y - a.y)) inside = !inside;
+                }
+            }
+            if (inside) plot.Put(x, y, '#');
+        }
+    }
+}
+
 Plot::Plot(int wide, int high)
-    : StrokeTarget{PutPixel, PutLine, PutArc, nullptr, nullptr, PutPolygon, PutDot, PutText},
+    : StrokeTarget{PutPixel, PutLine, PutArc, PutPolyline, PutArea, PutPolygon, PutDot, PutText},
       width(wide),
       height(high) {
     for (int y = 0; y < height; ++y) grid += std::string(static_cast<std::size_t>(width), '.') + "\n";
@@ -97,8 +121,33 @@ void Draw(DrawingSink& sink, PreviewPrimitive& element, unsigned pen) {
     DrawElement(static_cast<PlotSink&>(sink).plot, sink.view, element, pen % kPenCount);
 }
 
+void DrawPath(DrawingSink& sink, const Path& path, unsigned pen) {
+    std::vector<PixelPoint> scratch;
+    const auto draw = path.filled ? FillOutlines : DrawOutlines;
+    draw(static_cast<PlotSink&>(sink).plot, sink.view, path.points, path.counts, path.outlines, pen, &scratch);
+}
+
+void DrawLetters(DrawingSink& sink, const UnicodeText& text) {
+    static constexpr const char* kAcross[] = {"left", "middle", "right"};
+    static constexpr const char* kUp[] = {"base", "bottom", "middle", "top"};
+    char line[160];
+    const PixelPoint at = MapPoint(sink.view, text.at.x, text.at.y);
+    std::snprintf(line, sizeof(line), "%d,%d %s %s %.4g x %.4g (%.4g) %.4g %.4g%s%s%s%s%s ", at.x, at.y,
+                  kAcross[text.horizontal], kUp[text.vertical], text.height, text.widthFactor, text.fitWidth,
+                  text.angleDegrees, text.obliqueDegrees, text.backward ? " backward" : "",
+                  text.upsideDown ? " down" : "", text.underlined ? " under" : "", text.overlined ? " over" : "",
+                  text.struckOut ? " struck" : "");
+    std::string letters = line;
+    for (std::size_t i = 0; i < text.length; ++i) {
+        char hex[8];
+        std::snprintf(hex, sizeof(hex), "<%04x>", text.text[i]);
+        letters += text.text[i] >= ' ' && text.text[i] < 127 ? std::string(1, static_cast<char>(text.text[i])) : hex;
+    }
+    static_cast<PlotSink&>(sink).plot.texts += letters + "\n";
+}
+
 PlotSink::PlotSink(int wide, int high, bool frames)
-    : DrawingSink{Fit, Draw, nullptr, nullptr, {}, frames, &kGoOn}, empty(wide, high), plot(empty) {}
+    : DrawingSink{Fit, Draw, DrawPath, DrawLetters, {}, frames, &kGoOn}, empty(wide, high), plot(empty) {}
 
 }  // namespace
 

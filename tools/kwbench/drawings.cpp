@@ -24,7 +24,7 @@ static bool NamesNumber(const char* line, std::size_t length) {
 }
 
 // Reads numbers as a reader must, and does nothing with them; the sum keeps the conversions from being left out.
-static double SumOfGroups(const char* at, const char* end) {
+double SumOfGroups(const char* at, const char* end) {
     double sum = 0;
     while (at < end) {
         const char* const code = at;

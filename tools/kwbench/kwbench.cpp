@@ -20,6 +20,8 @@ static constexpr struct {
     const char* what;
     bool (*run)(Bench*);
 } kBenchmarks[] = {
+    {"fulldxf", "ReadFullDxfPreview: decoding against a bare scan, previews against ReadDxfPreview, memory",
+     BenchFullDxf},
     {"dxf", "ReadDxfPreview of generated drawings, against a bare scan of the file and the bare GDI calls", BenchDxf},
     {"identify", "IdentifyFileType of small files, against open, read of 1 KB and close", BenchIdentify},
     {"cancel", "how soon a reader returns after PreviewCancel(0)", BenchCancel},

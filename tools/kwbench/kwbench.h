@@ -30,6 +30,7 @@ constexpr std::size_t kMegabyte = 1 << 20;
 
 // Each adds its rows; false, after a word to the error stream, when it could not run.
 bool BenchDxf(Bench* bench);
+bool BenchFullDxf(Bench* bench);
 bool BenchCancel(Bench* bench);
 bool BenchMemory(Bench* bench);
 bool BenchIdentify(Bench* bench);

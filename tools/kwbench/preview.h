@@ -17,6 +17,7 @@ UniqueBitmap Preview(const Drawing& drawing, int width = kPaneTarget.right, int 
 // Reads the numbers of a text as its reader must, and does nothing with them; the sum keeps the conversions from being
 // left out.
 using NumberScan = double (*)(const char* at, const char* end);
+double SumOfGroups(const char* at, const char* end);  // of a DXF
 
 // What is asked of a reader. The floor is the replay of its strokes as GDI calls and, before that, the bare scan of a
 // text or the load of a binary drawing.

@@ -10,10 +10,10 @@ struct Flag {
     bool Options::*value;
 };
 constexpr Flag kFlags[] = {
-    {L"--mono", &Options::mono},       {L"--frames", &Options::frames}, {L"--comment", &Options::comment},
-    {L"--kind", &Options::kind},       {L"--strict", &Options::strict}, {L"--recursive", &Options::recursive},
-    {L"--version", &Options::version}, {L"--help", &Options::help},     {L"-h", &Options::help},
-    {L"/?", &Options::help},
+    {L"--mono", &Options::mono},       {L"--frames", &Options::frames},      {L"--comment", &Options::comment},
+    {L"--kind", &Options::kind},       {L"--strict", &Options::strict},      {L"--recursive", &Options::recursive},
+    {L"--version", &Options::version}, {L"--help", &Options::help},          {L"-h", &Options::help},
+    {L"/?", &Options::help},           {L"--basic-dxf", &Options::basicDxf},
 };
 
 // A number of pixels, digits alone; moves on behind it.

@@ -20,6 +20,7 @@ struct Options {
     bool kind = false;
     bool recursive = false;
     bool strict = false;
+    bool basicDxf = false;
     bool help = false;
     bool version = false;
 };

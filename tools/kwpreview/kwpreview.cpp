@@ -1,6 +1,7 @@
 // kwpreview: draws previews into PNG files, as the dialogs would show them, and says why a file shows nothing.
 //
 //   kwpreview FILE... [-o DIR|NAME.png] [--size WxH] [--mono] [--frames] [--comment] [--kind] [--recursive] [--strict]
+//             [--basic-dxf]
 //
 // docs/kwpreview.md tells more; --help says the same in short. Files are opened here, by their wide names, and their
 // bytes go to the library's readers.
@@ -68,7 +69,8 @@ Preview PreviewOf(const Options& options, const Input& input) {
         case InputProblem::emptyFolder: preview.problem = NoPicture::emptyFolder; return preview;
         case InputProblem::none: break;
     }
-    const DWORD renderMode = (options.mono ? 0 : kRenderColor) | (options.frames ? kRenderTextFrames : 0);
+    const DWORD renderMode = (options.mono ? 0 : kRenderColor) | (options.frames ? kRenderTextFrames : 0) |
+                             (options.basicDxf ? 0 : kRenderFullDxf);
     return RenderPreview(input.path, renderMode, options.size);
 }
 

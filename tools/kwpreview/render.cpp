@@ -186,6 +186,19 @@ void RenderNamed(const FilePath& path, const ByteView file, Run* run, Preview* p
     else preview->problem = NoPicture::namesOther;
 }
 
+// What the other reader of DXF makes of the file.
+void CompareDxfReaders(std::uint8_t* bytes, std::size_t size, const PreviewRequest& request, Preview* preview) {
+    const bool isFull = request.renderMode & kRenderFullDxf;
+    const bool isBlank = preview->problem == NoPicture::blankDxf || preview->problem == NoPicture::damaged;
+    if (isFull && isBlank) preview->problem = NoPicture::blankFullDxf;
+    if (isFull == isBlank) return;
+    const PreviewRequest other = {request.renderMode ^ kRenderFullDxf, request.target, nullptr, 0};
+    const UniqueBitmap bitmap(PreviewBytes(kDxfFormat, bytes, size, other));
+    const bool shows = bitmap && !IsBlank(bitmap.get());
+    if (isFull) preview->onlyFullDxf = !shows;
+    else if (shows) preview->problem = NoPicture::needsFullDxf;
+}
+
 // A reader says only that it has no picture. What it needs besides a sound file is asked for here.
 void RenderContents(const File& file, const PreviewFormat& format, Run* run, Preview* preview) {
     const auto bytes = LoadFile(file);
@@ -195,7 +208,8 @@ void RenderContents(const File& file, const PreviewFormat& format, Run* run, Pre
     }
     const RECT target = run->Target();
     const PreviewRequest request = {run->renderMode, &target, run->comment.data(), kCommentSize};
-    preview->bitmap.reset(PreviewBytes(format, bytes.get(), static_cast<std::size_t>(file.size), request));
+    const auto size = static_cast<std::size_t>(file.size);
+    preview->bitmap.reset(PreviewBytes(format, bytes.get(), size, request));
     const KindRow& row = RowOf(preview->kind);
     if (!preview->bitmap) {
         Canvas canvas(run->renderMode, target);
@@ -204,6 +218,7 @@ void RenderContents(const File& file, const PreviewFormat& format, Run* run, Pre
         preview->problem = row.blank;
         preview->bitmap.reset();
     }
+    if (preview->kind == FT_DXF) CompareDxfReaders(bytes.get(), size, request, preview);
 }
 
 void RenderCommand(const File& file, const FilePath& path, Run* run, Preview* preview) {

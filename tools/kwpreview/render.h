@@ -34,6 +34,8 @@ enum class NoPicture {
     ofNamed,       // a command file: see `named` and `whyNamed`
     notWritten,    // drawn, but the PNG file could not be written
     namesOther,    // a command file that names something that it cannot show: see `named`
+    needsFullDxf,  // a DXF of which the basic reader draws nothing
+    blankFullDxf,  // of which the full reader draws nothing
 };
 
 struct Preview {
@@ -44,13 +46,14 @@ struct Preview {
     DWORD error = 0;     // the system's code, for unreadable
     std::wstring named;  // the drawing that a command file without a picture names
     NoPicture whyNamed = NoPicture::none;
+    bool onlyFullDxf = false;  // a picture that only the full reader of DXF gives
 };
 
 // True for kinds whose files are meant to show a picture.
 bool IsDrawing(FileTypeCode kind);
 
-// Draws a file as the dialogs do. `renderMode` as for readers (preview/drawing/canvas.h); a bitmap file keeps its own size.
-// A file is taken to show nothing when all of its picture is white, unless it is a bitmap file.
+// Draws a file as the dialogs do. `renderMode` as for readers (preview/drawing/canvas.h); a bitmap file keeps its own
+// size. A file is taken to show nothing when all of its picture is white, unless it is a bitmap file.
 Preview RenderPreview(const FilePath& path, DWORD renderMode, SIZE size);
 
 // The word for a kind that scripts may rely on ("dxf"); the description is IDS_KIND + kind.

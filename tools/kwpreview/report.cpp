@@ -39,6 +39,7 @@ static std::wstring CommentLines(const std::wstring& comment) {
 
 std::wstring ReportOf(const Options& options, const FilePath& input, const FilePath& png, const Preview& preview) {
     std::wstring text = FirstLine(input, png, preview) + L"\n";
+    if (preview.onlyFullDxf) text += L"    " + Text(IDS_ONLY_FULL_DXF) + L"\n";
     if (preview.kind != FT_UNREADABLE) {
         const UINT description = IDS_KIND + static_cast<UINT>(preview.kind);
         if (options.kind)

@@ -1,4 +1,4 @@
-/* Ids of kwpreview's texts. The library's own resources are linked in too and end below 48. */
+/* Ids of kwpreview's texts. The library's own resources are linked in too and end below 60. */
 #pragma once
 
 /* Lines of --help: from here on, until one is missing. */
@@ -22,6 +22,7 @@
 #define IDS_PROGRESS 416  /* %1 number, %2 count, %3 input, %4 seconds */
 #define IDS_NO_FOLDER 417 /* %1 the folder, %2 the system's message */
 #define IDS_NO_OUTPUT 418
+#define IDS_ONLY_FULL_DXF 419
 
 /* Descriptions of kinds: IDS_KIND + FileTypeCode, which ends at 26 */
 #define IDS_KIND 420

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "frame/services.h"
+#include "preview/drawing/path_strokes.h"
 
 HBITMAP CreatePreviewBitmap(HDC screen, DWORD renderMode, const RECT& target) {
     const int width = target.right - target.left;
@@ -19,6 +20,7 @@ static void DrawWaitingTexts(CanvasStrokes& strokes) {
     const auto fontOf = [](const CanvasStrokes::WaitingText& text) {
         return std::tie(text.stroke.escapement, text.stroke.height, text.stroke.width);
     };
+    strokes.gdi.textsAreShiftJis = strokes.run.textsAreShiftJis;
     std::stable_sort(strokes.texts.begin(), strokes.texts.end(),
                      [&](const auto& a, const auto& b) { return fontOf(a) < fontOf(b); });
     for (CanvasStrokes::WaitingText& text : strokes.texts) {
@@ -111,8 +113,21 @@ static void DrawOnCanvas(DrawingSink& sink, PreviewPrimitive& element, unsigned 
     DrawElement(*static_cast<Canvas&>(sink).strokes, sink.view, element, pen % kPenCount);
 }
 
+static void PathOnCanvas(DrawingSink& sink, const Path& path, unsigned pen) {
+    auto& canvas = static_cast<Canvas&>(sink);
+    const auto draw = path.filled ? FillOutlines : DrawOutlines;
+    draw(*canvas.strokes, sink.view, path.points, path.counts, path.outlines, pen % kPenCount, &canvas.pixels);
+}
+
+static void UnicodeTextOnCanvas(DrawingSink& sink, const UnicodeText& text) {
+    auto& canvas = static_cast<Canvas&>(sink);
+    DrawUnicodeText(canvas.dc.get(), sink.view, text, &canvas.unicodeFonts);
+}
+
 Canvas::Canvas(DWORD mode, const RECT& rect)
-    : DrawingSink{FitCanvas, DrawOnCanvas, nullptr, nullptr, {}, (mode & kRenderTextFrames) != 0, &PreviewCancelFlag},
+    : DrawingSink{FitCanvas,           DrawOnCanvas, PathOnCanvas,
+                  UnicodeTextOnCanvas, {},           (mode & kRenderTextFrames) != 0,
+                  &PreviewCancelFlag},
       renderMode(mode),
       target(rect) {}
 

@@ -10,11 +10,13 @@
 #include "kit/handles.h"
 #include "preview/drawing/raster.h"
 #include "preview/drawing/renderer.h"
+#include "preview/drawing/unicode_text.h"
 #include "preview/formats/sink.h"
 
 // Bits of a reader's renderMode.
 constexpr DWORD kRenderTextFrames = 1;  // texts as their bounding frames
 constexpr DWORD kRenderColor = 2;       // a bitmap like the screen's, else one bit a pixel
+constexpr DWORD kRenderFullDxf = 4;     // DXF by the full reader
 
 // An empty bitmap of the target's size in the form that renderMode asks for; null when it cannot be made.
 HBITMAP CreatePreviewBitmap(HDC screen, DWORD renderMode, const RECT& target);
@@ -44,6 +46,8 @@ struct Canvas : DrawingSink {
     UniqueBrush white, black;
     UniquePen pens[kPenCount];
     TextFonts textFonts;
+    UnicodeFonts unicodeFonts;
+    std::vector<PixelPoint> pixels;  // of a path, used again
     UniqueDc dc;
     std::optional<CanvasStrokes> strokes;  // once it is open
 };

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <vector>
 
 #include "frame/services.h"
+#include "kit/code_page.h"
 #include "resources/resource.h"
 
 // Cosmetic pens: one pixel wide, black.
@@ -18,6 +20,8 @@ UniquePen MakePen(unsigned pen) {
     const LOGBRUSH black = {BS_SOLID, RGB(0, 0, 0), 0};
     return UniquePen(ExtCreatePen(PS_COSMETIC | kPenStyles[pen], 1, &black, 0, nullptr));
 }
+
+static constexpr unsigned kShiftJisCodePage = 932;
 
 static GdiStrokes& Gdi(StrokeTarget& target) { return static_cast<GdiStrokes&>(target); }
 
@@ -58,24 +62,39 @@ static void FillDot(StrokeTarget& target, unsigned pen, PixelPoint centre, std::
           right, centre.y);
 }
 
-UniqueFont MakeTextFont(const TextStroke& text) {
+static void StrokePolyline(StrokeTarget& target, unsigned pen, const PixelPoint* points, std::size_t count) {
+    Polyline(WithPen(target, pen), reinterpret_cast<const POINT*>(points), static_cast<int>(count));
+}
+
+// Without the line that GDI draws around polygons.
+static void FillArea(StrokeTarget& target, const PixelPoint* points, const std::size_t* counts, std::size_t outlines) {
+    const HDC dc = Gdi(target).dc;
+    std::vector<INT> corners(outlines);
+    std::transform(counts, counts + outlines, corners.begin(),
+                   [](std::size_t count) { return static_cast<INT>(count); });
+    const Selection noLine(dc, GetStockObject(NULL_PEN));
+    PolyPolygon(dc, reinterpret_cast<const POINT*>(points), corners.data(), static_cast<int>(outlines));
+}
+
+UniqueFont MakeTextFont(const TextStroke& text, bool isShiftJis) {
     LOGFONTA font = {};
     font.lfHeight = -text.height;
     font.lfWidth = text.width;
     font.lfEscapement = text.escapement;
     font.lfWeight = FW_NORMAL;
-    font.lfCharSet = DEFAULT_CHARSET;
+    font.lfCharSet = isShiftJis ? SHIFTJIS_CHARSET : DEFAULT_CHARSET;
     font.lfPitchAndFamily = FIXED_PITCH | FF_MODERN;
-    CopyResString(IDS_TEXT_FACE, font.lfFaceName, sizeof(font.lfFaceName));
+    if (isShiftJis) lstrcpyA(font.lfFaceName, "MS Gothic");
+    else CopyResString(IDS_TEXT_FACE, font.lfFaceName, sizeof(font.lfFaceName));
     return UniqueFont(CreateFontIndirectA(&font));
 }
 
 // Selects the font for a text, a new one only when none of the last ones fits; false when there is none.
-static bool SelectTextFont(HDC dc, const TextStroke& text, TextFonts* fonts) {
+static bool SelectTextFont(HDC dc, const TextStroke& text, bool isShiftJis, TextFonts* fonts) {
     auto& entries = fonts->entries;
     const auto found = std::find_if(std::begin(entries), std::end(entries), [&](const TextFonts::Entry& entry) {
         return entry.font && entry.height == text.height && entry.width == text.width &&
-               entry.escapement == text.escapement;
+               entry.escapement == text.escapement && entry.isShiftJis == isShiftJis;
     });
     if (found == std::begin(entries)) return true;
     if (found != std::end(entries)) {
@@ -83,23 +102,41 @@ static bool SelectTextFont(HDC dc, const TextStroke& text, TextFonts* fonts) {
         std::rotate(std::begin(entries), found, found + 1);
         return true;
     }
-    UniqueFont font = MakeTextFont(text);
+    UniqueFont font = MakeTextFont(text, isShiftJis);
     if (!font || !SelectObject(dc, font.get())) return false;
     std::rotate(std::begin(entries), std::end(entries) - 1, std::end(entries));
-    entries[0] = {text.height, text.width, text.escapement, std::move(font)};  // the oldest is not selected and goes
+    // The oldest is not selected and goes.
+    entries[0] = {text.height, text.width, text.escapement, isShiftJis, std::move(font)};
     return true;
 }
 
+// Whether the system's own code page would make garbage of a text in Shift_JIS.
+static bool IsForeign(const TextStroke& text) {
+    return GetACP() != kShiftJisCodePage &&
+           std::any_of(text.text, text.text + text.length, [](char c) { return static_cast<std::uint8_t>(c) >= 0x80; });
+}
+
+static void WriteShiftJis(HDC dc, const TextStroke& text) {
+    char16_t characters[256];
+    const ByteView bytes = {reinterpret_cast<const std::uint8_t*>(text.text),
+                            std::min(text.length, std::size(characters))};
+    const std::size_t length = TextToUnicode(kShiftJisCodePage, bytes, characters, std::size(characters));
+    TextOutW(dc, text.at.x, text.at.y, reinterpret_cast<const wchar_t*>(characters), static_cast<int>(length));
+}
+
 static void WriteText(StrokeTarget& target, const TextStroke& text) {
-    const HDC dc = Gdi(target).dc;
-    if (!SelectTextFont(dc, text, Gdi(target).fonts)) return;
+    const GdiStrokes& gdi = Gdi(target);
+    const HDC dc = gdi.dc;
+    const bool isForeign = gdi.textsAreShiftJis && IsForeign(text);
+    if (!SelectTextFont(dc, text, isForeign, gdi.fonts)) return;
     const int previousExtra = SetTextCharacterExtra(dc, text.extra);
-    TextOutA(dc, text.at.x, text.at.y, text.text, static_cast<int>(text.length));
+    if (isForeign) WriteShiftJis(dc, text);
+    else TextOutA(dc, text.at.x, text.at.y, text.text, static_cast<int>(text.length));
     SetTextCharacterExtra(dc, previousExtra);
 }
 
 GdiStrokes::GdiStrokes(HDC context, TextFonts* textFonts, UniquePen* sixteenPens)
-    : StrokeTarget{SetPixelAt, StrokeLine, StrokeArc, nullptr, nullptr, FillPolygon, FillDot, WriteText},
+    : StrokeTarget{SetPixelAt, StrokeLine, StrokeArc, StrokePolyline, FillArea, FillPolygon, FillDot, WriteText},
       dc(context),
       fonts(textFonts),
       pens(sixteenPens) {}

@@ -11,6 +11,7 @@
 struct TextFonts {
     struct Entry {
         std::int32_t height = 0, width = 0, escapement = 0;  // pixels, pixels, tenths of a degree
+        bool isShiftJis = false;                             // a Japanese face on a system of another code page
         UniqueFont font;
     };
     Entry entries[8];
@@ -21,7 +22,7 @@ UniquePen MakePen(unsigned pen);
 bool IsSolidPen(unsigned pen);
 
 // Null when it cannot be made.
-UniqueFont MakeTextFont(const TextStroke& text);
+UniqueFont MakeTextFont(const TextStroke& text, bool isShiftJis = false);
 
 // Strokes on a device context.
 struct GdiStrokes : StrokeTarget {
@@ -32,6 +33,7 @@ struct GdiStrokes : StrokeTarget {
     TextFonts* const fonts;
     UniquePen* const pens;
     unsigned selected = kPenCount;
+    bool textsAreShiftJis = false;  // else they are in the system's code page
 };
 
 // Draws one element with the pen and the brush that are selected into `dc`, and leaves nothing behind there. Clipped

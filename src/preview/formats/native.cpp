@@ -249,6 +249,7 @@ bool DecodeNative(ByteView file, Comment* comment, DrawingSink* sink) {
     if (!ReadHeader(file, &drawing)) return false;
     AppendTitleBlock(comment, file, kNativeTitle);
     if (!sink || !sink->fit(*sink, drawing.extents, DrawingSink::kWipe)) return false;
+    sink->textsAreShiftJis = true;
     for (unsigned number = 1; number <= drawing.Count(); ++number) {
         if (!sink->MayContinue()) return false;
         DrawRecord(*sink, &drawing, number);

@@ -30,6 +30,7 @@ struct UnicodeText {
     int horizontal;         // `at` stands 0: at the text's left end, 1: in its middle, 2: at its right end
     int vertical;  // and 0: on the base line, 1: at the descenders' end, 2: in the middle of a capital, 3: at its top
     bool backward, upsideDown;
+    bool underlined, overlined, struckOut;
     const char16_t* text;
     std::size_t length;
 };
@@ -48,6 +49,7 @@ struct DrawingSink {
     ViewTransform view;                     // from the last fit
     bool textsAsFrames;                     // texts are wanted as their bounding frames
     const std::atomic<std::int32_t>* goOn;  // 1 while nobody has cancelled the run
+    bool textsAreShiftJis = false;          // set by a decoder: else texts are in the system's code page
 
     bool MayContinue() const { return goOn->load(std::memory_order_relaxed) == 1; }
 };

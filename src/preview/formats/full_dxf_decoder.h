@@ -1,0 +1,208 @@
+// What the parts of the full DXF decoder share: the run, where an entity stands, and the calls that draw.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "preview/formats/full_dxf_geometry.h"
+#include "preview/formats/full_dxf_tables.h"
+#include "preview/formats/full_dxf_unicode.h"
+#include "preview/formats/sink.h"
+
+// Work that a file may cost. It grows with the file; a unit is an element, a segment or a group that is read again.
+//
+// What stands in the drawing itself is drawn in any case, since that cannot grow faster than the file: without budget
+// only inserts are left out, and curves become coarse.
+struct DxfBudget {
+    long long left = 0;
+    bool Charge(long long units) {
+        if (left < units) {
+            left = 0;
+            return false;
+        }
+        left -= units;
+        return true;
+    }
+};
+
+constexpr unsigned kSolidPen = 0;
+
+// What an entity takes from its layer, or from the insert that its block stands in.
+struct DxfLook {
+    bool frozen = false, off = false;
+    unsigned pen = kSolidPen;
+};
+
+// Where the entities of a block stand; the drawing itself is the outermost place.
+struct DxfPlace {
+    const DxfPlace* outer = nullptr;
+    PlaneMap map = kFromAbove;
+    std::uint32_t block = 0;  // where its entities begin: a block that holds itself is known by that
+    int depth = 0;
+    DxfLook layer;             // of the insert, for what stands on layer 0
+    unsigned pen = kSolidPen;  // of the insert, for what is drawn "by block"
+};
+
+constexpr int kDeepestInsert = 32;
+
+// Points on their way to the sink: lines, or the outlines of an area.
+struct DxfPoints {
+    std::vector<WorldPoint> points;
+    std::vector<std::size_t> counts;  // of the outlines that are complete
+    std::size_t begin = 0;            // of the open one
+    bool area = false;
+    bool skipped = false;  // `last` is not among the points, being too near to the one before
+    WorldPoint last = {};
+};
+
+// A curve being gathered, in the drawing's plane. An entity may not hold more points than `kMostSplinePoints`.
+constexpr std::size_t kMostSplinePoints = 1 << 17;
+struct DxfSpline {
+    int degree = 3;
+    bool closed = false;
+    std::vector<WorldPoint> controls, fits;
+    std::vector<double> weights, knots;
+    WorldPoint startTangent = {}, endTangent = {};
+    void Clear();
+};
+
+// Where a line of a hatch pattern crosses the boundary.
+struct DxfCrossing {
+    long long line;
+    double along;
+};
+
+// Text of several lines as it is being laid out: its characters, how they look, and the lines.
+struct DxfParagraphs {
+    struct Look {
+        double height;       // times that of the text
+        double widthFactor;  // times that of the style
+        double obliqueDegrees;
+        int align;  // -1: as the text says; else as UnicodeText::horizontal
+        int level;  // of a stacked fraction, 1: its upper part, 2: its lower part, 3: that with a line above
+        bool underlined, overlined, struckOut;
+    };
+    struct Line {
+        std::size_t begin, end;
+        double height;  // of its largest capital, as a Look's
+    };
+    std::string bytes;  // as the file holds it
+    std::u16string characters;
+    std::vector<std::uint16_t> lookOf;  // of each character
+    std::vector<Look> looks;
+    std::vector<Line> lines;
+};
+
+struct DxfDecoder {
+    DxfForm form;
+    DxfTables tables;
+    DxfEncoding encoding;
+    DrawingSink* sink = nullptr;
+    DxfBudget budget;
+    double pixel = 0;             // drawing units; 0 while the drawing is measured
+    bool paperSpace = false;      // which of the two is drawn
+    std::size_t entityCount = 0;  // of the drawing itself, met so far
+
+    const DxfPlace* place = nullptr;
+    PlaneMap map = kFromAbove;      // of the current entity's coordinates
+    unsigned pen = kSolidPen;       // of the current entity
+    bool attributesHidden = false;  // those that follow an insert that is hidden
+
+    // Used again by entity after entity.
+    DxfGroups groups;
+    PreviewPrimitive element;
+    DxfPoints path;
+    DxfSpline spline;
+    std::vector<WorldPoint> corners;  // of meshes
+    std::vector<int> outlineFlags;    // of hatches
+    std::vector<DxfCrossing> crossings;
+    std::u16string text;
+    DxfParagraphs paragraphs;
+    ByteView layerName;  // of the entity before, and what it means
+    DxfLook layerLook;
+
+    bool MayContinue() const { return sink->MayContinue(); }
+    bool IsMeasuring() const { return pixel == 0; }
+};
+
+// ---- What draws (full_dxf_strokes.cpp); all in the drawing's plane
+
+void DrawDxfPoint(DxfDecoder& dxf, WorldPoint at);
+void DrawDxfLine(DxfDecoder& dxf, WorldPoint from, WorldPoint to);
+void DrawDxfConic(DxfDecoder& dxf, const Conic& conic, double start, double sweep);
+void DrawDxfText(DxfDecoder& dxf, const UnicodeText& text);
+
+// A line or an outline, point by point. Areas keep all their outlines until they are filled.
+void BeginPath(DxfDecoder& dxf, bool area = false);
+void PathTo(DxfDecoder& dxf, WorldPoint p);
+void PathAlong(DxfDecoder& dxf, const ConicArc& arc);  // both ends included
+void PathAlong(DxfDecoder& dxf, DxfSpline* spline);    // full_dxf_splines.cpp
+void EndOutline(DxfDecoder& dxf);
+void EndPath(DxfDecoder& dxf);
+
+// Into how many segments a curve is cut so that it stays within half a pixel.
+int SegmentsOfTurn(DxfDecoder& dxf, double radius, double sweep);
+
+// ---- Entities (full_dxf_entities.cpp)
+
+// Draws the entities from `begin` to the end of their section or block.
+void DrawDxfEntities(DxfDecoder& dxf, std::size_t begin);
+
+// What the layer of the entity in dxf.groups says; layer 0 of a block is that of the insert.
+DxfLook LookOfEntityLayer(DxfDecoder& dxf);
+
+inline Vector3 PointOf(const DxfGroups& groups, int code) {
+    return {groups.Number(code), groups.Number(code + 10), groups.Number(code + 20)};
+}
+inline Vector3 NormalOf(const DxfGroups& groups) {
+    return {groups.Number(210), groups.Number(220), groups.Number(230, 1)};
+}
+
+// The kinds that have a file of their own. The reader stands behind the entity in dxf.groups.
+using DxfKindFunction = void (*)(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfPolyline(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfLwPolyline(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfSpline(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfHatch(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfTextEntity(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfAttribute(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfAttributeDefinition(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfMText(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfInsert(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfDimension(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfTable(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfMultiLeader(DxfDecoder& dxf, DxfReader* reader);
+
+// ---- Texts (full_dxf_texts.cpp, full_dxf_mtext.cpp)
+
+// A text's frame in the current entity's coordinates: directions are units unless the text is stretched.
+struct DxfTextPlace {
+    Vector3 at, along, up;
+};
+
+struct DxfTextStyle {
+    double widthFactor = 1;
+    double height = 0;  // 0: each text has its own
+};
+DxfTextStyle TextStyleOf(const DxfDecoder& dxf, ByteView name);
+
+// Fills what depends on the frame and maps it to the plane; false when the text would have no height.
+bool PlaceText(const DxfDecoder& dxf, const DxfTextPlace& place, double height, double widthFactor, double fitWidth,
+               double obliqueDegrees, UnicodeText* out);
+
+// Lays out and draws dxf.paragraphs.bytes.
+struct DxfParagraphPlace {
+    DxfTextPlace place;
+    double height = 1;   // of a capital
+    double width = 0;    // that lines are wrapped at; 0: they are not
+    double spacing = 1;  // times the usual distance of lines
+    double widthFactor = 1;
+    int attachment = 1;  // the place stands 1 to 9: at the upper left to the lower right of the lines, row by row
+};
+void DrawParagraphs(DxfDecoder& dxf, const DxfParagraphPlace& place);
+void AppendParagraphBytes(DxfDecoder& dxf, ByteView bytes);
+
+// A unit along `a` where it has a length, else along the x axis; and upward from a text along it.
+Vector3 AlongText(Vector3 a);
+Vector3 UpFromText(Vector3 normal, Vector3 along);

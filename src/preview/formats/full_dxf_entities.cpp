@@ -1,0 +1,395 @@
+// The entities: a table of kinds, what all kinds have in common, and the kinds that are a few lines each.
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <iterator>
+
+#include "preview/formats/full_dxf_decoder.h"
+
+// ---- Simple kinds
+
+static void DrawPoint(DxfDecoder& dxf, DxfReader*) {
+    if (IsName(Trimmed(dxf.groups.Text(8)), "DEFPOINTS")) return;  // what a dimension was measured from
+    DrawDxfPoint(dxf, dxf.map.Point(PointOf(dxf.groups, 10)));
+}
+
+static void DrawLine(DxfDecoder& dxf, DxfReader*) {
+    DrawDxfLine(dxf, dxf.map.Point(PointOf(dxf.groups, 10)), dxf.map.Point(PointOf(dxf.groups, 11)));
+}
+
+static void DrawCircleArc(DxfDecoder& dxf, double start, double sweep) {
+    const double radius = std::fabs(dxf.groups.Number(40));
+    const Conic conic = {dxf.map.Point(PointOf(dxf.groups, 10)), dxf.map.Direction({radius, 0, 0}),
+                         dxf.map.Direction({0, radius, 0})};
+    DrawDxfConic(dxf, conic, start, sweep);
+}
+
+static void DrawCircle(DxfDecoder& dxf, DxfReader*) { DrawCircleArc(dxf, 0, kTurn); }
+
+// The way from one angle to another, counter-clockwise; a whole turn when they are one.
+static double SweepOf(double start, double end) {
+    double sweep = std::fmod(end - start, kTurn);
+    if (sweep < 0) sweep += kTurn;
+    return sweep < 1e-9 ? kTurn : sweep;
+}
+
+static void DrawArc(DxfDecoder& dxf, DxfReader*) {
+    const double start = Radians(dxf.groups.Number(50)), end = Radians(dxf.groups.Number(51, 360));
+    DrawCircleArc(dxf, start, SweepOf(start, end));
+}
+
+// The normal turns the minor axis; all else is the drawing's.
+static void DrawEllipse(DxfDecoder& dxf, DxfReader*) {
+    const DxfGroups& groups = dxf.groups;
+    const Vector3 major = PointOf(groups, 11);
+    const Vector3 n = AxesOfNormal(NormalOf(groups)).z;
+    const double ratio = groups.Number(40, 1);
+    const Vector3 minor = {(n.y * major.z - n.z * major.y) * ratio, (n.z * major.x - n.x * major.z) * ratio,
+                           (n.x * major.y - n.y * major.x) * ratio};
+    const double start = groups.Number(41, 0), end = groups.Number(42, kTurn);
+    const Conic conic = {dxf.map.Point(PointOf(groups, 10)), dxf.map.Direction(major), dxf.map.Direction(minor)};
+    DrawDxfConic(dxf, conic, start, SweepOf(start, end));
+}
+
+// Corners 1, 2, 4, 3 go around it. A missing fourth is the third.
+static void DrawSolid(DxfDecoder& dxf, DxfReader*) {
+    const DxfGroups& groups = dxf.groups;
+    const int codes[] = {10, 11, groups.Has(13) ? 13 : 12, 12};
+    BeginPath(dxf, true);
+    for (const int code : codes) PathTo(dxf, dxf.map.Point(PointOf(groups, code)));
+    EndPath(dxf);
+    DrawDxfLine(dxf, dxf.map.Point(PointOf(groups, 10)),
+                dxf.map.Point(PointOf(groups, 11)));  // one thinner than a pixel
+}
+
+static void Draw3dFace(DxfDecoder& dxf, DxfReader*) {
+    const DxfGroups& groups = dxf.groups;
+    const int hidden = groups.Integer(70);
+    const int codes[] = {10, 11, 12, groups.Has(13) ? 13 : 12};
+    BeginPath(dxf);
+    for (int edge = 0; edge < 4; ++edge) {
+        if (hidden >> edge & 1) {
+            EndOutline(dxf);
+            continue;
+        }
+        const WorldPoint from = dxf.map.Point(PointOf(groups, codes[edge]));
+        PathTo(dxf, from);
+        PathTo(dxf, dxf.map.Point(PointOf(groups, codes[(edge + 1) % 4])));
+    }
+    EndPath(dxf);
+}
+
+// Lines without end do not count when the drawing is measured.
+static void DrawEndless(DxfDecoder& dxf, bool bothWays) {
+    if (dxf.IsMeasuring()) return;
+    const ViewTransform& view = dxf.sink->view;
+    const WorldPoint base = dxf.map.Point(PointOf(dxf.groups, 10)), along = dxf.map.Direction(PointOf(dxf.groups, 11));
+    const double length = Length(along.x, along.y);
+    // Far enough to leave the window whichever way it goes.
+    const double reach = Length(view.worldMaxX - view.worldMinX, view.worldMaxY - view.worldMinY) +
+                         Length(base.x - view.worldMinX, base.y - view.worldMinY);
+    if (!(length > 0) || !IsDrawable(length) || !IsDrawable(reach)) return;
+    const WorldPoint step = {along.x / length * reach, along.y / length * reach};
+    DrawDxfLine(dxf, bothWays ? WorldPoint{base.x - step.x, base.y - step.y} : base,
+                {base.x + step.x, base.y + step.y});
+}
+static void DrawRay(DxfDecoder& dxf, DxfReader*) { DrawEndless(dxf, false); }
+static void DrawXLine(DxfDecoder& dxf, DxfReader*) { DrawEndless(dxf, true); }
+
+// Lines from point to point; the first segment of a leader has an arrowhead at its begin.
+static void DrawLeader(DxfDecoder& dxf, DxfReader*) {
+    DxfRecordWalk record(dxf.groups);
+    DxfPair pair;
+    Vector3 point = {};
+    bool open = false;
+    BeginPath(dxf);
+    while (record.Next(&pair)) {
+        if (pair.code == 10) {
+            if (open) PathTo(dxf, dxf.map.Point(point));
+            open = true;
+            point = {DxfNumber(dxf.form, 10, pair.value), 0, 0};
+        }
+        if (pair.code == 20) point.y = DxfNumber(dxf.form, 20, pair.value);
+        if (pair.code == 30) point.z = DxfNumber(dxf.form, 30, pair.value);
+    }
+    if (open) PathTo(dxf, dxf.map.Point(point));
+    EndPath(dxf);
+}
+
+// One line for each element of its style: a vertex tells each one's distance along its miter.
+static void DrawMLine(DxfDecoder& dxf, DxfReader*) {
+    constexpr int kMostElements = 16;
+    WorldPoint before[kMostElements], first[kMostElements];
+    const bool closed = dxf.groups.Integer(71) & 2;
+    DxfRecordWalk record(dxf.groups);
+    DxfPair pair;
+    Vector3 vertex = {}, miter = {};
+    int vertices = 0, element = 0, parameters = 0;
+    while (record.Next(&pair) && dxf.MayContinue()) {
+        const double value = pair.code < 60 ? DxfNumber(dxf.form, pair.code, pair.value) : 0;
+        switch (pair.code) {
+            case 11:
+                vertex = {value, 0, 0};
+                ++vertices;
+                element = 0;
+                break;
+            case 21: vertex.y = value; break;
+            case 31: vertex.z = value; break;
+            case 13: miter = {value, 0, 0}; break;
+            case 23: miter.y = value; break;
+            case 33: miter.z = value; break;
+            case 74: parameters = 0; break;
+            case 41: {
+                if (parameters++ != 0 || element >= kMostElements) break;
+                const WorldPoint at =
+                    dxf.map.Point({vertex.x + miter.x * value, vertex.y + miter.y * value, vertex.z + miter.z * value});
+                if (vertices == 1) first[element] = at;
+                else DrawDxfLine(dxf, before[element], at);
+                before[element++] = at;
+                break;
+            }
+            default: break;
+        }
+    }
+    for (int i = 0; closed && vertices > 2 && i < element; ++i) DrawDxfLine(dxf, before[i], first[i]);
+}
+
+static void DrawOutline(DxfDecoder& dxf, const Vector3* corners, int count) {
+    BeginPath(dxf);
+    for (int i = 0; i <= count; ++i) PathTo(dxf, dxf.map.Point(corners[i % count]));
+    EndPath(dxf);
+}
+
+// The frame of a picture: its size in picture points along two edges, each as long as one point.
+static void DrawImage(DxfDecoder& dxf, DxfReader*) {
+    const DxfGroups& groups = dxf.groups;
+    const Vector3 at = PointOf(groups, 10), u = PointOf(groups, 11), v = PointOf(groups, 12);
+    const double w = groups.Number(13), h = groups.Number(23);
+    const Vector3 corners[] = {at,
+                               {at.x + u.x * w, at.y + u.y * w, at.z + u.z * w},
+                               {at.x + u.x * w + v.x * h, at.y + u.y * w + v.y * h, at.z + u.z * w + v.z * h},
+                               {at.x + v.x * h, at.y + v.y * h, at.z + v.z * h}};
+    DrawOutline(dxf, corners, 4);
+}
+
+static void DrawOleFrame(DxfDecoder& dxf, DxfReader*) {
+    const Vector3 a = PointOf(dxf.groups, 10), b = PointOf(dxf.groups, 11);
+    const Vector3 corners[] = {a, {b.x, a.y, a.z}, b, {a.x, b.y, b.z}};
+    DrawOutline(dxf, corners, 4);
+}
+
+// A mesh of faces: behind 92 its vertices, behind 93 the faces, each a number of corners and these, behind 94 edges.
+static void DrawMesh(DxfDecoder& dxf, DxfReader*) {
+    constexpr std::size_t kMostVertices = 1 << 17;
+    std::vector<WorldPoint>& vertices = dxf.corners;
+    vertices.clear();
+    DxfRecordWalk record(dxf.groups);
+    DxfPair pair;
+    Vector3 vertex = {};
+    int part = 0;        // the group that began it
+    long long left = 0;  // corners of the open face
+    WorldPoint first = {};
+    bool open = false;
+    BeginPath(dxf);
+    while (part != 94 && record.Next(&pair) && dxf.MayContinue()) {
+        if (pair.code >= 92 && pair.code <= 94) part = pair.code;
+        if (part == 92 && pair.code == 10) vertex.x = DxfNumber(dxf.form, 10, pair.value);
+        if (part == 92 && pair.code == 20) vertex.y = DxfNumber(dxf.form, 20, pair.value);
+        if (part == 92 && pair.code == 30) {
+            vertex.z = DxfNumber(dxf.form, 30, pair.value);
+            if (vertices.size() < kMostVertices) vertices.push_back(dxf.map.Point(vertex));
+        }
+        if (part != 93 || pair.code != 90) continue;
+        const long long number = DxfInteger(dxf.form, 90, pair.value);
+        if (left <= 0) {
+            left = number;
+            open = false;
+            EndOutline(dxf);
+            continue;
+        }
+        --left;
+        if (number < 0 || static_cast<unsigned long long>(number) >= vertices.size()) continue;
+        const WorldPoint at = vertices[static_cast<std::size_t>(number)];
+        if (!open) first = at;
+        open = true;
+        PathTo(dxf, at);
+        if (left == 0) PathTo(dxf, first);
+    }
+    EndPath(dxf);
+}
+
+static void DrawAttributeDefinition(DxfDecoder& dxf, DxfReader* reader) {
+    if (dxf.place->depth == 0) DrawDxfAttributeDefinition(dxf, reader);
+}
+
+static void DrawAttribute(DxfDecoder& dxf, DxfReader* reader) {
+    if (!dxf.attributesHidden && !(dxf.groups.Integer(70) & 1)) DrawDxfAttribute(dxf, reader);
+}
+
+// ---- The table
+
+// The coordinates that a kind's points are in.
+enum class Space { kWorld, kObject };
+
+struct DxfKind {
+    char name[24];
+    DxfKindFunction draw;
+    Space space;
+};
+// What is not here passes by, as do the kinds that show nothing: VIEWPORT, WIPEOUT, proxies.
+static constexpr DxfKind kKinds[] = {
+    {"LINE", DrawLine, Space::kWorld},
+    {"POINT", DrawPoint, Space::kWorld},
+    {"ARC", DrawArc, Space::kObject},
+    {"CIRCLE", DrawCircle, Space::kObject},
+    {"ELLIPSE", DrawEllipse, Space::kWorld},
+    {"LWPOLYLINE", DrawDxfLwPolyline, Space::kObject},
+    {"POLYLINE", DrawDxfPolyline, Space::kObject},
+    {"SPLINE", DrawDxfSpline, Space::kWorld},
+    {"HELIX", DrawDxfSpline, Space::kWorld},
+    {"SOLID", DrawSolid, Space::kObject},
+    {"TRACE", DrawSolid, Space::kObject},
+    {"3DFACE", Draw3dFace, Space::kWorld},
+    {"3DLINE", DrawLine, Space::kWorld},
+    {"TEXT", DrawDxfTextEntity, Space::kObject},
+    {"MTEXT", DrawDxfMText, Space::kWorld},
+    {"ATTRIB", DrawAttribute, Space::kObject},
+    {"ATTDEF", DrawAttributeDefinition, Space::kObject},
+    {"INSERT", DrawDxfInsert, Space::kObject},
+    {"DIMENSION", DrawDxfDimension, Space::kWorld},
+    {"ARC_DIMENSION", DrawDxfDimension, Space::kWorld},
+    {"LARGE_RADIAL_DIMENSION", DrawDxfDimension, Space::kWorld},
+    {"ACAD_TABLE", DrawDxfTable, Space::kWorld},
+    {"LEADER", DrawLeader, Space::kWorld},
+    {"MULTILEADER", DrawDxfMultiLeader, Space::kWorld},
+    {"MLEADER", DrawDxfMultiLeader, Space::kWorld},
+    {"HATCH", DrawDxfHatch, Space::kObject},
+    {"MPOLYGON", DrawDxfHatch, Space::kObject},
+    {"MLINE", DrawMLine, Space::kWorld},
+    {"RAY", DrawRay, Space::kWorld},
+    {"XLINE", DrawXLine, Space::kWorld},
+    {"IMAGE", DrawImage, Space::kWorld},
+    {"OLEFRAME", DrawOleFrame, Space::kWorld},
+    {"OLE2FRAME", DrawOleFrame, Space::kWorld},
+    {"MESH", DrawMesh, Space::kWorld},
+};
+
+// Kinds are found by length and first letters. Rows that share a slot are chained.
+constexpr unsigned SlotOfKind(unsigned length, unsigned first, unsigned second) {
+    return (length * 7 + first * 5 + second * 3) % 64;
+}
+struct KindIndex {
+    std::int8_t first[64];
+    std::int8_t next[std::size(kKinds)];
+};
+static constexpr KindIndex MakeKindIndex() {
+    KindIndex index = {};
+    for (std::int8_t& row : index.first) row = -1;
+    for (std::size_t row = std::size(kKinds); row-- > 0;) {
+        const char* const name = kKinds[row].name;
+        unsigned length = 0;
+        while (name[length]) ++length;
+        std::int8_t& slot =
+            index.first[SlotOfKind(length, static_cast<unsigned>(name[0]), static_cast<unsigned>(name[1]))];
+        index.next[row] = slot;
+        slot = static_cast<std::int8_t>(row);
+    }
+    return index;
+}
+static constexpr KindIndex kKindIndex = MakeKindIndex();
+
+static const DxfKind* FindKind(ByteView name) {
+    if (name.size < 3) return nullptr;
+    const unsigned slot = SlotOfKind(static_cast<unsigned>(name.size), name.data[0], name.data[1]);
+    for (int row = kKindIndex.first[slot]; row >= 0; row = kKindIndex.next[row]) {
+        const DxfKind& kind = kKinds[row];
+        if (std::strlen(kind.name) == name.size && MatchAt(name, 0, kind.name, name.size)) return &kind;
+    }
+    return nullptr;
+}
+
+// ---- What all kinds have in common
+
+static DxfLook LookOfLayer(DxfDecoder& dxf, ByteView name) {
+    if (dxf.layerName.data && name.size == dxf.layerName.size &&
+        std::memcmp(name.data, dxf.layerName.data, name.size) == 0) {
+        return dxf.layerLook;
+    }
+    DxfLook look;
+    if (const DxfNames::Row* row = dxf.tables.layers.Find(dxf.form, name)) {
+        look.frozen = row->value & kLayerFrozen;
+        look.off = row->value & kLayerOff;
+        look.pen = row->value & kLayerPen;
+    }
+    dxf.layerName = name;
+    dxf.layerLook = look;
+    return look;
+}
+
+DxfLook LookOfEntityLayer(DxfDecoder& dxf) {
+    const ByteView name = Trimmed(dxf.groups.Text(8));
+    const bool inherits = dxf.place->depth > 0 && (name.size == 0 || (name.size == 1 && name.data[0] == '0'));
+    return inherits ? dxf.place->layer : LookOfLayer(dxf, name);
+}
+
+static DxfLook LookOfEntity(DxfDecoder& dxf) {
+    DxfLook look = LookOfEntityLayer(dxf);
+    const ByteView type = Trimmed(dxf.groups.Text(6));
+    if (type.size == 0 || IsName(type, "BYLAYER")) return look;
+    if (IsName(type, "BYBLOCK")) {
+        look.pen = dxf.place->pen;
+    } else if (const DxfNames::Row* row = dxf.tables.lineTypes.Find(dxf.form, type)) {
+        look.pen = row->value;
+    } else {
+        look.pen = kSolidPen;
+    }
+    return look;
+}
+
+static bool HasOwnAxes(const DxfGroups& groups) {
+    if (!groups.Has(210) && !groups.Has(220) && !groups.Has(230)) return false;
+    const Vector3 n = NormalOf(groups);
+    return n.x != 0 || n.y != 0 || !(n.z > 0);
+}
+
+static void DrawEntity(DxfDecoder& dxf, const DxfKind& kind, DxfReader* reader) {
+    const DxfGroups& groups = dxf.groups;
+    if (dxf.place->depth == 0 && (groups.Integer(67) != 0) != dxf.paperSpace) return;
+    const bool isInsert = kind.draw == DrawDxfInsert;
+    if (isInsert) dxf.attributesHidden = true;
+    if (groups.Integer(60) != 0) return;
+    const DxfLook look = LookOfEntity(dxf);
+    if (look.frozen || (look.off && !isInsert)) return;
+    if (isInsert) dxf.attributesHidden = false;
+    dxf.pen = look.pen;
+    dxf.map = dxf.place->map;
+    if (kind.space == Space::kObject && HasOwnAxes(groups)) {
+        dxf.map = Compose(dxf.map, AxesOfNormal(NormalOf(groups)), {0, 0, 0});
+    }
+    kind.draw(dxf, reader);
+}
+
+// Records that belong to the entity before them and may be met without it.
+static bool IsPart(ByteView kind) { return IsName(kind, "VERTEX") || IsName(kind, "SEQEND"); }
+
+void DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
+    const bool inBlock = dxf.place->depth > 0;
+    DxfReader reader = {&dxf.form, begin};
+    DxfPair pair;
+    while (dxf.MayContinue() && reader.Next(&pair)) {
+        if (pair.code != 0) continue;
+        const ByteView name = Trimmed(pair.value);
+        const DxfKind* kind = FindKind(name);
+        if (!kind) {
+            if (IsName(name, "ENDSEC") || IsName(name, "ENDBLK") || IsName(name, "EOF")) return;
+            if (!inBlock && !IsPart(name)) ++dxf.entityCount;
+            continue;
+        }
+        if (!inBlock && kind->draw != DrawAttribute) ++dxf.entityCount;
+        const std::size_t before = reader.at;
+        dxf.groups.Read(&reader);
+        // What a block holds costs again each time that it is drawn.
+        if (inBlock && !dxf.budget.Charge(2 + static_cast<long long>((reader.at - before) / 16))) return;
+        DrawEntity(dxf, *kind, &reader);
+    }
+}

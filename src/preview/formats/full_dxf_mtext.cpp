@@ -1,0 +1,394 @@
+// Texts of several lines with codes inside, and MTEXT, which is such a text. Codes that change what a small picture
+// shows are followed (height, width, slant, stacked fractions, alignment), fonts and colours are taken out.
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "kit/numbers.h"
+#include "preview/formats/full_dxf_box.h"
+#include "preview/formats/full_dxf_decoder.h"
+
+namespace {
+
+using Look = DxfParagraphs::Look;
+
+constexpr std::size_t kMostCharacters = 1 << 15, kMostLooks = 4096;
+constexpr char16_t kBreak = u'\n';
+constexpr double kFractionHeight = 0.7, kLineDistance = 5.0 / 3;
+enum Level { kPlain = 0, kUpper = 1, kLower = 2, kLowerWithBar = 3 };
+
+// ---- Codes
+
+struct CodeReader {
+    DxfDecoder& dxf;
+    const std::u16string& s;
+    std::size_t at = 0;
+    Look look = {1, 1, 0, -1, kPlain, false, false, false};
+    std::vector<Look> outer = {};  // of the braces that are open
+    double textHeight = 1;
+
+    void Read();
+
+private:
+    void Put(char16_t c);
+    void TakeCode();
+    void TakeFraction(std::u16string_view parts);
+    bool TakePercent();
+    std::u16string_view Parameter();
+};
+
+void CodeReader::Put(char16_t c) {
+    DxfParagraphs& out = dxf.paragraphs;
+    if (out.characters.size() >= kMostCharacters) return;
+    const auto same = [&](const Look& a) {
+        return a.height == look.height && a.widthFactor == look.widthFactor &&
+               a.obliqueDegrees == look.obliqueDegrees && a.align == look.align && a.level == look.level &&
+               a.underlined == look.underlined && a.overlined == look.overlined && a.struckOut == look.struckOut;
+    };
+    if (out.looks.empty() || (!same(out.looks.back()) && out.looks.size() < kMostLooks)) out.looks.push_back(look);
+    out.characters.push_back(c);
+    out.lookOf.push_back(static_cast<std::uint16_t>(out.looks.size() - 1));
+}
+
+// Up to the semicolon that ends a code; an unended one reaches to the end.
+std::u16string_view CodeReader::Parameter() {
+    const std::size_t end = std::min(s.find(u';', at), s.size());
+    const std::u16string_view out = std::u16string_view(s).substr(at, end - at);
+    at = std::min(end + 1, s.size());
+    return out;
+}
+
+double NumberIn(std::u16string_view text) {
+    char digits[32];
+    std::size_t count = 0;
+    for (; count < text.size() && count < sizeof(digits) && text[count] < 128; ++count) {
+        digits[count] = static_cast<char>(text[count]);
+    }
+    return ParseDecimal({reinterpret_cast<const std::uint8_t*>(digits), count});
+}
+
+void CodeReader::TakeFraction(std::u16string_view parts) {
+    std::size_t bar = parts.find_first_of(u"^/#");
+    if (bar == std::u16string_view::npos) bar = parts.size();
+    const char16_t kind = bar < parts.size() ? parts[bar] : u'^';
+    const Look before = look;
+    const bool diagonal = kind == u'#';
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        if (i == bar) {
+            if (diagonal) Put(u'/');
+            continue;
+        }
+        if (parts[i] == u' ' && i == bar + 1) continue;
+        if (!diagonal) {
+            look.level = i < bar ? kUpper : kind == u'/' ? kLowerWithBar : kLower;
+            look.height = before.height * kFractionHeight;
+        }
+        Put(parts[i]);
+    }
+    look = before;
+}
+
+void CodeReader::TakeCode() {
+    constexpr double kMostFactor = 1000;
+    const char16_t code = s[at++];
+    switch (code) {
+        case u'P':
+        case u'N':
+        case u'X': Put(kBreak); break;
+        case u'~': Put(u'\u00A0'); break;
+        case u'\\':
+        case u'{':
+        case u'}': Put(code); break;
+        case u'L': look.underlined = true; break;
+        case u'l': look.underlined = false; break;
+        case u'O': look.overlined = true; break;
+        case u'o': look.overlined = false; break;
+        case u'K': look.struckOut = true; break;
+        case u'k': look.struckOut = false; break;
+        case u'A':
+        case u'C':
+        case u'c':
+        case u'F':
+        case u'f':
+        case u'T': Parameter(); break;
+        case u'H': {
+            const std::u16string_view text = Parameter();
+            const double value = NumberIn(text);
+            const bool relative = !text.empty() && (text.back() == u'x' || text.back() == u'X');
+            const double factor = relative ? look.height * value : value / textHeight;
+            if (factor > 1 / kMostFactor && factor < kMostFactor) look.height = factor;
+            break;
+        }
+        case u'W': {
+            const double factor = NumberIn(Parameter());
+            if (factor > 1 / kMostFactor && factor < kMostFactor) look.widthFactor = factor;
+            break;
+        }
+        case u'Q': look.obliqueDegrees = std::clamp(NumberIn(Parameter()), -85.0, 85.0); break;
+        case u'p': {
+            const std::u16string_view text = Parameter();
+            const std::size_t q = text.find(u'q');
+            const char16_t align = q == std::u16string_view::npos || q + 1 >= text.size() ? u'?' : text[q + 1];
+            if (align == u'l' || align == u'j') look.align = 0;
+            if (align == u'c') look.align = 1;
+            if (align == u'r') look.align = 2;
+            break;
+        }
+        case u'S': TakeFraction(Parameter()); break;
+        default:  // no code: shown as it stands
+            Put(u'\\');
+            Put(code);
+    }
+}
+
+bool CodeReader::TakePercent() {
+    if (s.compare(at, 2, u"%%") != 0) return false;
+    std::u16string code = s.substr(at, s.size() - at >= 5 && s[at + 2] >= '0' && s[at + 2] <= '9' ? 5 : 3);
+    const std::size_t length = code.size();
+    ResolveLineCodes(&code);
+    if (code.size() >= length) return false;
+    for (const char16_t c : code) Put(c);
+    at += length;
+    return true;
+}
+
+void CodeReader::Read() {
+    constexpr std::size_t kMostOuter = 64;
+    while (at < s.size() && dxf.MayContinue()) {
+        const char16_t c = s[at];
+        const char16_t next = at + 1 < s.size() ? s[at + 1] : u'\0';
+        if (c == u'\\' && next) {
+            ++at;
+            TakeCode();
+        } else if (c == u'{' || c == u'}') {
+            ++at;
+            if (c == u'{' && outer.size() < kMostOuter) outer.push_back(look);
+            if (c == u'}' && !outer.empty()) {
+                look = outer.back();
+                outer.pop_back();
+            }
+        } else if (c == u'^' && next) {
+            at += 2;
+            if (next == u'J') Put(kBreak);
+            else if (next == u' ') Put(u'^');
+            else if (next == u'I') Put(u'\t');
+            else if (next != u'M') Put(c), --at;
+        } else if (c == u'%' && TakePercent()) {
+        } else {
+            ++at;
+            if (c >= u' ') Put(c);
+        }
+    }
+}
+
+// ---- Lines
+
+double WidthOf(const DxfParagraphs& p, std::size_t i) {
+    constexpr char16_t kSpaces[] = u"    ";
+    const Look& look = p.looks[p.lookOf[i]];
+    const bool tab = p.characters[i] == u'\t';
+    return WidthOfText(tab ? kSpaces : &p.characters[i], tab ? 4 : 1, look.height) * look.widthFactor;
+}
+
+double HeightOf(const Look& look) { return look.level == kPlain ? look.height : look.height / kFractionHeight; }
+
+bool IsWideCharacter(char16_t c) { return c >= 0x2E80 && c < 0xD800; }
+
+// The lines between breaks, wrapped where they grow wider than `width` (in heights of the text; 0: never).
+void FindLines(DxfParagraphs* p, double width) {
+    constexpr std::size_t kMostLines = 4096;
+    std::size_t begin = 0, breakAt = 0;
+    double line = 0, sinceBreak = 0;
+    double upper = 0;  // of an open fraction
+    p->lines.clear();
+    const auto end = [&](std::size_t to, std::size_t next) {
+        if (p->lines.size() < kMostLines) p->lines.push_back({begin, to, 0});
+        begin = breakAt = next;
+    };
+    for (std::size_t i = 0; i < p->characters.size(); ++i) {
+        const char16_t c = p->characters[i];
+        if (c == kBreak) {
+            end(i, i + 1);
+            line = sinceBreak = 0;
+            continue;
+        }
+        if (c == u' ' || c == u'\t') {
+            breakAt = i + 1;
+            sinceBreak = 0;
+        } else if (IsWideCharacter(c)) {
+            breakAt = i;
+            sinceBreak = 0;
+        }
+        double advance = WidthOf(*p, i);
+        const int level = p->looks[p->lookOf[i]].level;
+        if (level == kUpper) upper += advance;
+        else if (level == kPlain) upper = 0;
+        else {  // the lower part stands under the upper one
+            const double under = std::min(upper, advance);
+            upper -= under;
+            advance -= under;
+        }
+        line += advance;
+        sinceBreak += advance;
+        if (width > 0 && line > width * 1.0001 && breakAt > begin && c != u' ') {
+            std::size_t to = breakAt;
+            while (to > begin && p->characters[to - 1] == u' ') --to;
+            end(to, breakAt);
+            line = sinceBreak;
+        }
+    }
+    end(p->characters.size(), p->characters.size());
+    for (DxfParagraphs::Line& row : p->lines) {
+        for (std::size_t i = row.begin; i < row.end; ++i)
+            row.height = std::max(row.height, HeightOf(p->looks[p->lookOf[i]]));
+        if (row.begin == row.end) {
+            const std::size_t at = std::min(row.begin, p->lookOf.size() - 1);
+            row.height = p->lookOf.empty() ? 1 : HeightOf(p->looks[p->lookOf[at]]);
+        }
+    }
+}
+
+// ---- Drawing
+
+struct Frame {
+    DxfDecoder& dxf;
+    const DxfParagraphPlace& place;
+
+    // A place in the text, in heights of its capitals.
+    Vector3 At(double x, double y) const {
+        const Vector3 &o = place.place.at, &a = place.place.along, &u = place.place.up;
+        x *= place.height, y *= place.height;
+        return {o.x + a.x * x + u.x * y, o.y + a.y * x + u.y * y, o.z + a.z * x + u.z * y};
+    }
+    void DrawRun(std::size_t begin, std::size_t end, double x, double y, int horizontal, double fitWidth) const;
+    void DrawLine(const DxfParagraphs::Line& line, double x, double y, int horizontal) const;
+};
+
+void Frame::DrawRun(std::size_t begin, std::size_t end, double x, double y, int horizontal, double fitWidth) const {
+    const Look& look = dxf.paragraphs.looks[dxf.paragraphs.lookOf[begin]];
+    UnicodeText text = {};
+    text.horizontal = horizontal;
+    text.text = dxf.paragraphs.characters.data() + begin;
+    text.length = end - begin;
+    text.underlined = look.underlined;
+    text.overlined = look.overlined;
+    text.struckOut = look.struckOut;
+    const DxfTextPlace at = {At(x, y), place.place.along, place.place.up};
+    if (PlaceText(dxf, at, look.height * place.height, look.widthFactor * place.widthFactor, fitWidth * place.height,
+                  look.obliqueDegrees, &text)) {
+        DrawDxfText(dxf, text);
+    }
+}
+
+// A line of one look is the sink's to align. One of several is laid out by the widths that we know.
+void Frame::DrawLine(const DxfParagraphs::Line& line, double x, double y, int horizontal) const {
+    const DxfParagraphs& p = dxf.paragraphs;
+    if (line.begin == line.end) return;
+    const int own = p.looks[p.lookOf[line.begin]].align;
+    if (own >= 0 && own != horizontal && place.width > 0) {
+        x += (own - horizontal) * place.width / place.height / 2;
+        horizontal = own;
+    }
+    if (p.lookOf[line.begin] == p.lookOf[line.end - 1] && p.looks[p.lookOf[line.begin]].level == kPlain) {
+        DrawRun(line.begin, line.end, x, y, horizontal, 0);
+        return;
+    }
+    for (const bool drawing : {false, true}) {  // measured first
+        double at = x, upperBegin = 0, upperEnd = 0;
+        for (std::size_t begin = line.begin; begin < line.end;) {
+            std::size_t end = begin;
+            double width = 0;
+            while (end < line.end && p.lookOf[end] == p.lookOf[begin]) width += WidthOf(p, end++) * place.widthFactor;
+            const Look& look = p.looks[p.lookOf[begin]];
+            const double full = HeightOf(look);
+            double from = at, base = y;
+            if (look.level == kUpper) {
+                upperBegin = at;
+                base += full * (1.05 - kFractionHeight + 0.2);
+            } else if (look.level != kPlain) {
+                from = upperBegin;
+                base -= full * 0.25;
+            }
+            if (drawing) DrawRun(begin, end, from, base, 0, width);
+            if (look.level == kLowerWithBar && drawing) {
+                const double barEnd = std::max(upperEnd, from + width);
+                DrawDxfLine(dxf, dxf.map.Point(At(from, y + full / 2)), dxf.map.Point(At(barEnd, y + full / 2)));
+            }
+            at = std::max(at, from + width);
+            if (look.level == kUpper) upperEnd = at;
+            begin = end;
+        }
+        if (!drawing) x -= (at - x) * horizontal / 2;
+    }
+}
+
+}  // namespace
+
+void DrawParagraphs(DxfDecoder& dxf, const DxfParagraphPlace& place) {
+    constexpr double kDescent = 0.28;
+    DxfParagraphs& p = dxf.paragraphs;
+    if (!(place.height > 0) || !IsDrawable(place.height)) return;
+    dxf.text.clear();
+    AppendUnicode(dxf.encoding, {reinterpret_cast<const std::uint8_t*>(p.bytes.data()), p.bytes.size()}, &dxf.text);
+    p.characters.clear();
+    p.lookOf.clear();
+    p.looks.clear();
+    CodeReader codes = {dxf, dxf.text};
+    codes.textHeight = place.height;
+    codes.Read();
+    if (p.characters.empty()) return;
+    FindLines(&p, place.width / place.height / place.widthFactor);
+
+    const double distance = kLineDistance * (place.spacing > 0.1 && place.spacing < 10 ? place.spacing : 1);
+    double total = p.lines[0].height;
+    for (std::size_t i = 1; i < p.lines.size(); ++i) total += p.lines[i].height * distance;
+    const int attachment = std::clamp(place.attachment, 1, 9) - 1;
+    double y = -p.lines[0].height;  // the first line's base
+    if (attachment / 3 == 1) y += total / 2;
+    if (attachment / 3 == 2) y += total + kDescent * p.lines.back().height;
+    const Frame frame = {dxf, place};
+    for (std::size_t i = 0; i < p.lines.size() && dxf.MayContinue(); ++i) {
+        if (i) y -= p.lines[i].height * distance;
+        frame.DrawLine(p.lines[i], 0, y, attachment % 3);
+    }
+}
+
+void AppendParagraphBytes(DxfDecoder& dxf, ByteView bytes) {
+    constexpr std::size_t kMostBytes = 1 << 17;
+    std::string& out = dxf.paragraphs.bytes;
+    const std::size_t room = kMostBytes - std::min(kMostBytes, out.size());
+    out.append(reinterpret_cast<const char*>(bytes.data), std::min(bytes.size, room));
+}
+
+Vector3 AlongText(Vector3 a) {
+    const double length = std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z);
+    return length > 0 && IsDrawable(length) ? Vector3{a.x / length, a.y / length, a.z / length} : Vector3{1, 0, 0};
+}
+
+Vector3 UpFromText(Vector3 n, Vector3 a) {
+    return {n.y * a.z - n.z * a.y, n.z * a.x - n.x * a.z, n.x * a.y - n.y * a.x};
+}
+
+void DrawDxfMText(DxfDecoder& dxf, DxfReader*) {
+    const DxfGroups& groups = dxf.groups;
+    DxfRecordWalk record(groups);
+    DxfPair pair;
+    dxf.paragraphs.bytes.clear();
+    while (record.Next(&pair)) {
+        if (pair.code == 1 || pair.code == 3) AppendParagraphBytes(dxf, pair.value);
+    }
+    const Axes3 axes = AxesOfNormal(NormalOf(groups));
+    const double angle = Radians(groups.Number(50)), c = std::cos(angle), s = std::sin(angle);
+    DxfParagraphPlace place;
+    place.place.at = PointOf(groups, 10);
+    place.place.along =
+        groups.Has(11) ? AlongText(PointOf(groups, 11))
+                       : Vector3{axes.x.x * c + axes.y.x * s, axes.x.y * c + axes.y.y * s, axes.x.z * c + axes.y.z * s};
+    place.place.up = UpFromText(axes.z, place.place.along);
+    place.height = groups.Number(40, 1);
+    place.width = std::max(groups.Number(41), 0.0);
+    place.spacing = groups.Number(44, 1);
+    place.attachment = groups.Integer(71, 1);
+    place.widthFactor = TextStyleOf(dxf, groups.Text(7)).widthFactor;
+    DrawParagraphs(dxf, place);
+}

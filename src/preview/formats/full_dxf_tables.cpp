@@ -1,0 +1,247 @@
+// One walk over the file finds the records that entities refer to by name. Rows beyond a table's bound are left out.
+#include "preview/formats/full_dxf_tables.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+static constexpr std::size_t kMostRows = 1 << 18;
+
+// ---- Records
+
+static bool IsEmbeddedObject(const DxfPair& pair) { return pair.code == 101; }
+
+void DxfGroups::Read(DxfReader* reader) {
+    form = reader->form;
+    begin = reader->at;
+    std::fill(std::begin(present), std::end(present), 0);
+    behindKept = kNowhere;
+    unsigned count = 0;
+    bool open = true;
+    for (;;) {
+        const std::size_t before = reader->at;
+        DxfPair& pair = kept[count];
+        if (!reader->Next(&pair)) break;
+        if (pair.code == 0) {
+            reader->at = before;
+            break;
+        }
+        if (!open) continue;
+        if (IsEmbeddedObject(pair)) {
+            open = false;
+            continue;
+        }
+        const auto code = static_cast<unsigned>(pair.code);
+        const std::uint64_t bit = std::uint64_t{1} << (code & 63);
+        const bool isNew = code < kCodes && !(present[code >> 6] & bit);
+        if (isNew) {
+            present[code >> 6] |= bit;
+            place[code] = static_cast<std::uint16_t>(count);
+        }
+        if (count < kKept) {
+            ++count;
+        } else {
+            if (behindKept == kNowhere) behindKept = before;
+            if (isNew) ++count;
+        }
+    }
+    keptCount = std::min(count, kKept);
+}
+
+int DxfGroups::Integer(int code, int missing) const {
+    constexpr long long kMost = 1 << 30;
+    if (!Has(code)) return missing;
+    return static_cast<int>(std::clamp(DxfInteger(*form, code, Value(code)), -kMost, kMost));
+}
+
+bool DxfRecordWalk::Next(DxfPair* pair) {
+    if (at < groups->keptCount) {
+        *pair = groups->kept[at++];
+        return true;
+    }
+    return groups->behindKept != kNowhere && NextInRecord(&reader, pair);
+}
+
+bool NextInRecord(DxfReader* reader, DxfPair* pair) {
+    return reader->Next(pair) && pair->code != 0 && !IsEmbeddedObject(*pair);
+}
+
+// ---- Names
+
+static std::uint32_t HashOfName(ByteView name) {
+    std::uint32_t hash = 2166136261u;
+    for (std::size_t i = 0; i < name.size; ++i) hash = (hash ^ (name.data[i] & ~0x20u)) * 16777619u;
+    return hash;
+}
+
+void DxfNames::Add(ByteView name, std::size_t begin, std::size_t pair) {
+    if (rows.size() >= kMostRows) return;
+    rows.push_back({HashOfName(Trimmed(name)), static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(pair), 0});
+}
+
+void DxfNames::Sort() {
+    std::sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) {
+        return a.hash != b.hash ? a.hash < b.hash : a.begin < b.begin;  // of two records the first one counts
+    });
+}
+
+static ByteView NameOfRow(const DxfForm& form, const DxfNames::Row& row) {
+    DxfReader reader = {&form, row.name};
+    DxfPair pair;
+    return reader.Next(&pair) ? Trimmed(pair.value) : ByteView{};
+}
+
+const DxfNames::Row* DxfNames::Find(const DxfForm& form, ByteView name) const {
+    constexpr int kMostTries = 8;  // names that share a hash are an attack
+    name = Trimmed(name);
+    const std::uint32_t hash = HashOfName(name);
+    auto row =
+        std::lower_bound(rows.begin(), rows.end(), hash, [](const Row& a, std::uint32_t b) { return a.hash < b; });
+    for (int i = 0; i < kMostTries && row != rows.end() && row->hash == hash; ++i, ++row) {
+        if (SameName(NameOfRow(form, *row), name)) return &*row;
+    }
+    return nullptr;
+}
+
+// ---- Line types
+
+struct PenName {
+    const char* name;
+    unsigned pen;
+};
+// A name that begins with a row's name is that row.
+static constexpr PenName kPenNames[] = {
+    {"CONTINUOUS", 0}, {"BORDER", 3},     {"CENTER", 3},     {"DASHDOT", 3},    {"DASHED", 2},     {"DIVIDE", 4},
+    {"DOT", 5},        {"HIDDEN", 6},     {"PHANTOM", 4},    {"ACAD_ISO02", 2}, {"ACAD_ISO03", 2}, {"ACAD_ISO04", 3},
+    {"ACAD_ISO05", 4}, {"ACAD_ISO06", 4}, {"ACAD_ISO07", 5}, {"ACAD_ISO08", 3}, {"ACAD_ISO09", 4}, {"ACAD_ISO10", 3},
+};
+
+// The pen whose pattern is nearest: strokes much shorter than the longest count as dots.
+static unsigned PenOfPattern(const DxfForm& form, std::size_t begin) {
+    constexpr int kMostStrokes = 16;
+    double strokes[kMostStrokes];
+    int count = 0;
+    DxfReader reader = {&form, begin};
+    DxfPair pair;
+    while (NextInRecord(&reader, &pair) && count < kMostStrokes) {
+        if (pair.code != 49) continue;
+        const double length = DxfNumber(form, 49, pair.value);
+        if (length >= 0) strokes[count++] = length;
+    }
+    if (count == 0) return 0;
+    const double longest = *std::max_element(strokes, strokes + count);
+    const auto dots = std::count_if(strokes, strokes + count, [&](double stroke) { return stroke * 3 <= longest; });
+    if (longest == 0) return 5;
+    return dots == 0 ? 2 : dots == 1 ? 3 : 4;
+}
+
+static unsigned PenOfLineType(const DxfForm& form, const DxfNames::Row& type) {
+    const ByteView name = NameOfRow(form, type);
+    for (const PenName& row : kPenNames) {
+        const std::size_t length = std::strlen(row.name);
+        if (name.size >= length && IsName({name.data, length}, row.name)) return row.pen;
+    }
+    return PenOfPattern(form, type.begin);
+}
+
+static std::uint32_t FlagsOfLayer(const DxfForm& form, const DxfNames& lineTypes, std::size_t begin) {
+    DxfGroups layer;
+    DxfReader reader = {&form, begin};
+    layer.Read(&reader);
+    std::uint32_t flags = 0;
+    if (layer.Integer(62) < 0) flags |= kLayerOff;
+    if (layer.Integer(70) & 1) flags |= kLayerFrozen;
+    if (const DxfNames::Row* lineType = lineTypes.Find(form, layer.Text(6))) flags |= lineType->value;
+    return flags;
+}
+
+// ---- The walk
+
+enum class Section { kNone, kHeader, kTables, kBlocks, kEntities, kOther };
+
+static Section SectionOf(ByteView name) {
+    name = Trimmed(name);
+    if (IsName(name, "HEADER")) return Section::kHeader;
+    if (IsName(name, "TABLES")) return Section::kTables;
+    if (IsName(name, "BLOCKS")) return Section::kBlocks;
+    if (IsName(name, "ENTITIES")) return Section::kEntities;
+    return Section::kOther;
+}
+
+static void TakeVariable(const DxfForm& form, ByteView name, const DxfPair& pair, DxfTables* out) {
+    if (IsName(name, "$ACADVER") && pair.code == 1) {
+        const ByteView text = Trimmed(pair.value);
+        if (MatchAt(text, 0, "AC")) {
+            out->version =
+                static_cast<int>(DxfInteger({}, 70, {text.data + 2, std::min<std::size_t>(text.size - 2, 4)}));
+        }
+    } else if (IsName(name, "$DWGCODEPAGE") && pair.code == 3) {
+        out->codePage = Trimmed(pair.value);
+    } else if (IsName(name, "$INSUNITS") && pair.code == 70) {
+        out->units = static_cast<int>(std::clamp(DxfInteger(form, pair.code, pair.value), 0ll, 999ll));
+    } else if (IsName(name, "$TITLE") && pair.code == 1) {
+        out->title = Trimmed(pair.value);
+    }
+}
+
+static DxfNames* TableOf(ByteView kind, DxfTables* tables) {
+    if (IsName(kind, "LAYER")) return &tables->layers;
+    if (IsName(kind, "LTYPE")) return &tables->lineTypes;
+    if (IsName(kind, "STYLE")) return &tables->styles;
+    return nullptr;
+}
+
+DxfTables SurveyDxf(const DxfForm& form, const std::atomic<std::int32_t>* goOn) {
+    DxfTables out;
+    Section section = Section::kNone;
+    DxfReader reader = {&form, form.begin};
+    DxfPair pair;
+    ByteView variable;
+    DxfNames* named = nullptr;  // where the record's name goes once it is read
+    std::size_t record = 0;
+    bool expectSection = false, hasBlocks = false, hasEntities = false;
+    for (std::size_t before = reader.at; reader.NextOrRemark(&pair); before = reader.at) {
+        if (pair.code == 0) {
+            if (goOn && goOn->load(std::memory_order_relaxed) != 1) break;
+            const ByteView kind = Trimmed(pair.value);
+            named = nullptr;
+            record = reader.at;
+            if (IsName(kind, "EOF")) break;
+            if (IsName(kind, "SECTION")) {
+                out.hasSections = expectSection = true;
+            } else if (IsName(kind, "ENDSEC")) {
+                section = Section::kOther;
+            } else if (section == Section::kTables) {
+                named = TableOf(kind, &out);
+            } else if (section == Section::kBlocks) {
+                if (IsName(kind, "BLOCK")) named = &out.blocks;
+            } else if (section == Section::kNone && out.entities == kNowhere) {
+                out.entities = before;  // entities alone
+            }
+        } else if (pair.code == 2 && expectSection) {
+            expectSection = false;
+            section = SectionOf(pair.value);
+            hasBlocks |= section == Section::kBlocks;
+            // Nothing behind the entities is asked for, where all else came before them as it should.
+            if (section == Section::kEntities && !hasEntities) out.entities = reader.at;
+            hasEntities |= section == Section::kEntities;
+            if (hasEntities && hasBlocks) break;
+        } else if (pair.code == 2 && named) {
+            named->Add(pair.value, record, before);
+            named = nullptr;
+        } else if (pair.code == 999) {
+            if (out.remarks == kNowhere) out.remarks = before;
+        } else if (section == Section::kHeader) {
+            if (pair.code == 9) variable = Trimmed(pair.value);
+            else TakeVariable(form, variable, pair, &out);
+        }
+    }
+    for (DxfNames* names : {&out.layers, &out.lineTypes, &out.styles, &out.blocks}) names->Sort();
+    for (DxfNames::Row& row : out.lineTypes.rows) row.value = PenOfLineType(form, row);
+    for (DxfNames::Row& row : out.layers.rows) row.value = FlagsOfLayer(form, out.lineTypes, row.begin);
+    out.layerCount = out.layers.rows.size();
+    for (const DxfNames::Row& row : out.blocks.rows) {
+        if (!MatchAt(NameOfRow(form, row), 0, "*")) ++out.blockCount;  // the file's own blocks, as a user counts
+    }
+    return out;
+}

@@ -1,0 +1,89 @@
+// What a DXF file says before and beside its entities: header, layers, line types, text styles and blocks. A table
+// holds places in the file, and a row is read again where it is needed.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <vector>
+
+#include "preview/formats/full_dxf_tokens.h"
+
+constexpr std::size_t kNowhere = SIZE_MAX;
+
+// The groups of one record, each code's first value. Codes from 256 up are nobody's; those behind an embedded object's
+// mark belong to that object.
+struct DxfGroups {
+    const DxfForm* form = nullptr;
+    std::size_t begin = 0;  // of its pairs, behind the one that names it
+    bool Has(int code) const { return present[code >> 6] >> (code & 63) & 1; }
+    ByteView Text(int code) const { return Has(code) ? Value(code) : ByteView{}; }
+    double Number(int code, double missing = 0) const {
+        return Has(code) ? DxfNumber(*form, code, Value(code)) : missing;
+    }
+    int Integer(int code, int missing = 0) const;  // clamped to +-2^30
+
+    // Reads a record's pairs and leaves the reader before the next record.
+    void Read(DxfReader* reader);
+
+private:
+    friend struct DxfRecordWalk;
+    static constexpr unsigned kCodes = 256, kKept = 512;
+    ByteView Value(int code) const { return kept[place[code]].value; }
+    std::uint64_t present[kCodes / 64] = {};
+    std::uint16_t place[kCodes];
+    DxfPair kept[kKept + kCodes + 1];  // the first pairs, so that a walk need not split them off again; behind them
+                                       // what the others have first, and the one that is being read
+    unsigned keptCount = 0;
+    std::size_t behindKept = 0;  // where the pairs that are not kept begin; kNowhere: there are none
+};
+
+// The pairs of a record again, for what it holds more than once. It needs the groups as they were read.
+struct DxfRecordWalk {
+    explicit DxfRecordWalk(const DxfGroups& record) : groups(&record), reader{record.form, record.behindKept} {}
+    bool Next(DxfPair* pair);  // false at the record's end
+
+private:
+    const DxfGroups* groups;
+    unsigned at = 0;
+    DxfReader reader;
+};
+
+// The same without groups, for a record that is read for one value.
+bool NextInRecord(DxfReader* reader, DxfPair* pair);
+
+// Records by name.
+struct DxfNames {
+    struct Row {
+        std::uint32_t hash;
+        std::uint32_t begin;  // of the record's pairs
+        std::uint32_t name;   // the pair that names it
+        std::uint32_t value;  // what the table's owner makes of it
+    };
+    std::vector<Row> rows;  // sorted by hash once the table is whole
+
+    void Add(ByteView name, std::size_t begin, std::size_t pair);
+    void Sort();
+    const Row* Find(const DxfForm& form, ByteView name) const;
+};
+
+enum LayerFlag : std::uint32_t { kLayerPen = 15, kLayerOff = 16, kLayerFrozen = 32 };
+
+struct DxfTables {
+    DxfNames layers;     // value: LayerFlag
+    DxfNames lineTypes;  // value: pen
+    DxfNames styles;
+    DxfNames blocks;
+
+    int version = 0;  // the number in "AC1015"; 0: not stated
+    ByteView codePage, title;
+    int units = 0;                   // $INSUNITS
+    std::size_t remarks = kNowhere;  // the first one's pair
+
+    bool hasSections = false;
+    std::size_t entities = kNowhere;  // where they begin
+    std::size_t layerCount = 0, blockCount = 0;
+};
+
+// Goes through what comes before the entities, and through all where that is not enough; ends early when `goOn`, which
+// may be null, is no longer 1.
+DxfTables SurveyDxf(const DxfForm& form, const std::atomic<std::int32_t>* goOn);

@@ -1,0 +1,238 @@
+// Text form: lines in pairs. A line that should be a group code and is no number is left out, so that a file that has
+// lost a line comes back into step at the next pair.
+//
+// Binary form: a signature, then group codes of one byte (255: two more follow) or of two, each before a value whose
+// form its code tells.
+#include "preview/formats/full_dxf_tokens.h"
+
+#include <algorithm>
+
+#include "kit/numbers.h"
+#include "kit/sjis.h"
+
+// ---- Form
+
+static constexpr char kBinarySignature[] = "AutoCAD Binary DXF\r\n\x1A";  // and the zero behind it
+static constexpr std::size_t kBinaryBegin = sizeof(kBinarySignature);
+
+DxfForm DxfFormOf(ByteView file) {
+    DxfForm form;
+    form.file = file;
+    if (MatchAt(file, 0, kBinarySignature, kBinaryBegin)) {
+        form.binary = true;
+        form.begin = kBinaryBegin;
+        // The first pair is 0 and "SECTION" or a remark: behind a code of two bytes stands no letter yet.
+        form.wideCodes = file.size > kBinaryBegin + 1 && file.data[kBinaryBegin + 1] < ' ';
+        return form;
+    }
+    if (MatchAt(file, 0, "\xEF\xBB\xBF")) {
+        form.byteOrderMark = true;
+        form.begin = 3;
+    }
+    constexpr std::size_t kLook = 4096;
+    const auto* const head = file.data;
+    if (file.size && !std::memchr(head, '\n', std::min(file.size, kLook)) &&
+        std::memchr(head, '\r', std::min(file.size, kLook))) {
+        form.lineEnd = '\r';
+    }
+    return form;
+}
+
+// ---- Text form
+
+// Where the byte stands, or `end`. Most lines are shorter than one look.
+static inline const std::uint8_t* FindByte(const std::uint8_t* at, const std::uint8_t* end, std::uint8_t byte) {
+    const __m128i wanted = _mm_set1_epi8(static_cast<char>(byte));
+    for (; end - at >= 16; at += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+        const int found = _mm_movemask_epi8(_mm_cmpeq_epi8(bytes, wanted));
+        if (found) return at + LowestBit(static_cast<std::uint32_t>(found));
+    }
+    while (at != end && *at != byte) ++at;
+    return at;
+}
+
+// The line at *at, without its end; *at moves behind it. A run of carriage returns before a line feed is one end.
+static inline ByteView TakePairLine(const DxfForm& form, std::size_t* at) {
+    const std::uint8_t* const begin = form.file.data + *at;
+    const std::uint8_t* const fileEnd = form.file.data + form.file.size;
+    const std::uint8_t* end = FindByte(begin, fileEnd, form.lineEnd);
+    const bool stop = end != fileEnd;
+    *at = static_cast<std::size_t>(end - form.file.data) + (stop ? 1 : 0);
+    while (end != begin && end[-1] == '\r') --end;
+    return {begin, static_cast<std::size_t>(end - begin)};
+}
+
+static bool IsBlank(std::uint8_t byte) { return byte == ' ' || byte == '\t'; }
+
+// False when the line is no group code.
+static inline bool ParseCode(ByteView line, int* code) {
+    const std::uint8_t* at = line.data;
+    const std::uint8_t* const end = at + line.size;
+    while (at != end && IsBlank(*at)) ++at;
+    const bool negative = at != end && *at == '-';
+    if (negative) ++at;
+    int value = 0;
+    const std::uint8_t* const digits = at;
+    for (; at != end && *at >= '0' && *at <= '9' && at - digits < 5; ++at) value = value * 10 + (*at - '0');
+    if (at == digits) return false;
+    while (at != end && IsBlank(*at)) ++at;
+    *code = negative ? -value : value;
+    return at == end;
+}
+
+// The code of a line that holds nothing else than blanks and one to four digits; null when it is another one.
+static inline const std::uint8_t* TakePlainCode(const std::uint8_t* at, const std::uint8_t* end, std::uint8_t lineEnd,
+                                                int* code) {
+    if (end - at < 16) return nullptr;  // the line and its end are well inside then
+    while (*at == ' ') {
+        if (++at == end) return nullptr;
+    }
+    if (end - at < 8) return nullptr;
+    int value = 0;
+    const std::uint8_t* const digits = at;
+    for (unsigned digit; at - digits < 4 && (digit = *at - unsigned{'0'}) < 10; ++at)
+        value = value * 10 + static_cast<int>(digit);
+    if (at == digits) return nullptr;
+    if (*at == '\r' && lineEnd != '\r') ++at;
+    if (*at != lineEnd) return nullptr;
+    *code = value;
+    return at + 1;
+}
+
+bool DxfReader::NextText(DxfPair* pair) {
+    const std::size_t size = form->file.size;
+    while (at < size) {
+        const std::uint8_t* const data = form->file.data;
+        if (const std::uint8_t* value = TakePlainCode(data + at, data + size, form->lineEnd, &pair->code)) {
+            at = static_cast<std::size_t>(value - data);
+            pair->value = TakePairLine(*form, &at);
+            return true;
+        }
+        const ByteView line = TakePairLine(*form, &at);
+        if (!ParseCode(line, &pair->code)) continue;
+        if (at >= size) return false;
+        pair->value = TakePairLine(*form, &at);
+        return true;
+    }
+    return false;
+}
+
+// ---- Binary form
+
+enum class ValueForm { kString, kDouble, kInt16, kInt32, kInt64, kByte, kChunk };
+
+struct CodeRange {
+    int last;
+    ValueForm form;
+};
+// Each row reaches from behind the one before to its last code.
+static constexpr CodeRange kCodeRanges[] = {
+    {9, ValueForm::kString},    {59, ValueForm::kDouble},   {79, ValueForm::kInt16},    {89, ValueForm::kString},
+    {99, ValueForm::kInt32},    {109, ValueForm::kString},  {149, ValueForm::kDouble},  {159, ValueForm::kString},
+    {169, ValueForm::kInt64},   {179, ValueForm::kInt16},   {209, ValueForm::kString},  {239, ValueForm::kDouble},
+    {269, ValueForm::kString},  {289, ValueForm::kInt16},   {299, ValueForm::kByte},    {309, ValueForm::kString},
+    {319, ValueForm::kChunk},   {369, ValueForm::kString},  {389, ValueForm::kInt16},   {399, ValueForm::kString},
+    {409, ValueForm::kInt16},   {419, ValueForm::kString},  {429, ValueForm::kInt32},   {439, ValueForm::kString},
+    {459, ValueForm::kInt32},   {469, ValueForm::kDouble},  {1003, ValueForm::kString}, {1004, ValueForm::kChunk},
+    {1009, ValueForm::kString}, {1059, ValueForm::kDouble}, {1070, ValueForm::kInt16},  {1071, ValueForm::kInt32},
+};
+
+static ValueForm FormOfCode(int code) {
+    for (const CodeRange& range : kCodeRanges) {
+        if (code <= range.last) return range.form;
+    }
+    return ValueForm::kString;
+}
+
+bool DxfReader::NextBinary(DxfPair* pair) {
+    const ByteView file = form->file;
+    std::uint8_t small = 0;
+    std::uint16_t wide = 0;
+    if (form->wideCodes) {
+        if (!ReadAt(file, at, &wide)) return false;
+        at += 2;
+    } else {
+        if (!ReadAt(file, at, &small)) return false;
+        ++at;
+        wide = small;
+        if (small == 255) {
+            if (!ReadAt(file, at, &wide)) return false;
+            at += 2;
+        }
+    }
+    pair->code = wide;
+    std::size_t size = 0;
+    switch (FormOfCode(pair->code)) {
+        case ValueForm::kString: {
+            const std::size_t left = file.size - at;
+            const auto* const begin = file.data + at;
+            const auto* const end = left ? static_cast<const std::uint8_t*>(std::memchr(begin, 0, left)) : nullptr;
+            if (!end) return false;
+            pair->value = {begin, static_cast<std::size_t>(end - begin)};
+            at += pair->value.size + 1;
+            return true;
+        }
+        case ValueForm::kDouble:
+        case ValueForm::kInt64: size = 8; break;
+        case ValueForm::kInt32: size = 4; break;
+        case ValueForm::kInt16: size = 2; break;
+        case ValueForm::kByte: size = 1; break;
+        case ValueForm::kChunk:
+            if (!ReadAt(file, at, &small)) return false;
+            ++at;
+            size = small;
+            break;
+    }
+    if (file.size - at < size) return false;
+    pair->value = {file.data + at, size};
+    at += size;
+    return true;
+}
+
+// ---- Values
+
+template <typename T>
+static T BinaryValue(ByteView value) {
+    T number = 0;
+    ReadAt(value, 0, &number);
+    return number;
+}
+
+static long long BinaryInteger(int code, ByteView value) {
+    switch (FormOfCode(code)) {
+        case ValueForm::kInt16: return BinaryValue<std::int16_t>(value);
+        case ValueForm::kInt32: return BinaryValue<std::int32_t>(value);
+        case ValueForm::kInt64: return BinaryValue<std::int64_t>(value);
+        case ValueForm::kByte: return BinaryValue<std::uint8_t>(value);
+        default: return 0;
+    }
+}
+
+double DxfNumber(const DxfForm& form, int code, ByteView value) {
+    if (!form.binary) return ParseDecimal(value);
+    if (FormOfCode(code) == ValueForm::kDouble) return BinaryValue<double>(value);
+    return static_cast<double>(BinaryInteger(code, value));
+}
+
+long long DxfInteger(const DxfForm& form, int code, ByteView value) {
+    if (!form.binary || FormOfCode(code) == ValueForm::kDouble) return TruncToInt64(DxfNumber(form, code, value));
+    return BinaryInteger(code, value);
+}
+
+// ---- Names
+
+ByteView Trimmed(ByteView text) {
+    while (text.size && text.data[0] <= ' ') ++text.data, --text.size;
+    while (text.size && text.data[text.size - 1] <= ' ') --text.size;
+    return text;
+}
+
+static std::uint8_t Upper(std::uint8_t byte) {
+    return byte >= 'a' && byte <= 'z' ? static_cast<std::uint8_t>(byte - 0x20) : byte;
+}
+
+bool SameName(ByteView a, ByteView b) {
+    return a.size == b.size && std::equal(a.data, a.data + a.size, b.data,
+                                          [](std::uint8_t x, std::uint8_t y) { return Upper(x) == Upper(y); });
+}
