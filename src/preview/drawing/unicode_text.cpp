@@ -51,23 +51,11 @@ static double CapitalOf(HDC dc, UnicodeFonts* fonts) {
     return fonts->capital;
 }
 
-// What is too small to be read is a line where the text would stand.
-static void DrawTrace(HDC dc, const XFORM& frame, double left, double right, double middle) {
-    const auto at = [&](double x) -> POINT {
-        return {std::lround(frame.eM11 * x + frame.eM21 * middle + frame.eDx),
-                std::lround(frame.eM12 * x + frame.eM22 * middle + frame.eDy)};
-    };
-    const POINT from = at(left), to = at(right);
-    MoveToEx(dc, from.x, from.y, nullptr);
-    LineTo(dc, to.x, to.y);
-}
-
 void DrawUnicodeText(HDC dc, const ViewTransform& view, const UnicodeText& text, UnicodeFonts* fonts) {
-    constexpr double kLeastPixels = 2.5;  // of a capital that can be read
     constexpr std::size_t kMostLength = 2048;
     const double capitalPixels = text.height * view.scaleX;
     const double em = capitalPixels / CapitalOf(dc, fonts);
-    if (!(capitalPixels >= 0.25) || !(em <= kMaxTextPixels)) return;
+    if (!(capitalPixels >= 0.5) || !(em <= kMaxTextPixels)) return;
     const auto whole = std::max(static_cast<std::int32_t>(em + 0.5), 4);
     const HFONT font = FontOf(fonts, whole);
     if (!font) return;
@@ -98,11 +86,7 @@ void DrawUnicodeText(HDC dc, const ViewTransform& view, const UnicodeText& text,
     const double capital = whole * fonts->capital;  // font pixels
     const double raises[] = {0, kDescent, -0.5, -1};
     const double base = -raises[text.vertical & 3] * capital;  // the base line, downward from the anchor
-    const double left = -size.cx * text.horizontal / 2.0, right = left + size.cx;
-    if (capitalPixels < kLeastPixels) {
-        DrawTrace(dc, frame, left, right, base - capital / 2);
-        return;
-    }
+    const double left = -size.cx * text.horizontal / 2.0;
     const int mode = SetGraphicsMode(dc, GM_ADVANCED);
     if (!SetWorldTransform(dc, &frame)) return;
     const UINT align = SetTextAlign(dc, TA_BASELINE | TA_LEFT);

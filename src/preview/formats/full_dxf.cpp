@@ -19,25 +19,40 @@ static constexpr DxfSpace kSpaces[] = {
 
 static constexpr long long kLeastBudget = 1'000'000;
 
-static void DrawSpace(DxfDecoder& dxf, const DxfSpace& space) {
+// Tells where the walk ended.
+static std::size_t DrawSpace(DxfDecoder& dxf, const DxfSpace& space) {
     DxfPlace place;
     dxf.place = &place;
     dxf.paperSpace = space.paper;
     dxf.budget.left = kLeastBudget + static_cast<long long>(dxf.form.file.size);
-    dxf.layerName = {};
     if (!space.block) {
         dxf.entityCount = 0;
-        if (dxf.tables.entities != kNowhere) DrawDxfEntities(dxf, dxf.tables.entities);
-        return;
+        return dxf.tables.entities == kNowhere ? dxf.form.file.size : DrawDxfEntities(dxf, dxf.tables.entities);
     }
     const ByteView name = {reinterpret_cast<const std::uint8_t*>(space.block), std::strlen(space.block)};
     const DxfNames::Row* const row = dxf.tables.blocks.Find(dxf.form, name);
-    if (!row) return;
+    if (!row) return dxf.form.file.size;
     DxfReader reader = {&dxf.form, row->begin};
     dxf.groups.Read(&reader);
     place.depth = 1;  // its entities say no longer which space they are in
     place.block = row->begin;
-    DrawDxfEntities(dxf, reader.at);
+    return DrawDxfEntities(dxf, reader.at);
+}
+
+// The first space that shows something, and its box; null when there is none.
+static const DxfSpace* MeasureDrawing(DxfDecoder& dxf, BoxSink* measure, WorldRect* box) {
+    const std::size_t end = DrawSpace(dxf, kSpaces[0]);
+    // Files have their tables and blocks in front of the entities. Should some stand behind, all begins anew.
+    if (SurveyDxf(dxf.form, end, *measure->goOn, &dxf.tables)) {
+        measure->Clear();
+        for (auto& known : dxf.layers) known.name = {};
+        DrawSpace(dxf, kSpaces[0]);
+    }
+    for (const DxfSpace& space : kSpaces) {
+        if (&space != kSpaces) DrawSpace(dxf, space);
+        if (measure->Box(box)) return &space;
+    }
+    return nullptr;
 }
 
 // With a margin, and never without area.
@@ -52,32 +67,26 @@ static WorldRect WithMargin(const WorldRect& box) {
 bool DecodeFullDxf(ByteView file, Comment* comment, DrawingSink* sink) {
     if (file.size == 0 || file.size > UINT32_MAX) return false;
     static const std::atomic<std::int32_t> kAlways{1};
+    BoxSink measure;
+    measure.goOn = sink ? sink->goOn : &kAlways;
     DxfDecoder dxf;
     dxf.form = DxfFormOf(file);
-    dxf.tables = SurveyDxf(dxf.form, sink ? sink->goOn : &kAlways);
+    SurveyDxf(dxf.form, dxf.form.begin, *measure.goOn, &dxf.tables);
     if (!dxf.tables.hasSections && dxf.tables.entities == kNowhere) return false;
     dxf.encoding = EncodingOf(dxf.form, dxf.tables);
 
-    BoxSink measure;
-    measure.goOn = sink ? sink->goOn : &kAlways;
-    dxf.sink = &measure;
+    dxf.sink = dxf.box = &measure;
     WorldRect box = {0, 0, 1, 1};
-    bool found = false;
-    const DxfSpace* space = kSpaces;
-    for (const DxfSpace& candidate : kSpaces) {
-        if (found) break;
-        space = &candidate;
-        DrawSpace(dxf, candidate);
-        found = measure.Box(&box);
-    }
+    const DxfSpace* const space = MeasureDrawing(dxf, &measure, &box);
     if (!measure.MayContinue()) return false;
-    if (comment && comment->end) AppendDxfComment(comment, dxf, found ? &measure.all : nullptr);
+    if (comment && comment->end) AppendDxfComment(comment, dxf, space ? &measure.all : nullptr);
     if (!sink) return true;
 
     if (!sink->fit(*sink, WithMargin(box), DrawingSink::kWipe)) return false;
     dxf.sink = sink;
+    dxf.box = nullptr;
     dxf.pixel = 1 / sink->view.scaleX;
     if (!(dxf.pixel > 0) || !std::isfinite(dxf.pixel)) return true;  // a target without area
-    if (found) DrawSpace(dxf, *space);
+    if (space) DrawSpace(dxf, *space);
     return sink->MayContinue();
 }

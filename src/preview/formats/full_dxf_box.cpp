@@ -162,6 +162,19 @@ void BoxSink::Grow(const WorldRect& element) {
     for (int side = 0; side < 4; ++side) Keep(&extremes[side], side, element);
 }
 
+bool BoxSink::Matters(const WorldRect& box) const {
+    for (int side = 0; side < 4; ++side) {
+        const Extremes& rows = extremes[side];
+        if (rows.count < kMost || !(Reach(box, side) <= Reach(rows.rows[kMost - 1], side))) return true;
+    }
+    return false;
+}
+
+void BoxSink::Clear() {
+    count = 0;
+    for (Extremes& side : extremes) side.count = 0;
+}
+
 bool BoxSink::Box(WorldRect* box) {
     if (count == 0) return false;
     constexpr double kGap = 32;

@@ -10,9 +10,12 @@
 struct BoxSink : DrawingSink {
     BoxSink();
 
+    void Clear();
     // The box of all that was drawn but strays; false when nothing was.
     bool Box(WorldRect* box);
     void Grow(const WorldRect& element);
+    // Whether elements that all lie in the box could change the result otherwise than by their number.
+    bool Matters(const WorldRect& box) const;
 
     std::size_t count = 0;
     WorldRect all = {};

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "preview/formats/full_dxf_box.h"
 #include "preview/formats/full_dxf_geometry.h"
 #include "preview/formats/full_dxf_tables.h"
 #include "preview/formats/full_dxf_unicode.h"
@@ -67,6 +68,13 @@ struct DxfSpline {
     void Clear();
 };
 
+// What a block of the drawing covers in its own coordinates, measured once: most inserts lie where they cannot matter.
+struct DxfBlockBox {
+    std::uint32_t block = 0;
+    WorldRect box = {};
+    std::size_t count = 0;
+};
+
 // Where a line of a hatch pattern crosses the boundary.
 struct DxfCrossing {
     long long line;
@@ -99,6 +107,7 @@ struct DxfDecoder {
     DxfTables tables;
     DxfEncoding encoding;
     DrawingSink* sink = nullptr;
+    BoxSink* box = nullptr;  // the sink while the drawing is measured
     DxfBudget budget;
     double pixel = 0;             // drawing units; 0 while the drawing is measured
     bool paperSpace = false;      // which of the two is drawn
@@ -115,15 +124,18 @@ struct DxfDecoder {
     DxfPoints path;
     DxfSpline spline;
     std::vector<WorldPoint> corners;  // of meshes
-    std::vector<int> outlineFlags;    // of hatches
+    DxfBlockBox blockBoxes[64];
+    std::vector<int> outlineFlags;  // of hatches
     std::vector<DxfCrossing> crossings;
     std::u16string text;
     DxfParagraphs paragraphs;
-    ByteView layerName;  // of the entity before, and what it means
-    DxfLook layerLook;
+    struct {
+        ByteView name;
+        DxfLook look;
+    } layers[64];  // met last, by length and end of their names
 
     bool MayContinue() const { return sink->MayContinue(); }
-    bool IsMeasuring() const { return pixel == 0; }
+    bool IsMeasuring() const { return box != nullptr; }
 };
 
 // ---- What draws (full_dxf_strokes.cpp); all in the drawing's plane
@@ -146,8 +158,8 @@ int SegmentsOfTurn(DxfDecoder& dxf, double radius, double sweep);
 
 // ---- Entities (full_dxf_entities.cpp)
 
-// Draws the entities from `begin` to the end of their section or block.
-void DrawDxfEntities(DxfDecoder& dxf, std::size_t begin);
+// Draws the entities from `begin` to the end of their section or block, and tells where that is.
+std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin);
 
 // What the layer of the entity in dxf.groups says; layer 0 of a block is that of the insert.
 DxfLook LookOfEntityLayer(DxfDecoder& dxf);

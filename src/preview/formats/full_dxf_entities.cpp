@@ -311,9 +311,10 @@ static const DxfKind* FindKind(ByteView name) {
 // ---- What all kinds have in common
 
 static DxfLook LookOfLayer(DxfDecoder& dxf, ByteView name) {
-    if (dxf.layerName.data && name.size == dxf.layerName.size &&
-        std::memcmp(name.data, dxf.layerName.data, name.size) == 0) {
-        return dxf.layerLook;
+    const std::size_t end = name.size < 2 ? 0 : name.data[name.size - 1] + 10u * name.data[name.size - 2];
+    auto& known = dxf.layers[(end + name.size * 7) % std::size(dxf.layers)];
+    if (known.name.data && name.size == known.name.size && std::memcmp(name.data, known.name.data, name.size) == 0) {
+        return known.look;
     }
     DxfLook look;
     if (const DxfNames::Row* row = dxf.tables.layers.Find(dxf.form, name)) {
@@ -321,8 +322,7 @@ static DxfLook LookOfLayer(DxfDecoder& dxf, ByteView name) {
         look.off = row->value & kLayerOff;
         look.pen = row->value & kLayerPen;
     }
-    dxf.layerName = name;
-    dxf.layerLook = look;
+    known = {name, look};
     return look;
 }
 
@@ -372,7 +372,7 @@ static void DrawEntity(DxfDecoder& dxf, const DxfKind& kind, DxfReader* reader) 
 // Records that belong to the entity before them and may be met without it.
 static bool IsPart(ByteView kind) { return IsName(kind, "VERTEX") || IsName(kind, "SEQEND"); }
 
-void DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
+std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
     const bool inBlock = dxf.place->depth > 0;
     DxfReader reader = {&dxf.form, begin};
     DxfPair pair;
@@ -381,7 +381,7 @@ void DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
         const ByteView name = Trimmed(pair.value);
         const DxfKind* kind = FindKind(name);
         if (!kind) {
-            if (IsName(name, "ENDSEC") || IsName(name, "ENDBLK") || IsName(name, "EOF")) return;
+            if (IsName(name, "ENDSEC") || IsName(name, "ENDBLK") || IsName(name, "EOF")) break;
             if (!inBlock && !IsPart(name)) ++dxf.entityCount;
             continue;
         }
@@ -389,7 +389,8 @@ void DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
         const std::size_t before = reader.at;
         dxf.groups.Read(&reader);
         // What a block holds costs again each time that it is drawn.
-        if (inBlock && !dxf.budget.Charge(2 + static_cast<long long>((reader.at - before) / 16))) return;
+        if (inBlock && !dxf.budget.Charge(2 + static_cast<long long>((reader.at - before) / 16))) break;
         DrawEntity(dxf, *kind, &reader);
     }
+    return reader.at;
 }

@@ -4,6 +4,7 @@
 // than half of the budget that is left, so one that multiplies without end leaves something for those behind it.
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "preview/formats/full_dxf_box.h"
 #include "preview/formats/full_dxf_decoder.h"
@@ -52,19 +53,48 @@ void DrawAt(DxfDecoder& dxf, const Block& block, DxfPlace place, WorldPoint move
     dxf.place = outer;
 }
 
-// What a block covers at the first place of its grid; false when it shows nothing.
-bool Measure(DxfDecoder& dxf, const Block& block, const DxfPlace& place, WorldRect* box) {
+// What a block covers at its place, and of how many elements.
+std::size_t Measure(DxfDecoder& dxf, const Block& block, const DxfPlace& place, WorldRect* box) {
     BoxSink measure;
     measure.goOn = dxf.sink->goOn;
     DrawingSink* const sink = dxf.sink;
+    BoxSink* const outer = dxf.box;
     const double pixel = dxf.pixel;
-    dxf.sink = &measure;
+    dxf.sink = dxf.box = &measure;
     dxf.pixel = 0;
     DrawAt(dxf, block, place, {0, 0});
     dxf.sink = sink;
+    dxf.box = outer;
     dxf.pixel = pixel;
     *box = measure.all;
-    return measure.count > 0;
+    return measure.count;
+}
+
+// The box around a mapped one.
+WorldRect BoxOfMapped(const PlaneMap& map, const WorldRect& box) {
+    WorldRect out = {};
+    for (int corner = 0; corner < 4; ++corner) {
+        const WorldPoint p = map.Point({corner & 1 ? box.maxX : box.minX, corner & 2 ? box.maxY : box.minY, 0});
+        if (corner == 0) out = {p.x, p.y, p.x, p.y};
+        out = {std::min(out.minX, p.x), std::min(out.minY, p.y), std::max(out.maxX, p.x), std::max(out.maxY, p.y)};
+    }
+    return out;
+}
+
+// Whether a block need not be gone through again to measure the drawing. Only upright inserts of the drawing itself
+// have maps that a flat box can go through.
+bool CannotMatter(DxfDecoder& dxf, const Block& block, const DxfPlace& place) {
+    if (!dxf.IsMeasuring() || place.depth != 1 || place.map.xz != 0 || place.map.yz != 0) return false;
+    DxfBlockBox& known = dxf.blockBoxes[block.begin % std::size(dxf.blockBoxes)];
+    if (known.block != block.begin) {
+        DxfPlace upright = place;
+        upright.map = kFromAbove;
+        known.count = Measure(dxf, block, upright, &known.box);
+        known.block = block.begin;
+    }
+    if (known.count && dxf.box->Matters(BoxOfMapped(place.map, known.box))) return false;
+    dxf.box->count += known.count;
+    return true;
 }
 
 struct Range {
@@ -88,7 +118,7 @@ void DrawGrid(DxfDecoder& dxf, const Block& block, const DxfPlace& place, const 
         rows.step = std::max(grid.rows - 1, 1);
     } else if (static_cast<long long>(grid.columns) * grid.rows > kFewPlaces) {
         WorldRect box;
-        if (!Measure(dxf, block, place, &box)) return;
+        if (Measure(dxf, block, place, &box) == 0) return;
         // The places that can be seen are those whose offset from the first lies in the window less the box.
         const ViewTransform& view = dxf.sink->view;
         const double minX = view.worldMinX - box.maxX, maxX = view.worldMaxX - box.minX;
@@ -134,7 +164,7 @@ void DrawBlock(DxfDecoder& dxf, ByteView name, const PlaneMap& map, const DxfLoo
     place.pen = dxf.pen;
     const long long kept = depth == 1 ? dxf.budget.left / 2 : 0;
     dxf.budget.left -= kept;
-    DrawGrid(dxf, block, place, grid);
+    if (grid.columns > 1 || grid.rows > 1 || !CannotMatter(dxf, block, place)) DrawGrid(dxf, block, place, grid);
     dxf.budget.left += kept;
 }
 

@@ -24,6 +24,7 @@ struct Polyline {
     void Finish(bool closed);
 
 private:
+    bool BulgeCannotMatter(const Vertex& from, const Vertex& to) const;
     void DrawSegment(const Vertex& from, const Vertex& to);
     void DrawBand(const Vertex& from, const Vertex& to);
 };
@@ -62,6 +63,18 @@ void Polyline::DrawBand(const Vertex& from, const Vertex& to) {
     EndPath(dxf);
 }
 
+// While the drawing is measured: whether an arc lies where its box changes nothing. Up to a semicircle it stays within
+// half its chord.
+bool Polyline::BulgeCannotMatter(const Vertex& from, const Vertex& to) const {
+    if (!dxf.IsMeasuring() || std::fabs(from.bulge) > 1) return false;
+    const WorldPoint a = dxf.map.Point({from.x, from.y, from.z}), b = dxf.map.Point({to.x, to.y, from.z});
+    const double stretch =
+        std::fabs(dxf.map.xx) + std::fabs(dxf.map.xy) + std::fabs(dxf.map.yx) + std::fabs(dxf.map.yy);
+    const double room = (std::fabs(to.x - from.x) + std::fabs(to.y - from.y)) * stretch;
+    return !dxf.box->Matters(
+        {std::min(a.x, b.x) - room, std::min(a.y, b.y) - room, std::max(a.x, b.x) + room, std::max(a.y, b.y) + room});
+}
+
 void Polyline::DrawSegment(const Vertex& from, const Vertex& to) {
     if (flat) {
         const double widest = std::max(std::fabs(from.startWidth), std::fabs(from.endWidth));
@@ -72,6 +85,11 @@ void Polyline::DrawSegment(const Vertex& from, const Vertex& to) {
             return;
         }
         ConicArc arc;
+        if (from.bulge != 0 && BulgeCannotMatter(from, to)) {
+            PathTo(dxf, dxf.map.Point({from.x, from.y, from.z}));
+            PathTo(dxf, dxf.map.Point({to.x, to.y, to.z}));
+            return;
+        }
         if (ArcOfBulge(dxf.map, from.x, from.y, to.x, to.y, from.z, from.bulge, &arc)) return PathAlong(dxf, arc);
     }
     if (dxf.path.points.empty()) PathTo(dxf, dxf.map.Point({from.x, from.y, from.z}));

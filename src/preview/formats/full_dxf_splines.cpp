@@ -207,7 +207,22 @@ static void PathAlongFits(DxfDecoder& dxf, DxfSpline* s) {
     }
 }
 
+// While the drawing is measured: a curve lies within its control points' box, and mostly that is enough.
+static bool CannotMatter(DxfDecoder& dxf, const DxfSpline& spline) {
+    if (!dxf.IsMeasuring() || dxf.path.area || spline.controls.empty() || !spline.weights.empty()) return false;
+    WorldRect box = {};
+    for (std::size_t i = 0; i < spline.controls.size(); ++i) {
+        const WorldPoint p = spline.controls[i];
+        if (i == 0) box = {p.x, p.y, p.x, p.y};
+        box = {std::min(box.minX, p.x), std::min(box.minY, p.y), std::max(box.maxX, p.x), std::max(box.maxY, p.y)};
+    }
+    if (dxf.box->Matters(box)) return false;
+    ++dxf.box->count;
+    return true;
+}
+
 void PathAlong(DxfDecoder& dxf, DxfSpline* spline) {
+    if (CannotMatter(dxf, *spline)) return;
     if (spline->controls.size() >= 2) PathAlongControls(dxf, spline);
     else PathAlongFits(dxf, spline);
 }

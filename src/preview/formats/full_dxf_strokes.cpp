@@ -187,9 +187,22 @@ void DrawDxfConic(DxfDecoder& dxf, const Conic& conic, double start, double swee
 
 // ---- Texts
 
+// What is too small to be read is a line where the text would stand.
+static void DrawTrace(DxfDecoder& dxf, const UnicodeText& text) {
+    WorldPoint c[4];
+    FrameOfText(text, c);
+    DrawDxfLine(dxf, {(c[0].x + c[3].x) / 2, (c[0].y + c[3].y) / 2}, {(c[1].x + c[2].x) / 2, (c[1].y + c[2].y) / 2});
+}
+
 void DrawDxfText(DxfDecoder& dxf, const UnicodeText& text) {
+    constexpr double kReadable = 2.5, kVisible = 0.5;  // pixels of a capital
     dxf.budget.Charge(4 + static_cast<long long>(text.length));
     if (!IsDrawable(text.at) || !IsDrawable(text.height) || !(text.height > 0) || text.length == 0) return;
+    if (text.height < kVisible * dxf.pixel) return;
+    if (text.height < kReadable * dxf.pixel && !dxf.sink->textsAsFrames) {
+        dxf.pen = kSolidPen;
+        return DrawTrace(dxf, text);
+    }
     if (!dxf.sink->textsAsFrames) {
         dxf.sink->unicodeText(*dxf.sink, text);
         return;

@@ -191,57 +191,70 @@ static DxfNames* TableOf(ByteView kind, DxfTables* tables) {
     return nullptr;
 }
 
-DxfTables SurveyDxf(const DxfForm& form, const std::atomic<std::int32_t>* goOn) {
-    DxfTables out;
-    Section section = Section::kNone;
-    DxfReader reader = {&form, form.begin};
+// What rows are worth, once all of them are known.
+static void ResolveTables(const DxfForm& form, DxfTables* tables) {
+    for (DxfNames* names : {&tables->layers, &tables->lineTypes, &tables->styles, &tables->blocks}) names->Sort();
+    for (DxfNames::Row& row : tables->lineTypes.rows) row.value = PenOfLineType(form, row);
+    for (DxfNames::Row& row : tables->layers.rows) row.value = FlagsOfLayer(form, tables->lineTypes, row.begin);
+    tables->layerCount = tables->layers.rows.size();
+    tables->blockCount = 0;
+    for (const DxfNames::Row& row : tables->blocks.rows) {
+        if (!MatchAt(NameOfRow(form, row), 0, "*")) ++tables->blockCount;  // the file's own, as a user counts
+    }
+}
+
+static std::size_t RowsOf(const DxfTables& tables) {
+    return tables.layers.rows.size() + tables.lineTypes.rows.size() + tables.styles.rows.size() +
+           tables.blocks.rows.size();
+}
+
+bool SurveyDxf(const DxfForm& form, std::size_t begin, const std::atomic<std::int32_t>& goOn, DxfTables* out) {
+    constexpr int kMostLoose = 32;  // entities without a section around them that tell a file of nothing else
+    const std::size_t rowsBefore = RowsOf(*out);
+    Section section = begin == form.begin ? Section::kNone : Section::kOther;
+    DxfReader reader = {&form, begin};
     DxfPair pair;
     ByteView variable;
     DxfNames* named = nullptr;  // where the record's name goes once it is read
     std::size_t record = 0;
-    bool expectSection = false, hasBlocks = false, hasEntities = false;
-    for (std::size_t before = reader.at; reader.NextOrRemark(&pair); before = reader.at) {
+    int loose = 0;
+    bool expectSection = false;
+    for (std::size_t before = reader.at; loose < kMostLoose && reader.NextOrRemark(&pair); before = reader.at) {
         if (pair.code == 0) {
-            if (goOn && goOn->load(std::memory_order_relaxed) != 1) break;
+            if (goOn.load(std::memory_order_relaxed) != 1) break;
             const ByteView kind = Trimmed(pair.value);
             named = nullptr;
             record = reader.at;
             if (IsName(kind, "EOF")) break;
             if (IsName(kind, "SECTION")) {
-                out.hasSections = expectSection = true;
+                out->hasSections = expectSection = true;
             } else if (IsName(kind, "ENDSEC")) {
                 section = Section::kOther;
             } else if (section == Section::kTables) {
-                named = TableOf(kind, &out);
+                named = TableOf(kind, out);
             } else if (section == Section::kBlocks) {
-                if (IsName(kind, "BLOCK")) named = &out.blocks;
-            } else if (section == Section::kNone && out.entities == kNowhere) {
-                out.entities = before;  // entities alone
+                if (IsName(kind, "BLOCK")) named = &out->blocks;
+            } else if (section == Section::kNone) {
+                if (loose++ == 0) out->entities = before;
             }
         } else if (pair.code == 2 && expectSection) {
             expectSection = false;
             section = SectionOf(pair.value);
-            hasBlocks |= section == Section::kBlocks;
-            // Nothing behind the entities is asked for, where all else came before them as it should.
-            if (section == Section::kEntities && !hasEntities) out.entities = reader.at;
-            hasEntities |= section == Section::kEntities;
-            if (hasEntities && hasBlocks) break;
+            if (section == Section::kEntities && begin == form.begin) {
+                out->entities = reader.at;
+                break;
+            }
         } else if (pair.code == 2 && named) {
             named->Add(pair.value, record, before);
             named = nullptr;
         } else if (pair.code == 999) {
-            if (out.remarks == kNowhere) out.remarks = before;
+            if (out->remarks == kNowhere) out->remarks = before;
         } else if (section == Section::kHeader) {
             if (pair.code == 9) variable = Trimmed(pair.value);
-            else TakeVariable(form, variable, pair, &out);
+            else TakeVariable(form, variable, pair, out);
         }
     }
-    for (DxfNames* names : {&out.layers, &out.lineTypes, &out.styles, &out.blocks}) names->Sort();
-    for (DxfNames::Row& row : out.lineTypes.rows) row.value = PenOfLineType(form, row);
-    for (DxfNames::Row& row : out.layers.rows) row.value = FlagsOfLayer(form, out.lineTypes, row.begin);
-    out.layerCount = out.layers.rows.size();
-    for (const DxfNames::Row& row : out.blocks.rows) {
-        if (!MatchAt(NameOfRow(form, row), 0, "*")) ++out.blockCount;  // the file's own blocks, as a user counts
-    }
-    return out;
+    if (RowsOf(*out) == rowsBefore) return false;
+    ResolveTables(form, out);
+    return true;
 }

@@ -84,6 +84,6 @@ struct DxfTables {
     std::size_t layerCount = 0, blockCount = 0;
 };
 
-// Goes through what comes before the entities, and through all where that is not enough; ends early when `goOn`, which
-// may be null, is no longer 1.
-DxfTables SurveyDxf(const DxfForm& form, const std::atomic<std::int32_t>* goOn);
+// Goes through the file from `begin`: from its first pair to the entities, or from behind these to the end. False when
+// no row has come in. Ends early when `goOn` is no longer 1.
+bool SurveyDxf(const DxfForm& form, std::size_t begin, const std::atomic<std::int32_t>& goOn, DxfTables* out);

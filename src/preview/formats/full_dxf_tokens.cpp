@@ -8,7 +8,6 @@
 #include <algorithm>
 
 #include "kit/numbers.h"
-#include "kit/sjis.h"
 
 // ---- Form
 
@@ -36,86 +35,6 @@ DxfForm DxfFormOf(ByteView file) {
         form.lineEnd = '\r';
     }
     return form;
-}
-
-// ---- Text form
-
-// Where the byte stands, or `end`. Most lines are shorter than one look.
-static inline const std::uint8_t* FindByte(const std::uint8_t* at, const std::uint8_t* end, std::uint8_t byte) {
-    const __m128i wanted = _mm_set1_epi8(static_cast<char>(byte));
-    for (; end - at >= 16; at += 16) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-        const int found = _mm_movemask_epi8(_mm_cmpeq_epi8(bytes, wanted));
-        if (found) return at + LowestBit(static_cast<std::uint32_t>(found));
-    }
-    while (at != end && *at != byte) ++at;
-    return at;
-}
-
-// The line at *at, without its end; *at moves behind it. A run of carriage returns before a line feed is one end.
-static inline ByteView TakePairLine(const DxfForm& form, std::size_t* at) {
-    const std::uint8_t* const begin = form.file.data + *at;
-    const std::uint8_t* const fileEnd = form.file.data + form.file.size;
-    const std::uint8_t* end = FindByte(begin, fileEnd, form.lineEnd);
-    const bool stop = end != fileEnd;
-    *at = static_cast<std::size_t>(end - form.file.data) + (stop ? 1 : 0);
-    while (end != begin && end[-1] == '\r') --end;
-    return {begin, static_cast<std::size_t>(end - begin)};
-}
-
-static bool IsBlank(std::uint8_t byte) { return byte == ' ' || byte == '\t'; }
-
-// False when the line is no group code.
-static inline bool ParseCode(ByteView line, int* code) {
-    const std::uint8_t* at = line.data;
-    const std::uint8_t* const end = at + line.size;
-    while (at != end && IsBlank(*at)) ++at;
-    const bool negative = at != end && *at == '-';
-    if (negative) ++at;
-    int value = 0;
-    const std::uint8_t* const digits = at;
-    for (; at != end && *at >= '0' && *at <= '9' && at - digits < 5; ++at) value = value * 10 + (*at - '0');
-    if (at == digits) return false;
-    while (at != end && IsBlank(*at)) ++at;
-    *code = negative ? -value : value;
-    return at == end;
-}
-
-// The code of a line that holds nothing else than blanks and one to four digits; null when it is another one.
-static inline const std::uint8_t* TakePlainCode(const std::uint8_t* at, const std::uint8_t* end, std::uint8_t lineEnd,
-                                                int* code) {
-    if (end - at < 16) return nullptr;  // the line and its end are well inside then
-    while (*at == ' ') {
-        if (++at == end) return nullptr;
-    }
-    if (end - at < 8) return nullptr;
-    int value = 0;
-    const std::uint8_t* const digits = at;
-    for (unsigned digit; at - digits < 4 && (digit = *at - unsigned{'0'}) < 10; ++at)
-        value = value * 10 + static_cast<int>(digit);
-    if (at == digits) return nullptr;
-    if (*at == '\r' && lineEnd != '\r') ++at;
-    if (*at != lineEnd) return nullptr;
-    *code = value;
-    return at + 1;
-}
-
-bool DxfReader::NextText(DxfPair* pair) {
-    const std::size_t size = form->file.size;
-    while (at < size) {
-        const std::uint8_t* const data = form->file.data;
-        if (const std::uint8_t* value = TakePlainCode(data + at, data + size, form->lineEnd, &pair->code)) {
-            at = static_cast<std::size_t>(value - data);
-            pair->value = TakePairLine(*form, &at);
-            return true;
-        }
-        const ByteView line = TakePairLine(*form, &at);
-        if (!ParseCode(line, &pair->code)) continue;
-        if (at >= size) return false;
-        pair->value = TakePairLine(*form, &at);
-        return true;
-    }
-    return false;
 }
 
 // ---- Binary form
@@ -209,8 +128,7 @@ static long long BinaryInteger(int code, ByteView value) {
     }
 }
 
-double DxfNumber(const DxfForm& form, int code, ByteView value) {
-    if (!form.binary) return ParseDecimal(value);
+double BinaryDxfNumber(int code, ByteView value) {
     if (FormOfCode(code) == ValueForm::kDouble) return BinaryValue<double>(value);
     return static_cast<double>(BinaryInteger(code, value));
 }
