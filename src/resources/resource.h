@@ -22,14 +22,14 @@
 #define IDS_DESIGNER 37
 #define IDS_INVALID_VALUE 40
 #define IDS_INITIAL_ERROR 41
-#define IDS_GALLERY_TIP 50
-#define IDS_DXF_TITLE 51
-#define IDS_DXF_VERSION 52
-#define IDS_DXF_UNIT 53
-#define IDS_DXF_SIZE 54
-#define IDS_DXF_ENTITIES 55
-#define IDS_DXF_LAYERS 56
-#define IDS_DXF_BLOCKS 57
+#define IDS_DXF_TITLE 50
+#define IDS_DXF_VERSION 51
+#define IDS_DXF_UNIT 52
+#define IDS_DXF_SIZE 53
+#define IDS_DXF_ENTITIES 54
+#define IDS_DXF_LAYERS 55
+#define IDS_DXF_BLOCKS 56
+#define IDS_GALLERY_TIP 57
 
 /* Controls of the common dialogs that the templates carry */
 #define IDC_HELP_BUTTON 1038
