@@ -55,6 +55,7 @@ static HBITMAP Decode(const PreviewFormat& format, std::uint8_t* bytes, std::siz
         return nullptr;
     }
     Canvas canvas(request.renderMode, *request.target);
+    canvas.shiftJisTexts = format.decode == DecodeNative || format.decode == DecodeBackup;
     return format.decode(file, &comment, &canvas) ? ReleaseCanvasBitmap(&canvas) : nullptr;
 }
 

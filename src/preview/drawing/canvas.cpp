@@ -36,6 +36,7 @@ bool OpenCanvas(Canvas* canvas) {
     SetTextColor(dc, RGB(0, 0, 0));
     SetBkMode(dc, TRANSPARENT);
     canvas->strokes.emplace(dc, &canvas->textFont, canvas->pens);
+    canvas->strokes->shiftJisTexts = canvas->shiftJisTexts;
     return true;
 }
 

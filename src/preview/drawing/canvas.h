@@ -24,6 +24,7 @@ struct Canvas : DrawingSink {
     Canvas(DWORD mode, const RECT& rect);  // opened by the first fit
     const DWORD renderMode;
     const RECT target;
+    bool shiftJisTexts = false;  // see GdiStrokes; set before the first fit
     UniqueBitmap bitmap;
     UniqueBrush white, black;
     UniquePen pens[kPenCount];

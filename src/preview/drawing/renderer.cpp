@@ -81,7 +81,7 @@ static bool SelectTextFont(HDC dc, const TextStroke& text, TextFont* last) {
     return true;
 }
 
-// Drawings hold Shift_JIS. Where the system's own code page is another one, a text that is not ASCII would be garbage.
+// Where the system's own code page is another one, a text that is not ASCII would be garbage.
 static bool IsForeign(const TextStroke& text) {
     constexpr UINT kShiftJis = 932;
     return GetACP() != kShiftJis &&
@@ -111,7 +111,7 @@ static void WriteForeignText(HDC dc, const TextStroke& text) {
 
 static void WriteText(StrokeTarget& target, const TextStroke& text) {
     const HDC dc = Gdi(target).dc;
-    if (IsForeign(text)) return WriteForeignText(dc, text);
+    if (Gdi(target).shiftJisTexts && IsForeign(text)) return WriteForeignText(dc, text);
     if (!SelectTextFont(dc, text, Gdi(target).font)) return;
     const int previousExtra = SetTextCharacterExtra(dc, text.extra);
     TextOutA(dc, text.at.x, text.at.y, text.text, static_cast<int>(text.length));

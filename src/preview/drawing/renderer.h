@@ -20,6 +20,7 @@ struct GdiStrokes : StrokeTarget {
     TextFont* const font;
     const UniquePen* const pens;  // kPenCount of them, or null: strokes take the pen that is selected already
     unsigned selected = kPenCount;
+    bool shiftJisTexts = false;  // drawn as such whatever the system's code page is; else they are in that page
 };
 
 // Draws one element with the pen and the brush that are selected into `dc`, and leaves nothing behind there. Clipped
