@@ -271,7 +271,7 @@ TEST(Kwpreview, PatternsFoldersAndNames) {
 
     // Sub-folders on request, a picture's own name for one file.
     EXPECT_EQ(RunKwpreview({folder.path, "-o", out, "--recursive", "--mono"}).code, 0u);
-    EXPECT_TRUE(ReadWholeFile(out + "\\PART.dxf.2.png") == DrawnByReader(b + "\\PART.dxf", 640, 480, 0));
+    EXPECT_TRUE(ReadWholeFile(out + "\\PART.dxf.2.png") == DrawnByReader(b + "\\PART.dxf", 640, 480, kRenderFullDxf));
     EXPECT_EQ(RunKwpreview({"a\\b.dxf", "-o", "new\\x.PNG"}, folder.path.c_str()).code, 0u);
     EXPECT_TRUE(ReadWholeFile(folder.At("new\\x.PNG")) == DrawnByReader(a + "\\b.dxf", 640, 480));
     EXPECT_EQ(RunKwpreview({a, "-o", "x.png"}, folder.path.c_str()).code, 2u);

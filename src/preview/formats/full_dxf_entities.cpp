@@ -313,7 +313,7 @@ static const DxfKind* FindKind(ByteView name) {
 static DxfLook LookOfLayer(DxfDecoder& dxf, ByteView name) {
     const std::size_t end = name.size < 2 ? 0 : name.data[name.size - 1] + 10u * name.data[name.size - 2];
     auto& known = dxf.layers[(end + name.size * 7) % std::size(dxf.layers)];
-    if (known.name.data && name.size == known.name.size && std::memcmp(name.data, known.name.data, name.size) == 0) {
+    if (known.name.size && name.size == known.name.size && std::memcmp(name.data, known.name.data, name.size) == 0) {
         return known.look;
     }
     DxfLook look;
