@@ -36,7 +36,7 @@ struct FolderTree {
 
 void Rebuild(FolderTree& tree) {
     if (tree.isAsked) return;
-    const Raised asked(&tree.isAsked);
+    const Raised asked(tree.isAsked);
     FillRoot(tree.view);
     SelectPath(tree.view, tree.directory);
 }
@@ -63,7 +63,7 @@ bool OnExpanding(FolderTree& tree, const NMTREEVIEWA& notification) {
     const HTREEITEM node = notification.itemNew.hItem;
     if (notification.action != TVE_EXPAND) return false;
     if (tree.isAsked) return !TreeView_GetChild(tree.view, node);
-    const Raised asked(&tree.isAsked);
+    const Raised asked(tree.isAsked);
     FillNode(tree.view, node);
     return false;
 }

@@ -172,12 +172,12 @@ void ShowFolder(const PreviewJob& job) {
 // is shown when it has closed.
 UINT_PTR Serve(const std::shared_ptr<PreviewJob>& job) {
     if (job->isServing) return 1;
-    const Raised serving(&job->isServing);
+    const Raised serving(job->isServing);
     while (job->dialog && (job->selectionChanged || job->galleryWanted)) {
         WaitPreviewWorker(*job);
         if (!job->dialog) break;  // closed by a message that the wait let through
         if (job->galleryWanted) {
-            const Raised shown(&job->galleryWanted);  // still wanted while it is open
+            const Raised shown(job->galleryWanted);  // still wanted while it is open
             ShowFolder(*job);
         } else {
             job->selectionChanged = false;

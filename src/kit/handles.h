@@ -90,7 +90,7 @@ struct WaitCursor {
 // Holds a flag up for the length of a scope: what handlers that let messages through do one at a time.
 struct Raised {
     bool& flag;
-    explicit Raised(bool* raised) : flag(*raised) { flag = true; }
+    explicit Raised(bool& raised) : flag(raised) { flag = true; }
     ~Raised() { flag = false; }
     Raised(const Raised&) = delete;
     Raised& operator=(const Raised&) = delete;

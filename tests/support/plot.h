@@ -8,7 +8,8 @@
 
 // What the decoder makes of a file: a grid of width x height pixels in which each stroke leaves the hexadecimal digit
 // of its pen (a point leaves '*'), and a line for each text: its corner, size, space between characters, angle,
-// letters; for Unicode its place, justification, height x width factor (or width), angle, slant, letters. Empty when it gives no drawing.
+// letters; for Unicode its place, justification, height x width factor (or width), angle, slant, letters. Empty when it
+// gives no drawing.
 std::string PlotOf(Decoder decode, const std::string& file, int width, int height, bool textsAsFrames);
 
 // The same for elements on a sheet of as many units.

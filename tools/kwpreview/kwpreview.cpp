@@ -113,7 +113,7 @@ int Run(const Options& options) {
 std::vector<std::wstring> Arguments() {
     int count = 0;
     const UniqueLocal<wchar_t*> arguments(CommandLineToArgvW(GetCommandLineW(), &count));
-    return {arguments.get(), arguments.get() + count};
+    return std::vector<std::wstring>(arguments.get(), arguments.get() + count);
 }
 
 }  // namespace

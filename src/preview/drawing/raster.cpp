@@ -151,7 +151,7 @@ void DrawLineBetween(const Raster& to, Pattern* pattern, PixelPoint a, PixelPoin
         for (auto left = static_cast<std::int32_t>(end - first); left > 0; --left) {
             if (isSeen()) Pixels::Put(bits, at);
             rest += rise;
-            const std::int32_t stepping = ~(rest >> 31);  // all ones or none: what comes next cannot be guessed
+            const std::int32_t stepping = rest < 0 ? 0 : -1;  // all ones or none: what comes next cannot be guessed
             at += along + (across & stepping);
             rest -= run & stepping;
         }
@@ -289,7 +289,7 @@ void DrawOctant(const Raster& to, const CirclePath& path, const Octant& part, bo
             if (isSeen()) Pixels::Put(bits, at);
             if (++row >= end) return;
             beyond += 2 * row;
-            const std::int32_t stepping = ~(beyond >> 31);
+            const std::int32_t stepping = beyond < 0 ? 0 : -1;
             beyond -= (2 * column - 1) & stepping;
             column += stepping;
             at += along + (inward & stepping);

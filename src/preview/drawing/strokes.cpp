@@ -160,7 +160,7 @@ static void DrawFrame(StrokeTarget& target, unsigned pen, const ViewTransform& v
 // than four half-width ones or two heights, and none higher than two.
 static std::int64_t ReachOf(const TextStroke& text) {
     const std::int64_t cell = std::max(4 * text.width, 2 * text.height) + std::abs(std::int64_t{text.extra});
-    return 2 * text.height + static_cast<std::int64_t>(text.length) * cell;
+    return std::int64_t{2} * text.height + static_cast<std::int64_t>(text.length) * cell;
 }
 
 static void DrawTextElement(StrokeTarget& target, const ViewTransform& view, const TextElement& text) {

@@ -24,23 +24,24 @@ struct TextStroke {
 // is not asked for, and what of it lies outside is the target's to clip. A pen is one of the canvas's (see kPenCount);
 // pixels and texts need none.
 struct StrokeTarget {
-    void (*pixel)(StrokeTarget& target, PixelPoint at);
+    void (*pixel)(StrokeTarget& target, PixelPoint at) = nullptr;
     // One pixel wide; the last pixel is left out.
-    void (*line)(StrokeTarget& target, unsigned pen, PixelPoint from, PixelPoint to);
+    void (*line)(StrokeTarget& target, unsigned pen, PixelPoint from, PixelPoint to) = nullptr;
     // Counter-clockwise along the circle, from the ray through `from` to the ray through `to`; the whole circle when
     // the two are one. The circle's box is centre - radius to centre + radius, right and bottom edges outside; 0 <
     // radius < 32767.
     void (*arc)(StrokeTarget& target, unsigned pen, PixelPoint centre, std::int32_t radius, PixelPoint from,
-                PixelPoint to);
+                PixelPoint to) = nullptr;
     // The lines between the points, a dash pattern going on from one to the next.
-    void (*polyline)(StrokeTarget& target, unsigned pen, const PixelPoint* points, std::size_t count);
+    void (*polyline)(StrokeTarget& target, unsigned pen, const PixelPoint* points, std::size_t count) = nullptr;
     // What an odd number of outlines encloses (an outline inside another is an island), without a line around it.
-    void (*area)(StrokeTarget& target, const PixelPoint* points, const std::size_t* counts, std::size_t outlines);
+    void (*area)(StrokeTarget& target, const PixelPoint* points, const std::size_t* counts,
+                 std::size_t outlines) = nullptr;
     // A closed outline, filled and drawn.
-    void (*polygon)(StrokeTarget& target, unsigned pen, const PixelPoint* corners, std::size_t count);
+    void (*polygon)(StrokeTarget& target, unsigned pen, const PixelPoint* corners, std::size_t count) = nullptr;
     // A filled circle in the box centre - radius to centre + radius + 1; radius >= 2.
-    void (*dot)(StrokeTarget& target, unsigned pen, PixelPoint centre, std::int32_t radius);
-    void (*text)(StrokeTarget& target, const TextStroke& text);
+    void (*dot)(StrokeTarget& target, unsigned pen, PixelPoint centre, std::int32_t radius) = nullptr;
+    void (*text)(StrokeTarget& target, const TextStroke& text) = nullptr;
 };
 
 // A larger text is not drawn: what its font costs the system grows with the square of its height.

@@ -56,7 +56,7 @@ void DrawUnicodeText(HDC dc, const ViewTransform& view, const UnicodeText& text,
     const double capitalPixels = text.height * view.scaleX;
     const double em = capitalPixels / CapitalOf(dc, fonts);
     if (!(capitalPixels >= 0.5) || !(em <= kMaxTextPixels)) return;
-    const auto whole = std::max(static_cast<std::int32_t>(em + 0.5), 4);
+    const auto whole = std::max(static_cast<std::int32_t>(std::lround(em)), 4);
     const HFONT font = FontOf(fonts, whole);
     if (!font) return;
     const Selection selected(dc, font), pen(dc, GetStockObject(BLACK_PEN));

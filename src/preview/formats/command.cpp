@@ -45,7 +45,7 @@ bool IsOnItsDrive(const char* commandFile, const std::string& path, char current
 std::string Beside(const char* commandFile, const std::string& named, char currentDrive) {
     const bool hasDrive = HasDrive(named.c_str());
     if (hasDrive && !IsOnItsDrive(commandFile, named, currentDrive)) return named;
-    const std::string path = hasDrive ? named.substr(2) : named;
+    std::string path = hasDrive ? named.substr(2) : named;
     const bool isRooted = IsSeparator(path[0]);
     if (isRooted && path[1] == path[0]) return path;
     if (isRooted) return HasDrive(commandFile) ? std::string(commandFile, 2) + path : path;

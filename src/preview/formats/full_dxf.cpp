@@ -19,10 +19,7 @@ static constexpr DxfSpace kSpaces[] = {
 
 static constexpr long long kLeastBudget = 1'000'000;
 
-// Tells where the walk ended.
-static std::size_t DrawSpace(DxfDecoder& dxf, const DxfSpace& space) {
-    DxfPlace place;
-    dxf.place = &place;
+static std::size_t WalkSpace(DxfDecoder& dxf, const DxfSpace& space, DxfPlace* place) {
     dxf.paperSpace = space.paper;
     dxf.budget.left = kLeastBudget + static_cast<long long>(dxf.form.file.size);
     if (!space.block) {
@@ -34,9 +31,18 @@ static std::size_t DrawSpace(DxfDecoder& dxf, const DxfSpace& space) {
     if (!row) return dxf.form.file.size;
     DxfReader reader = {&dxf.form, row->begin};
     dxf.groups.Read(&reader);
-    place.depth = 1;  // its entities say no longer which space they are in
-    place.block = row->begin;
+    place->depth = 1;  // its entities say no longer which space they are in
+    place->block = row->begin;
     return DrawDxfEntities(dxf, reader.at);
+}
+
+// Tells where the walk ended.
+static std::size_t DrawSpace(DxfDecoder& dxf, const DxfSpace& space) {
+    DxfPlace place;
+    dxf.place = &place;
+    const std::size_t end = WalkSpace(dxf, space, &place);
+    dxf.place = nullptr;
+    return end;
 }
 
 // The first space that shows something, and its box; null when there is none.

@@ -78,10 +78,8 @@ static WorldRect BoxOfArc(const PreviewPrimitive& arc) {
     const double turn = sweep > 0 ? sweep : sweep + kTurn;
     const WorldPoint ends[] = {at(start), at(start + turn)};
     WorldRect box = BoxOfPoints(ends, 2);
-    const double quarter = kTurn / 4;
-    for (double angle = std::ceil(start / quarter) * quarter; angle < start + turn; angle += quarter) {
-        GrowTo(&box, at(angle));
-    }
+    const double quarter = kTurn / 4, first = std::ceil(start / quarter) * quarter;
+    for (int i = 0; i < 4 && first + i * quarter < start + turn; ++i) GrowTo(&box, at(first + i * quarter));
     return box;
 }
 

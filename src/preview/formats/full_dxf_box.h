@@ -24,7 +24,7 @@ private:
     static constexpr int kMost = 32;
     // The elements that reach farthest to one side, the farthest first.
     struct Extremes {
-        WorldRect rows[kMost];
+        WorldRect rows[kMost] = {};
         int count = 0;
     } extremes[4];  // left, right, bottom, top
 

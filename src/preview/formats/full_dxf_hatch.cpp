@@ -328,12 +328,13 @@ bool FindCrossings(DxfDecoder& dxf, const Family& family, std::vector<DxfCrossin
             };
             const double la = lineOf(a), lb = lineOf(b);
             if (!(std::fabs(la) < 1e9 && std::fabs(lb) < 1e9)) return false;
-            const double first = std::ceil(std::min(la, lb)), end = std::max(la, lb);
-            for (double line = first; line < end; ++line) {
+            const auto first = static_cast<std::int64_t>(std::ceil(std::min(la, lb)));
+            const auto end = static_cast<std::int64_t>(std::ceil(std::max(la, lb)));
+            for (std::int64_t line = first; line < end; ++line) {
                 if (out->size() >= kMostCrossings || !dxf.budget.Charge(1)) return false;
-                const double t = (line - la) / (lb - la), x = a.x + (b.x - a.x) * t, y = a.y + (b.y - a.y) * t;
-                out->push_back({static_cast<long long>(line),
-                                (x - family.base.x) * family.along.x + (y - family.base.y) * family.along.y});
+                const double t = (static_cast<double>(line) - la) / (lb - la), x = a.x + (b.x - a.x) * t,
+                             y = a.y + (b.y - a.y) * t;
+                out->push_back({line, (x - family.base.x) * family.along.x + (y - family.base.y) * family.along.y});
             }
         }
         points += count;

@@ -113,7 +113,7 @@ static void PathAlongControls(DxfDecoder& dxf, DxfSpline* s) {
     for (std::size_t span = p; span < n && dxf.MayContinue(); ++span) {
         const double from = s->knots[span], to = s->knots[span + 1];
         if (!(to > from)) continue;
-        dxf.budget.Charge(s->degree * 4);
+        dxf.budget.Charge(std::int64_t{4} * s->degree);
         if (s->degree == 1) {
             PathTo(dxf, at(*s, span, from));
             PathTo(dxf, at(*s, span, to));

@@ -40,16 +40,16 @@ struct DrawingSink {
     //   kWipe  what was drawn before goes; also opens the drawing, so it is a decoder's first call
     //   kKeep  what was drawn before stays as it is
     enum FitMode { kWipe, kKeep };
-    bool (*fit)(DrawingSink& sink, const WorldRect& extents, FitMode mode);
+    bool (*fit)(DrawingSink& sink, const WorldRect& extents, FitMode mode) = nullptr;
     // One element with pen `pen` modulo kPenCount. Clipped line ends are written back.
-    void (*draw)(DrawingSink& sink, PreviewPrimitive& element, unsigned pen);
-    void (*path)(DrawingSink& sink, const Path& path, unsigned pen);
-    void (*unicodeText)(DrawingSink& sink, const UnicodeText& text);
+    void (*draw)(DrawingSink& sink, PreviewPrimitive& element, unsigned pen) = nullptr;
+    void (*path)(DrawingSink& sink, const Path& path, unsigned pen) = nullptr;
+    void (*unicodeText)(DrawingSink& sink, const UnicodeText& text) = nullptr;
 
-    ViewTransform view;                     // from the last fit
-    bool textsAsFrames;                     // texts are wanted as their bounding frames
-    const std::atomic<std::int32_t>* goOn;  // 1 while nobody has cancelled the run
-    bool textsAreShiftJis = false;          // set by a decoder: else texts are in the system's code page
+    ViewTransform view = {};                          // from the last fit
+    bool textsAsFrames = false;                       // texts are wanted as their bounding frames
+    const std::atomic<std::int32_t>* goOn = nullptr;  // 1 while nobody has cancelled the run
+    bool textsAreShiftJis = false;                    // set by a decoder: else texts are in the system's code page
 
     bool MayContinue() const { return goOn->load(std::memory_order_relaxed) == 1; }
 };
