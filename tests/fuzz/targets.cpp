@@ -209,7 +209,7 @@ void RunBitmap(ByteView input) {
 // The texts of the first records, with what is kept between them and without; sometimes so many records that chains of
 // deleted ones are passed over.
 void RunRecords(ByteView input) {
-    constexpr std::size_t kMany = 640 * 64;
+    constexpr std::size_t kMany = std::size_t{640} * 64;
     constexpr unsigned kMostTexts = 24;
     if (input.size < 64) return;
     std::vector<std::uint8_t> records(input.data, input.data + input.size);

@@ -136,10 +136,10 @@ static void WriteText(StrokeTarget& target, const TextStroke& text) {
 }
 
 GdiStrokes::GdiStrokes(HDC context, TextFonts* textFonts, UniquePen* sixteenPens)
-    : StrokeTarget{SetPixelAt, StrokeLine, StrokeArc, StrokePolyline, FillArea, FillPolygon, FillDot, WriteText},
-      dc(context),
-      fonts(textFonts),
-      pens(sixteenPens) {}
+    : dc(context), fonts(textFonts), pens(sixteenPens) {
+    static_cast<StrokeTarget&>(*this) = {SetPixelAt, StrokeLine,  StrokeArc, StrokePolyline,
+                                         FillArea,   FillPolygon, FillDot,   WriteText};
+}
 
 int DrawPreviewPrimitive(HDC dc, const ViewTransform& view, PreviewPrimitive& primitive) {
     TextFonts fonts;
