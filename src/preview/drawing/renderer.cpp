@@ -102,6 +102,11 @@ static bool SelectTextFont(HDC dc, const TextStroke& text, bool isShiftJis, Text
         std::rotate(std::begin(entries), found, found + 1);
         return true;
     }
+    // A drawing has a handful of large fonts. One that wants a new one for each of its texts would take minutes: what
+    // comes behind so many characters of new fonts is left out.
+    constexpr double kMostArea = 1e9;  // 60 characters of the largest size, 4,000 of 500 pixels
+    fonts->area += static_cast<double>(text.height) * text.height * static_cast<double>(text.length);
+    if (fonts->area > kMostArea) return false;
     UniqueFont font = MakeTextFont(text, isShiftJis);
     if (!font || !SelectObject(dc, font.get())) return false;
     std::rotate(std::begin(entries), std::end(entries) - 1, std::end(entries));

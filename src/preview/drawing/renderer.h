@@ -15,6 +15,7 @@ struct TextFonts {
         UniqueFont font;
     };
     Entry entries[8];
+    double area = 0;  // of the texts that have wanted a new one: the square of the height for each character
 };
 
 // A canvas's pen, and whether it draws without gaps.

@@ -62,6 +62,10 @@ void DrawUnicodeText(HDC dc, const ViewTransform& view, const UnicodeText& text,
     const Selection selected(dc, font), pen(dc, GetStockObject(BLACK_PEN));
     const auto* const characters = reinterpret_cast<const wchar_t*>(text.text);
     const int length = static_cast<int>(std::min(text.length, kMostLength));
+    // What comes behind so many large characters is left out: a file of nothing else would take minutes.
+    constexpr double kMostArea = 1e9;  // 60 characters of the largest size, 4,000 of 500 pixels
+    fonts->area += em * em * length;
+    if (fonts->area > kMostArea) return;
     SIZE size = {};
     TEXTMETRICW metrics = {};
     if (!GetTextExtentPoint32W(dc, characters, length, &size) || !GetTextMetricsW(dc, &metrics) || size.cx <= 0) return;

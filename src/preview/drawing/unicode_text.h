@@ -17,6 +17,7 @@ struct UnicodeFonts {
     };
     Entry entries[8];
     double capital = 0;  // a capital's height, in ems; 0: not measured yet
+    double area = 0;     // of all characters that have been drawn, each the square of its em, in pixels
 };
 
 void DrawUnicodeText(HDC dc, const ViewTransform& view, const UnicodeText& text, UnicodeFonts* fonts);
