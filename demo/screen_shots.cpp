@@ -177,6 +177,7 @@ struct PaneShot {
 constexpr PaneShot kPaneShots[] = {
     {"explorer_part", "mounting_plate.dxf", "mounting_plate.dxf", "MP-2040-01"},
     {"explorer_plan", "house_plan.dxf", "house_plan_ja.dxf", "HP-0117"},
+    {"explorer_full_dxf", "pump_cover.dxf", "pump_cover_ja.dxf", "PC-0062-01"},
     {"explorer_native_a", "mounting_plate.qa", "mounting_plate.qa", "MP-2040-01"},
     {"explorer_native_a_origin", "house_plan.qa", "house_plan.qa", "HP-0117"},
     {"explorer_native_b", "drive_shaft.lms", "drive_shaft_ja.lms", "DS-0350-02"},
@@ -194,6 +195,7 @@ std::vector<DialogStep> StepsOf(Tour& tour) {
     const std::string& samples = tour.options.samples;
     const auto addDrawings = [&](HWND) { AddManyCopies(samples, "mounting_plate.dxf", 600); };
     const auto removeDrawings = [&](HWND) { RemoveManyCopies(samples); };
+    const auto chooseBasicDxf = [](HWND host) { CheckDlgButton(host, IDC_FULL_DXF, BST_UNCHECKED); };
     const auto chooseClassicStyle = [](HWND host) { CheckDlgButton(host, IDC_CLASSIC_STYLE, BST_CHECKED); };
     std::vector<DialogStep> steps = {tour.Shoot("host"), Press(IDC_OPEN_WITH_PREVIEW), Shows(cmb1)};
     for (const PaneShot& shot : kPaneShots) {
@@ -226,6 +228,15 @@ std::vector<DialogStep> StepsOf(Tour& tour) {
         Press(IDOK),  // the drawing that was selected before
         Shows(IDC_OPEN_WITH_PREVIEW),
         tour.Shoot("host_chosen"),
+
+        Check(chooseBasicDxf),
+        Press(IDC_OPEN_WITH_PREVIEW),
+        Shows(cmb1),
+        SelectFile(japanese ? "pump_cover_ja.dxf" : "pump_cover.dxf"),
+        CommentShows("PC-0062-01"),
+        tour.Shoot("explorer_basic_dxf"),
+        Press(IDCANCEL),
+        Shows(IDC_OPEN_WITH_PREVIEW),
 
         Press(IDC_OPEN),
         Shows(cmb1),

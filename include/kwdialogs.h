@@ -36,7 +36,7 @@ extern "C" {
 #define KW_FILE_OPEN 1       /* open an existing file; without it: choose a name to save under */
 #define KW_FILE_OVERWRITE 16 /* save only: do not ask before an existing file is chosen */
 #define KW_FILE_PREVIEW 32   /* Explorer-style dialog only: show the preview pane */
-#define KW_FILE_FULL_DXF 64  /* with KW_FILE_PREVIEW: pane and gallery show all of a DXF, see the guide */
+#define KW_FILE_FULL_DXF 64  /* with KW_FILE_PREVIEW: all of a DXF, for more time and memory (guide.md) */
 
 /* SelectRequest::sortOptions. Keys have a fixed priority: name, extension, size, date. */
 #define KW_SORT_NAME 0x01

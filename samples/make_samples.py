@@ -2,8 +2,8 @@
 """Writes the sample files beside itself, always the same bytes. Needs nothing but Python 3.
 
 A drawing is made once, as a list of points, lines, arcs and texts; each format has one function that turns a Drawing
-into that format's bytes. The table SAMPLES at the end says which drawing goes into which file. All lengths are
-drawing units (millimetres), angles degrees counter-clockwise, y upwards.
+into that format's bytes; pump_cover shows what else a DXF can hold. The table SAMPLES at the end says which drawing
+goes into which file. All lengths are drawing units (millimetres), angles degrees counter-clockwise, y upwards.
 """
 
 import math
@@ -512,6 +512,169 @@ def dxf(drawing):
     return "".join(line + "\r\n" for line in lines).encode(drawing.encoding)
 
 
+COVER = {"name": "Pump cover", "designer": "A. Mori", "material": "FC250", "seat": "Seat", "title": "Notes",
+         "notes": ("Mill the flange to Ra 1.6 in one clamping.", "Tighten the bolts crosswise, 25 Nm.")}
+COVER_JAPANESE = {"name": "ポンプカバー", "designer": "森", "material": "FC250", "seat": "座", "title": "注記",
+                  "notes": ("フランジ面は Ra1.6 に一度で加工する。", "締付トルクは 25 Nm とする。")}
+
+
+def pump_cover(words, version, encoding):
+    """
+    ASCII DXF as newer programs write it: blocks within blocks, mirrored, with attributes; polylines with bulges,
+    splines, ellipses, a hatch with an island, dimensions by their blocks, texts of several lines, layers that are off
+    or frozen, an arc that is seen from below.
+    """
+    lines = []
+
+    def put(*pairs):
+        for code, value in pairs:
+            lines.extend((f"{code:3d}", f"{value:.6f}" if isinstance(value, float) else str(value)))
+
+    def at(x, y, first_code=10):
+        return (first_code, float(x)), (first_code + 10, float(y))
+
+    def entity(kind, layer, *pairs):
+        put((0, kind), (8, layer), *pairs)
+
+    def line(layer, x1, y1, x2, y2):
+        entity("LINE", layer, *at(x1, y1), *at(x2, y2, 11))
+
+    def polyline(layer, closed, *corners, kind=()):
+        """Corners are (x, y) or (x, y, bulge); a bulge of 1 is half a circle to the next corner, counter-clockwise."""
+        entity("LWPOLYLINE", layer, *kind, (90, len(corners)), (70, int(closed)))
+        for x, y, *bulge in corners:
+            put(*at(x, y), *((42, float(b)) for b in bulge))
+
+    def text(layer, x, y, height, value, angle=0, across=0, up=0):
+        entity("TEXT", layer, *at(x, y), (40, float(height)), (1, value), (50, float(angle)), (72, across),
+               *at(x, y, 11), (73, up))
+
+    def insert(layer, block, x, y, scale_x=1, angle=0, attributes=()):
+        entity("INSERT", layer, (66, int(bool(attributes))), (2, block), *at(x, y), (41, float(scale_x)), (42, 1.0),
+               (50, float(angle)))
+        for tag, tx, ty, height, value in attributes:
+            entity("ATTRIB", layer, *at(tx, ty), (40, float(height)), (1, value), (2, tag), (70, 0), (72, 1),
+                   *at(tx, ty, 11), (74, 2))
+        if attributes:
+            put((0, "SEQEND"))
+
+    def block(name, x=0, y=0):
+        put((0, "BLOCK"), (8, "0"), (2, name), (70, 0), *at(x, y))
+
+    def dimension(name, x1, y1, x2, y2, value):
+        """A block in the drawing's own coordinates: the line, two filled arrowheads, the text above it."""
+        block(name)
+        angle = math.atan2(y2 - y1, x2 - x1)
+        c, s = math.cos(angle), math.sin(angle)
+        line("0", x1, y1, x2, y2)
+        for x, y, way in ((x1, y1, 10), (x2, y2, -10)):
+            entity("SOLID", "0", *at(x, y), *at(x + way * c - 2 * s, y + way * s + 2 * c, 11),
+                   *at(x + way * c + 2 * s, y + way * s - 2 * c, 12), *at(x + way * c + 2 * s, y + way * s - 2 * c, 13))
+        text("0", (x1 + x2) / 2 - 3 * s, (y1 + y2) / 2 + 3 * c, 11, value, math.degrees(angle), 1)
+        put((0, "ENDBLK"))
+
+    put((999, f"{words['name']}  PC-0062-01"), (0, "SECTION"), (2, "HEADER"), (9, "$ACADVER"), (1, version),
+        (9, "$DWGCODEPAGE"), (3, "ANSI_1252" if encoding == ANSI_CODEPAGE else "ANSI_932"), (9, "$INSUNITS"), (70, 4),
+        (9, "$EXTMIN"), *at(0, 0), (9, "$EXTMAX"), *at(420, 297), (0, "ENDSEC"))
+
+    put((0, "SECTION"), (2, "TABLES"), (0, "TABLE"), (2, "LTYPE"), (70, 3))
+    for name, pattern in ((SOLID, ()), (HIDDEN, (6.0, -3.0)), (CENTER, (30.0, -6.0, 6.0, -6.0))):
+        put((0, "LTYPE"), (2, name), (70, 0), (3, ""), (72, 65), (73, len(pattern)),
+            (40, float(sum(map(abs, pattern)))), *((49, dash) for dash in pattern))
+    put((0, "ENDTAB"), (0, "TABLE"), (2, "LAYER"), (70, 8))
+    for name, flags, colour, pen in (("0", 0, 7, SOLID), ("FRAME", 0, 7, SOLID), ("PART", 0, 7, SOLID),
+                                     ("GEAR", 0, 3, HIDDEN), ("AXIS", 0, 1, CENTER), ("NOTE", 0, 2, SOLID),
+                                     ("DRAFT", 1, 8, SOLID), ("OLD", 0, -8, SOLID)):  # the last two: frozen, off
+        put((0, "LAYER"), (2, name), (70, flags), (62, colour), (6, pen))
+    put((0, "ENDTAB"), (0, "ENDSEC"), (0, "SECTION"), (2, "BLOCKS"))
+
+    block("SHEET")
+    polyline("0", True, (5, 5), (415, 5), (415, 292), (5, 292))
+    polyline("0", False, (275, 5), (275, 45), (415, 45))
+    line("0", 275, 22, 415, 22)
+    put((0, "ENDBLK"))
+    block("BOLT")  # a screw's head, seen from above
+    entity("CIRCLE", "0", *at(0, 0), (40, 6.0))
+    polyline("0", True, *((4 * math.cos(k * math.pi / 3), 4 * math.sin(k * math.pi / 3)) for k in range(6)))
+    put((0, "ENDBLK"))
+    block("HUB")
+    polyline("0", True, (3, 10), (3, 13), (-3, 13), (-3, 10, 6.8), (3, 10, 0))  # a bore with its keyway
+    put((0, "ENDBLK"))
+    block("GEAR")
+    insert("PART", "HUB", 0, 0)
+    teeth = []
+    for k in range(12):
+        for radius, turn, bulge in ((26, 1, 0), (34, 5, 0.05), (34, 11, 0), (26, 15, 0.07)):
+            a = math.radians(30 * k + turn * 1.5)
+            teeth.append((radius * math.cos(a), radius * math.sin(a), bulge))
+    polyline("0", True, *teeth)
+    entity("CIRCLE", "AXIS", *at(0, 0), (40, 30.0))
+    put((0, "ENDBLK"))
+    dimension("*D1", 95, 82, 155, 82, "60%%p0.02")
+    dimension("*D2", 20, 103, 20, 227, "%%c124")
+    put((0, "ENDSEC"), (0, "SECTION"), (2, "ENTITIES"))
+
+    insert("FRAME", "SHEET", 0, 0, attributes=(("NAME", 345, 33, 12, words["name"]),
+                                               ("NUMBER", 345, 13, 8, f"PC-0062-01  {words['designer']}")))
+    ax, bx, cy = 95, 155, 165  # the axes of the two gears
+    polyline("PART", True, (bx, cy - 62, 1), (bx, cy + 62), (ax, cy + 62, 1), (ax, cy - 62))
+    polyline("PART", True, (bx, cy - 38, 1), (bx, cy + 38), (ax, cy + 38, 1), (ax, cy - 38))
+    insert("GEAR", "GEAR", ax, cy)
+    insert("GEAR", "GEAR", bx, cy, -1, 15)
+    number = 0
+    for x, angles in ((ax, (90, 150, 210, 270)), (bx, (-90, -30, 30, 90))):
+        line("AXIS", x, cy - 70, x, cy + 70)
+        for angle in angles:
+            number += 1
+            a = math.radians(angle)
+            insert("PART", "BOLT", x + 50 * math.cos(a), cy + 50 * math.sin(a), 1, angle)
+    line("AXIS", 25, cy, 350, cy)
+
+    # The section from the side: hatched around the bore, which is an island, and a filled gasket.
+    wall = ((285, 103), (325, 103), (325, 227), (285, 227))
+    bore = ((295, 145, 0), (313, 145, 0.4142), (318, 150, 0), (318, 180, 0.4142), (313, 185, 0), (295, 185, 0))
+    polyline("PART", True, *wall)
+    polyline("PART", True, *bore)
+    entity("HATCH", "PART", *at(0, 0), (2, "ANSI31"), (70, 0), (71, 0), (91, 2))
+    for flags, corners in ((3, wall), (2, bore)):
+        put((92, flags), (72, 1), (73, 1), (93, len(corners)))
+        for x, y, *bulge in corners:
+            put(*at(x, y), (42, float(bulge[0] if bulge else 0)))
+        put((97, 0))
+    put((75, 0), (76, 1), (52, 0.0), (41, 1.0), (77, 0), (78, 1), (53, 45.0), (43, 0.0), (44, 0.0),
+        (45, -5 * math.sqrt(0.5)), (46, 5 * math.sqrt(0.5)), (79, 0), (98, 0))
+    entity("HATCH", "PART", *at(0, 0), (2, "SOLID"), (70, 1), (71, 0), (91, 1), (92, 3), (72, 0), (73, 1), (93, 4),
+           *at(325, 108), *at(329, 108), *at(329, 222), *at(325, 222), (97, 0), (75, 0), (76, 1), (98, 0))
+    entity("ARC", "PART", *at(-329, cy), (40, 22.0), (50, 90.0), (51, 270.0), (210, 0.0), (220, 0.0), (230, -1.0))
+
+    # A pipe, seen from above at a slant, and the hose that leaves it.
+    for y, pen, start, end in ((222, SOLID, 0, 2), (140, SOLID, 1, 2), (140, HIDDEN, 0, 1)):
+        entity("ELLIPSE", "PART", (6, pen), *at(386, y), *at(20, 0, 11), (40, 0.35), (41, start * math.pi),
+               (42, end * math.pi))
+    for x in (366, 406):
+        polyline("PART", False, (x, 140), (x, 222))
+    for shift in (0, 9):
+        points = ((382 + shift, 222), (382 + shift, 262), (340, 240 + shift), (330, 276 - shift), (250, 262 + shift))
+        knots = (0, 0, 0, 0, 1, 2, 2, 2, 2)
+        entity("SPLINE", "PART", (70, 8), (71, 3), (72, len(knots)), (73, len(points)), (74, 0),
+               *((40, float(knot)) for knot in knots))
+        for point in points:
+            put(*at(*point))
+
+    for name, x, y in (("*D1", 125, 82), ("*D2", 20, cy)):
+        entity("DIMENSION", "NOTE", (2, name), *at(x, y), (70, 0))
+    entity("LEADER", "NOTE", (71, 1), (72, 0), (76, 3), *at(318, 178), *at(262, 240), *at(222, 240))
+    text("NOTE", 242, 250, 12, words["seat"], 0, 4)
+    notes = "\\P".join(f"{i}. {note}" for i, note in enumerate(words["notes"], 1))
+    entity("MTEXT", "NOTE", *at(14, 72), (40, 9.0), (41, 250.0), (71, 1), (72, 1),
+           (1, f"{{\\H1.2x;\\L{words['title']}\\l}} {{\\C1;{words['material']}}}\\P{notes}"))
+    for y in range(20, 290, 30):  # what helped to draw it, frozen, and what was there before, off
+        line("DRAFT", 0, y, 420, y + 7)
+    entity("CIRCLE", "OLD", *at(125, cy), (40, 90.0))
+    put((0, "ENDSEC"), (0, "EOF"))
+    return "".join(line + "\r\n" for line in lines).encode(encoding)
+
+
 # Native and backup drawings: a header, then records of 64 bytes; everything little-endian. Pens and kinds by number.
 PENS = {SOLID: 0, DASHED: 2, CENTER: 3, HIDDEN: 5}
 POINT_RECORD, LINE_RECORD, ARC_RECORD, TEXT_RECORD, MORE_TEXT_RECORD = 1, 2, 4, 8, 9
@@ -898,6 +1061,8 @@ SAMPLES = {
     "mounting_plate.dxf": lambda: dxf(PLATE),
     "house_plan.dxf": lambda: dxf(HOUSE),
     "house_plan_ja.dxf": lambda: dxf(HOUSE_JAPANESE),
+    "pump_cover.dxf": lambda: pump_cover(COVER, "AC1015", ANSI_CODEPAGE),
+    "pump_cover_ja.dxf": lambda: pump_cover(COVER_JAPANESE, "AC1021", "utf-8"),
     "mounting_plate.qa": lambda: native(PLATE, EDITION_A),
     "house_plan.qa": lambda: native(HOUSE, EDITION_A, HOUSE_ORIGIN),
     "drive_shaft.lms": lambda: native(AXLE, EDITION_B),

@@ -208,6 +208,58 @@ TEST(FullDxf, Texts) {
     for (const auto& c : cases) EXPECT_EQ(texts(c.entities), c.texts) << c.entities;
 }
 
+// A drawing of every kind: most of them in blocks that stand in a grid from the lower left corner.
+TEST(FullDxf, EveryKind) {
+    const char* const kinds[] = {
+        "0 POINT|10 4|20 3",
+        "0 LINE|6 dashed|11 9|21 6",
+        "0 ARC|10 4|20 1|40 4|50 20|51 160",
+        "0 CIRCLE|8 dashes|10 4|20 3|40 3",
+        "0 ELLIPSE|10 4|20 3|11 4|21 1|40 .5|41 0|42 4",
+        "0 LWPOLYLINE|70 1|10 2|20 0|10 6|20 0|42 1|10 6|20 6|10 2|20 6|42 -.5",
+        "0 POLYLINE|0 VERTEX|10 0|20 3|42 -1|0 VERTEX|10 4|20 3|42 1|0 VERTEX|10 8|20 3|0 SEQEND",
+        "0 SPLINE|71 3|10 0|20 0|10 0|20 9|10 8|20 -3|10 8|20 6",
+        "0 HELIX|71 2|10 0|20 0|10 4|20 12|10 8|20 0",
+        "0 SOLID|10 0|20 0|11 8|21 0|12 0|22 6|13 8|23 6",
+        "0 TRACE|10 0|20 0|11 8|21 0|12 4|22 6",
+        "0 3DFACE|10 0|20 0|11 8|21 0|12 8|22 6|13 0|23 6|70 1",
+        "0 3DLINE|10 0|20 6|11 8|21 0|31 9",
+        "0 MLINE|11 0|21 2|13 0|23 1|74 1|41 2|74 1|41 -1|11 8|21 2|13 0|23 1|74 1|41 2|74 1|41 -1",
+        "0 LEADER|10 0|20 6|10 6|20 0|10 9|20 0",
+        "0 HATCH|70 1|92 3|10 0|20 0|10 9|20 0|10 9|20 6|10 0|20 6|92 2|10 3|20 2|10 6|20 2|10 6|20 4|10 3|20 4|75 0",
+        "0 HATCH|70 0|92 3|10 0|20 0|10 9|20 0|10 9|20 6|10 0|20 6|75 0|53 45|43 0|44 0|45 -2|46 2",
+        "0 MPOLYGON|70 1|92 3|10 0|20 0|10 8|20 0|10 4|20 6|75 0",
+        "0 IMAGE|10 2|20 0|11 1|21 .5|12 -.5|22 1|13 6|23 4",
+        "0 OLEFRAME|10 0|20 6|11 4|21 3",
+        "0 OLE2FRAME|10 0|20 6|11 8|21 0",
+        "0 MESH|92 3|10 0|20 0|30 0|10 8|20 0|30 5|10 4|20 6|30 0|93 4|90 3|90 0|90 1|90 2",
+        "0 POLYLINE|70 16|71 2|72 2|0 VERTEX|0 VERTEX|10 8|0 VERTEX|20 6|0 VERTEX|10 6|20 6",
+        "0 POLYLINE|70 64|0 VERTEX|70 192|0 VERTEX|70 192|10 8|0 VERTEX|70 192|20 6|0 VERTEX|70 128|71 1|72 -2|73 3",
+        "0 INSERT|2 B|10 8|20 0|41 -1|50 0|71 3|45 2|6 own",
+        "0 DIMENSION|2 B",
+        "0 ARC_DIMENSION|2 TWICE",
+        "0 LARGE_RADIAL_DIMENSION|2 MIXED",
+        "0 ACAD_TABLE|2 B|10 2|20 2|11 0|21 1",
+        "0 MULTILEADER|300 C|12 5|22 4|41 3|290 1|304 m|302 L|10 4|20 3|11 1|40 4|304 L|10 0|20 0|305 }|303 }|301 }",
+        "0 MLEADER|300 C|302 L|10 8|20 6|304 L|10 0|20 3|305 }|303 }|301 }",
+        "0 TEXT|10 0|20 2|40 3|1 text",
+        "0 MTEXT|10 0|20 6|40 3|41 6|1 two lines",
+        "0 ATTRIB|10 0|20 2|40 3|1 value",
+    };
+    std::string blocks = "0 SECTION|2 BLOCKS|", entities;
+    int count = 0;
+    for (const char* kind : kinds) {
+        const std::string name = "KIND" + std::to_string(count);
+        blocks += "0 BLOCK|2 " + name + "|" + kind + "|0 ENDBLK|";
+        entities += "0 INSERT|2 " + name + "|10 " + std::to_string(11 * (count % 9)) + "|20 " +
+                    std::to_string(9 * (count / 9)) + "|";
+        ++count;
+    }
+    entities += "0 XLINE|10 75|20 9|11 0|21 1|0 RAY|10 88|20 34|11 1|21 -1|0 ATTDEF|10 79|20 29|40 3|2 TAG";
+    const std::string picture = PlotOf(DecodeFullDxf, Pairs(blocks + "0 ENDSEC|" + kHead + entities), 108, 37, false);
+    EXPECT_EQ(picture, KeptPicture("full dxf")) << "[full dxf]\n" << picture;
+}
+
 // However a file is written, it shows the same.
 TEST(FullDxf, Forms) {
     const std::string drawing = Drawing(kTriangle + "|0 TEXT|10 20|20 15|40 3|1 a");
