@@ -31,9 +31,9 @@ static std::string FilterOfFolder(const std::string& folder) {
 }
 
 int main(int argc, char** argv) {
-    SetProcessDPIAware();  // as a CAD host is
     testing::InitGoogleTest(&argc, argv);
 #ifdef _WIN32
+    SetProcessDPIAware();  // as a CAD host is
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
     const INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_WIN95_CLASSES};
     InitCommonControlsEx(&controls);
