@@ -131,16 +131,19 @@ TEST_F(FolderTree, FillsOneLevelAtATimeAndAnewAtF5) {
 }
 
 TEST_F(FolderTree, KeepsItsSize) {
-    RECT first = {}, second = {};
+    RECT first = {}, second = {}, button = {};
     const DialogStep grow = Check([&](HWND dialog) {
         GetWindowRect(dialog, &first);
+        GetClientRect(GetDlgItem(dialog, IDCANCEL), &button);
         InflateRect(&first, 30, 20);
         SetWindowPos(dialog, nullptr, 0, 0, first.right - first.left, first.bottom - first.top, SWP_NOZORDER);
     });
     const DialogStep look = Check([&](HWND dialog) {
         EXPECT_TRUE(SendMessageA(dialog, WM_GETICON, ICON_SMALL, 0));
         GetWindowRect(dialog, &second);
-        RECT tree, cancel;
+        RECT tree, cancel, client;
+        GetClientRect(GetDlgItem(dialog, IDCANCEL), &client);
+        EXPECT_TRUE(EqualRect(&client, &button)) << "moved, not stretched";
         GetWindowRect(View(dialog), &tree);
         GetWindowRect(GetDlgItem(dialog, IDCANCEL), &cancel);
         EXPECT_TRUE(cancel.right == tree.right && cancel.top > tree.bottom && cancel.bottom < second.bottom);

@@ -95,6 +95,9 @@ TEST(SpinButton, Steps) {
                   {IDC_OTHER_FIELD, KW_KIND_EDIT | KW_VALUE_INT8 | KW_FLAG_SPIN, &small, 0, 10, nullptr},
                   NumberField(&plain)};  // without a button
     host.opened = [&](HWND dialog) {
+        const HWND spin = HandlesOf(dialog, 0)->spinButton;
+        ConstructItems(dialog, 0);
+        EXPECT_EQ(HandlesOf(dialog, 0)->spinButton, spin) << "a field has one";
         SetDlgItemTextA(dialog, IDC_FIELD, "7");
         EXPECT_EQ(Step(dialog, 2, 1), 1) << "from no window";
         EXPECT_EQ(TextOf(dialog, IDC_FIELD), "7");
@@ -109,7 +112,7 @@ TEST(SpinButton, Steps) {
             EXPECT_EQ(GetFocus(), GetDlgItem(dialog, id));
             EXPECT_EQ(Send(dialog, id, EM_GETSEL), MAKELONG(0, strlen(shown)));
         }
-        const HWND spin = HandlesOf(dialog, 0)->spinButton, field = GetDlgItem(dialog, IDC_FIELD);
+        const HWND field = GetDlgItem(dialog, IDC_FIELD);
         EnableWindow(field, FALSE);
         ShowWindow(field, SW_HIDE);
         EXPECT_FALSE(IsWindowEnabled(spin) || IsWindowVisible(spin)) << "goes with its field";

@@ -190,12 +190,15 @@ TEST(Items, MoreButtonsThanThereAre) {
 TEST(Items, OneThatCannotBeWrittenBack) {
     std::int32_t first = 1, last = 2;
     HostDialog host;
-    host.items = {NumberField(&first), {IDC_CHECK, kCheck | kInt32, &last, 0, 0, nullptr}, NumberField(&last)};
+    host.items = {{IDC_LABEL, kLabel, nullptr, 0, 0, nullptr},
+                  NumberField(&first),
+                  {IDC_CHECK, kCheck | kInt32, &last, 0, 0, nullptr},
+                  NumberField(&last)};
     host.opened = [&](HWND dialog) {
+        DestroyWindow(GetDlgItem(dialog, IDC_LABEL));  // no failure
         SetDlgItemTextA(dialog, IDC_FIELD, "7");
-        host.items[1].value = nullptr;
+        host.items[2].value = nullptr;
     };
     EXPECT_EQ(host.Run(), 1);
-    EXPECT_EQ(first, 7);
-    EXPECT_EQ(last, 2) << "behind the failure";
+    EXPECT_EQ(std::pair(first, last), std::pair(7, 2)) << "before and behind the failure";
 }

@@ -157,7 +157,8 @@ TEST(Pages, DoNotEndByThemselves) {
     host.opened = [](HWND dialog) {
         const HWND page = PageWindow(SetOf(dialog), 0);
         SendMessageA(page, WM_COMMAND, IDC_BUTTON, 0);
-        EXPECT_TRUE(IsWindow(page));
+        MSG posted;
+        EXPECT_FALSE(PeekMessageA(&posted, page, WM_COMMAND, WM_COMMAND, PM_NOREMOVE));
         SendMessageA(page, WM_CLOSE, 0, 0);
     };
     host.endWith = 0;

@@ -113,22 +113,17 @@ TEST(Paths, DevicesAreNoFiles) {
 
 TEST(LoadFileToGlobal, WholeOrNothing) {
     const TempFolder folder;
-    const std::string contents("one\0two\xff", 8);
-    const std::string path = folder.Write("data", contents);
+    const std::string contents("one\0two\xff", 8), path = folder.Write("data", contents), empty = folder.Write("0", "");
     const HGLOBAL block = LoadFileToGlobal(path.c_str());
-    EXPECT_TRUE(DeleteFileA(path.c_str())) << "the file is closed";
     EXPECT_EQ(GlobalFlags(block) & GMEM_LOCKCOUNT, 1u);
     EXPECT_EQ(std::string(static_cast<const char*>(GlobalLock(block)), contents.size()), contents);
-    GlobalUnlock(block);
-    GlobalUnlock(block);
-    EXPECT_FALSE(GlobalFree(block));
-
-    const std::string locked = folder.Write("locked", "x");
-    const HANDLE owner = CreateFileA(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    for (const std::string& bad : {folder.Write("empty", ""), folder.At("missing"), folder.path, locked})
-        EXPECT_FALSE(LoadFileToGlobal(bad.c_str())) << bad;
+    while (GlobalUnlock(block)) {}
+    GlobalFree(block);
+    const UniqueHandle owner(CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    EXPECT_TRUE(IsOpen(owner)) << "the file is closed";
+    for (const char* bad : {path.c_str(), empty.c_str(), folder.path.c_str(), "missing"})
+        EXPECT_FALSE(LoadFileToGlobal(bad)) << bad;
     EXPECT_FALSE(LoadFileToGlobal(nullptr));
-    CloseHandle(owner);
 }
 
 TEST(PreviewCancel, StoresOnlyZeroAndOne) {
@@ -200,7 +195,7 @@ TEST(StringCache, FlushesWhenAllSlotsAreTaken) {
     EXPECT_STREQ(first, "text 512");
     EXPECT_STREQ(fifth, "") << "all texts are gone";
     EXPECT_EQ(std::string(get(601)), std::string(125, 'a') + "b");
-    EXPECT_FALSE(LoadResString(ThisModule(), 110)) << "modules are kept apart";
+    EXPECT_FALSE(LoadResString(ThisModule(), 612)) << "modules are kept apart";
     EXPECT_FALSE(LoadResString(nullptr, 0));
     EXPECT_STREQ(get(3), "text 3") << "made again after the teardown";
     LoadResString(nullptr, 0);

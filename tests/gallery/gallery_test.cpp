@@ -22,13 +22,13 @@ static std::string NamesOf(const GalleryItems& items) {
 
 TEST(GalleryItems, FoldersAndLists) {
     const TempFolder folder;
-    for (const char* name : {"b.dxf", "A.DXF", "c.txt", "d e.exf"}) folder.Write(name, kDrawing);
+    for (const char* name : {"B.dxf", "a.DXF", "c.txt", "d e.exf"}) folder.Write(name, kDrawing);
     folder.MakeFolder("folder.dxf");
     const std::string backslash = GetACP() == 932 ? "\x95\x5c.dxf" : "z.dxf";  // in a character's second byte
     folder.Write(backslash, kDrawing);
     const std::pair<const char*, std::string> cases[] = {
         // clang-format off
-        {"*.dxf", "A.DXF|b.dxf|" + backslash + "|"}, {"*.none", ""}, {"", ""}, {"*.exf; *.txt", "c.txt|d e.exf|"},
+        {"*.dxf", "a.DXF|B.dxf|" + backslash + "|"}, {"*.none", ""}, {"", ""}, {"*.exf; *.txt", "c.txt|d e.exf|"},
         {";;*.txt; ;c*.*;", "c.txt|c.txt|"},  // a file counts for each pattern that it matches
         // clang-format on
     };
@@ -51,10 +51,9 @@ protected:
     TempFolder folder;
     char result[256] = "";
 
-    int Run(std::vector<DialogStep> steps, const char* patterns = "*.*", DWORD size = sizeof(result)) {
-        return static_cast<int>(RunDialog(
-            [&] { return static_cast<unsigned>(ShowGallery(nullptr, 0, folder.path.c_str(), patterns, result, size)); },
-            std::move(steps)));
+    bool Run(std::vector<DialogStep> steps, const char* patterns = "*.*", DWORD size = sizeof(result)) {
+        const auto show = [&] { return ShowGallery(nullptr, 0, folder.path.c_str(), patterns, result, size) == 1; };
+        return RunDialog(show, std::move(steps)) != 0;
     }
 };
 

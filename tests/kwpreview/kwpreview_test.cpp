@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 
 #include "gallery/gallery_items.h"
 #include "kit/paths.h"
@@ -266,26 +268,24 @@ TEST(Kwpreview, PatternsFoldersAndNames) {
 // Names are wide, comments are in the system's code page, both go out as UTF-8.
 TEST(Kwpreview, NamesOfEveryLanguage) {
     const TempFolder folder;
-    const std::wstring inside = Wide(folder.At("")) + L"\uAC00\u56F3";  // one of them in neither language's code page
-    ASSERT_TRUE(CreateDirectoryW(inside.c_str(), nullptr));
-    const std::string drawing = folder.Write("x.dxf", kDrawing), text = folder.Write("x.txt", "Ein Text.\r\n.");
-    const std::string command = folder.Write("x.cmd", "DIALOG_PREVIEW \"b.dxf\"\r\n");
-    for (const wchar_t* name : {L"\\\uAC00.dxf", L"\\\uAC01.dxf", L"\\b.dxf"})
-        ASSERT_TRUE(CopyFileW(Wide(drawing).c_str(), (inside + name).c_str(), TRUE));
-    ASSERT_TRUE(CopyFileW(Wide(text).c_str(), (inside + L"\\\uAC00.txt").c_str(), TRUE));
-    ASSERT_TRUE(MoveFileW(Wide(command).c_str(), (inside + L"\\\uAC00.cmd").c_str()));
+    // One of the folder's characters is in neither language's code page.
+    const std::filesystem::path inside = Wide(folder.At("")) + L"\uAC00\u56F3";
+    ASSERT_TRUE(std::filesystem::create_directory(inside));
+    const auto put = [&](const wchar_t* name, const std::string& contents) {
+        std::ofstream(inside / name, std::ios::binary) << contents;
+    };
+    for (const wchar_t* name : {L"\uAC00.dxf", L"\uAC01.dxf", L"b.dxf"}) put(name, kDrawing);
+    put(L"\uAC00.txt", "Ein Text.\r\n.");
+    put(L"\uAC00.cmd", "DIALOG_PREVIEW \"b.dxf\"\r\n");
     const Result result = RunWide({inside, L"--comment"});
     EXPECT_EQ(result.code, 0u) << result.err;
     EXPECT_TRUE(Has(result.out, u8"\uAC00\u56F3\\\uAC00.dxf: ") && Has(result.out, "        Ein Text.\r\n"))
         << result.out;
-    for (const wchar_t* name : {L"\\\uAC00.dxf.png", L"\\\uAC01.dxf.png", L"\\b.dxf.png", L"\\\uAC00.cmd.png"}) {
-        const std::wstring png = inside + name;
-        EXPECT_TRUE(MoveFileW(png.c_str(), Wide(folder.At("moved.png")).c_str())) << GetLastError();
-        EXPECT_TRUE(ReadWholeFile(folder.At("moved.png")) == DrawnByReader(drawing, 640, 480));
-        DeleteFileA(folder.At("moved.png").c_str());
+    const std::string drawn = DrawnByReader(folder.Write("x.dxf", kDrawing), 640, 480);
+    for (const wchar_t* name : {L"\uAC00.dxf.png", L"\uAC01.dxf.png", L"b.dxf.png", L"\uAC00.cmd.png"}) {
+        std::ifstream png(inside / name, std::ios::binary);
+        EXPECT_TRUE(std::string(std::istreambuf_iterator<char>(png), {}) == drawn) << name[0];
     }
-    for (const wchar_t* name : {L"\\\uAC00.dxf", L"\\\uAC01.dxf", L"\\b.dxf", L"\\\uAC00.txt", L"\\\uAC00.cmd", L""})
-        EXPECT_TRUE(DeleteFileW((inside + name).c_str()) || RemoveDirectoryW(inside.c_str()));
     if (GetACP() != 932) return;
     EXPECT_TRUE(
         Has(RunKwpreview({folder.Write("\x95\x5c.txt", "\x83\x5c\r\n."), "--comment"}).out, u8"        ソ\r\n"));
