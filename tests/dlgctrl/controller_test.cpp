@@ -48,27 +48,13 @@ TEST(Controller, NoTable) {
         EXPECT_EQ(kwDlgBoxCtrl(ThisModule(), name, nullptr, nullptr, count, HostCallback), result) << count;
 }
 
-TEST(Controller, TwoItemsWithOneId) {
-    std::int32_t one = 1, two = 2;
-    HostDialog host;
-    host.items = {NumberField(&one, 5), NumberField(&two)};
-    host.opened = [](HWND dialog) {
-        EXPECT_EQ(TextOf(dialog, IDC_FIELD), "2") << "both are set up";
-        SetDlgItemTextA(dialog, IDC_FIELD, "9");
-        LeaveField(dialog, IDC_FIELD);  // reaches the first, with its range
-    };
-    EXPECT_EQ(host.Run(), 1);
-    EXPECT_EQ(one, 5);
-    EXPECT_EQ(two, 5);
-}
-
 TEST(Controller, CallbackSeesMessagesFirst) {
-    std::int32_t number = 1;
+    std::int32_t first = 2, second = 1;
     HostDialog host;
-    host.items = {NumberField(&number, 5)};
+    host.items = {NumberField(&first, 5), NumberField(&second)};  // two items of one control
     bool takes = false;
     host.callback = [&](HWND dialog, UINT message, WPARAM wParam) -> INT_PTR {
-        if (message == WM_INITDIALOG) { EXPECT_EQ(TextOf(dialog, IDC_FIELD), "1") << "after the items"; }
+        if (message == WM_INITDIALOG) { EXPECT_EQ(TextOf(dialog, IDC_FIELD), "1") << "after all items"; }
         return takes && (message == WM_APP + 1 || (message == WM_COMMAND && LOWORD(wParam) == IDC_FIELD)) ? 42 : 0;
     };
     host.opened = [&](HWND dialog) {
@@ -79,12 +65,14 @@ TEST(Controller, CallbackSeesMessagesFirst) {
         const auto procedure = reinterpret_cast<DLGPROC>(GetWindowLongPtrA(dialog, DWLP_DLGPROC));
         EXPECT_EQ(procedure(dialog, WM_APP + 1, 0, 0), TRUE);
         takes = false;
+        LeaveField(dialog, IDC_FIELD);  // reaches the first item, with its range
         EXPECT_EQ(ItemTable(dialog), host.items.data());
         EXPECT_EQ(FocusControl(dialog, IDC_FIELD), 1);
         EXPECT_EQ(Send(dialog, IDC_FIELD, EM_GETSEL), MAKELONG(0, 1));
         EXPECT_EQ(FocusControl(dialog, IDC_MISSING), 0);
     };
     EXPECT_EQ(host.Run(), 1);
+    EXPECT_TRUE(first == 5 && second == 5) << first << " " << second;
 }
 
 // What a callback may do in any message without harm: each row does it at the first message that its own condition
@@ -110,36 +98,24 @@ TEST(Controller, CallbacksThatInterfere) {
         {"initialises again", [=](HWND window) { SendMessageA(dialogOf(window), WM_INITDIALOG, 0, 0); }},
         {"runs another dialog", [=](HWND) { EXPECT_EQ(HostDialog().Run(IDD_SMALL), 1); }},
     };
-    const struct {
-        const char* when;
-        bool onPage;
-        UINT message;
-        WPARAM wParam;
-    } moments[] = {
-        {"dialog's text is set", false, WM_COMMAND, kTextSet}, {"page's text is set", true, WM_COMMAND, kTextSet},
-        {"dialog opens", false, WM_INITDIALOG, kAny},          {"page opens", true, WM_INITDIALOG, kAny},
-        {"page is shown", true, WM_SHOWWINDOW, TRUE},          {"dialog is accepted", false, WM_COMMAND, IDOK},
-        {"page is accepted", true, WM_COMMAND, IDOK},          {"dialog is destroyed", false, WM_DESTROY, kAny},
-        {"page is destroyed", true, WM_DESTROY, kAny},
-    };
+    const std::pair<UINT, WPARAM> moments[] = {
+        {WM_COMMAND, kTextSet}, {WM_INITDIALOG, kAny}, {WM_SHOWWINDOW, TRUE}, {WM_COMMAND, IDOK}, {WM_DESTROY, kAny}};
     for (const auto& act : acts) {
-        for (const auto& moment : moments) {
-            SCOPED_TRACE(std::string(act.what) + " when a " + moment.when);
+        for (std::size_t i = 0; i < 2 * std::size(moments); ++i) {
+            const bool onPage = i % 2;
+            const auto [awaited, parameter] = moments[i / 2];
+            SCOPED_TRACE(std::string(act.what) + (onPage ? ", page, " : ", dialog, ") + std::to_string(awaited));
             bool done = false;
             HostDialog host;
             host.items = {{IDC_FIELD, KW_KIND_EDIT | KW_VALUE_INT32 | KW_FLAG_SPIN, &number, 0, 5, nullptr},
                           {IDC_TABS, KW_KIND_PAGES | KW_VALUE_PAGES | KW_FLAG_KEEP_PAGE, pages, 1, 2, nullptr}};
             host.callback = [&](HWND window, UINT message, WPARAM wParam) -> INT_PTR {
-                const bool isOnPage = GetParent(window) != nullptr;
-                const bool isMoment = message == moment.message && (moment.wParam == kAny || moment.wParam == wParam);
-                if (!done && isOnPage == moment.onPage && isMoment) {
-                    done = true;
-                    act.act(window);
-                }
+                const bool isMoment = message == awaited && (parameter == kAny || parameter == wParam);
+                if (isMoment && onPage == (GetParent(window) != nullptr) && !std::exchange(done, true)) act.act(window);
                 return 0;
             };
             host.Run(IDD_SMALL);
-            EXPECT_TRUE(done);
+            EXPECT_EQ(done, onPage || awaited != WM_SHOWWINDOW) << "the dialog stays unseen";
             MSG message;
             while (PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) {}
         }

@@ -21,7 +21,7 @@ TEST(EvaluateExpression, Table) {
         // comparisons, with and without tolerance; logic at one level
         {"3=1+2", 1}, {"1=1.000000001", 1}, {"1==1.0000001", 0}, {"1!=1.000000001", 0}, {"1<>2", 1}, {"1><1", 0},
         {"1<1.000000001", 1}, {"1.000000001>1", 1}, {"1.000000001<=1", 1}, {"1.0000001<=1", 0},
-        {"1>=1.000000001", 1}, {"1>=1.0000001", 0}, {"3>2>1", 0}, {"1||0&&0", 0}, {"2&&0.5", 1}, {"1=1&&2=2", 1},
+        {"1>=1.000000001", 1}, {"1>=1.0000001", 0}, {"3>2>1", 0}, {"1||0&&0", 0}, {"1||0", 1}, {"2&&0.5", 1}, {"1=1&&2=2", 1},
         // conditionals
         {"0 ? 1 : 2", 2}, {"1 ? (0 ? 5 : 6) : 7", 6}, {"0 ? 1:2", 0, "", 1001}, {"1 ? 2", 0, "", 1001},
         {"1 ? 2 : nothing", 0, "nothing", 1003}, {"1 ? 2 : 3 ? 4 : 5", 2, "? 4 : 5"},
@@ -61,6 +61,7 @@ TEST(EvaluateExpression, NestingIsBounded) {
         return evaluateExpression(&position, &value) && value == 1;
     };
     EXPECT_TRUE(gives1(127, "(", ')')) << "all that fits a field";
+    EXPECT_TRUE(gives1(127, "0*(1)+(", ')')) << "side by side they are not counted";
     for (const char* opening : {"(", "abs(", "hypot(0,", "-(", "1 ? 1 : ("})
         EXPECT_FALSE(gives1(1000000, opening, ')')) << opening;
     EXPECT_TRUE(gives1(1000000, "-", '\0'));

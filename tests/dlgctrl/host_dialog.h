@@ -18,8 +18,7 @@ struct HostDialog {
     std::function<void(HWND dialog)> opened;  // once the dialog runs; without it, and behind it, OK is pressed
     std::function<INT_PTR(HWND dialog, UINT message, WPARAM wParam)> callback;  // sees what a DialogCallback sees
     int endWith = IDOK;  // command that ends it behind `opened`; 0: none
-    HWND owner = nullptr;
-    bool shown = true;  // false: it ends before it is shown, which takes half the time
+    bool shown = true;   // false: it ends before it is shown, which takes half the time
     int Run(int templateId = IDD_CONTROLS);
 };
 
@@ -43,7 +42,7 @@ inline INT_PTR CALLBACK HostCallback(HWND dialog, UINT message, WPARAM wParam, L
 inline int HostDialog::Run(int templateId) {
     HostDialog* const outer = runningHost;
     runningHost = this;
-    const int result = kwDlgBoxCtrl(ThisModule(), MAKEINTRESOURCEA(templateId), owner, items.data(),
+    const int result = kwDlgBoxCtrl(ThisModule(), MAKEINTRESOURCEA(templateId), nullptr, items.data(),
                                     static_cast<int>(items.size()), HostCallback);
     runningHost = outer;
     return result;

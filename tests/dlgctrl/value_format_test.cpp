@@ -32,12 +32,12 @@ TEST(ValueFormat, Formats) {
 TEST(ValueFormat, ModuleSettings) {
     SetRealFormat(nullptr, 0);
     EXPECT_EQ(FormatReal(nullptr, 2), "2.");
-    SetRealFormat("%.1lf 456789abcdefgh", 0);
-    EXPECT_EQ(FormatReal(nullptr, 2), "2.0 456789abcd") << "16 bytes of it; no zero that a unit follows is cut";
+    SetRealFormat("%.1lf 456789abc0efgh", 0);
+    EXPECT_EQ(FormatReal(nullptr, 2), "2.0 456789abc0") << "16 bytes of it; no zero that a unit follows is cut";
     char format[kRealFormatSize + 1] = "................";
     int decimals = -1;
     GetRealFormat(format, &decimals);
-    EXPECT_STREQ(format, "%.1lf 456789abcd");
+    EXPECT_STREQ(format, "%.1lf 456789abc0");
     EXPECT_EQ(decimals, 0);
     SetRealFormat(nullptr, -1);
 }

@@ -31,7 +31,7 @@ protected:
     char file[MAX_PATH] = "";
     SelectRequest request = {"A title", "Drawings\0*.dxf\0Anything\0*.*\0", folder.path.c_str(), 2, file, MAX_PATH,
                              nullptr,   KW_SORT_NAME | KW_SORT_DATE,        KW_SHOW_TIME};
-    RECT pane = {};  // the size of the pane's picture; see MeasurePane
+    RECT pane = {};  // the size of the pane's picture, once a drawing has been asked for
 
     unsigned Run(int modeBits, std::vector<DialogStep> steps, int keepLongName = 1) {
         const std::string before = CurrentDirectory();
@@ -40,14 +40,11 @@ protected:
         EXPECT_EQ(CurrentDirectory(), before);
         return result;
     }
-    void MeasurePane() {
-        const auto measure = [&](HWND dialog) { GetClientRect(FindControl(dialog, IDC_PREVIEW_PICTURE), &pane); };
-        Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {Check(measure), Press(IDCANCEL)});
-    }
     // What the pane has to show for a drawing. Made before the dialog opens: a reader on this thread would stop the
     // pane's.
     PaneContents DrawingOf(const std::string& path) {
-        MeasurePane();
+        const auto measure = [&](HWND dialog) { GetClientRect(FindControl(dialog, IDC_PREVIEW_PICTURE), &pane); };
+        Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {Check(measure), Press(IDCANCEL)});
         std::string comment(32767, '\0');
         const std::string picture = TakePicture(ReadDxfPreview(2, path.c_str(), &pane, comment.data(), 32767));
         return {picture, comment.c_str()};
@@ -61,9 +58,19 @@ class ClassicDialog : public FileDialog {
 
 static bool IsFileDialog(HWND dialog) { return FileNameField(dialog) != nullptr; }
 
-// Presses a button of the message box in front.
-static DialogStep Answer(int buttonId) {
-    return [=](HWND dialog) { return !IsFileDialog(dialog) && Press(buttonId)(dialog); };
+// Presses a button of the question in front.
+static DialogStep Answer(int buttonId, const std::string& question) {
+    return [=](HWND dialog) {
+        if (IsFileDialog(dialog)) return false;
+        EXPECT_EQ(ControlText(dialog, 0xFFFF), question);
+        return Press(buttonId)(dialog);
+    };
+}
+
+static DialogStep NameIs(const std::string& name) {
+    return [=](HWND dialog) {
+        return IsFileDialog(dialog) && WindowText(FileNameField(dialog)).find(name) != std::string::npos;
+    };
 }
 
 static DialogStep ChooseFilter(int index) {
@@ -134,12 +141,9 @@ TEST_F(ExplorerDialog, AChoiceInTheGalleryClosesIt) {
         SelectLine(dialog, IDC_GALLERY_LIST, 1);
         return true;
     };
-    const auto unchanged = [](HWND dialog) {
-        return IsFileDialog(dialog) && WindowText(FileNameField(dialog)).find("one.dxf") != std::string::npos;
-    };
     request.filterIndex = 1;
     EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {SelectFile("one.dxf"), OpenGallery, choose, Press(IDCANCEL),
-                                                   unchanged, OpenGallery, choose, Press(IDOK)}),
+                                                   NameIs("one.dxf"), OpenGallery, choose, Press(IDOK)}),
               1u);
     EXPECT_STREQ(file, folder.At("two.dxf").c_str());
 }
@@ -190,18 +194,9 @@ TEST_F(ExplorerDialog, OpensATypedName) {
 
 TEST_F(ExplorerDialog, Save) {
     folder.Write("old.dxf", kDrawing);
-    const DialogStep question = [&](HWND dialog) {
-        if (IsFileDialog(dialog)) return false;
-        char text[600];
-        wsprintfA(text, LoadResString(ThisModule(), IDS_OVERWRITE), folder.At("old.dxf").c_str());
-        EXPECT_EQ(ControlText(dialog, 0xFFFF), text);
-        return true;
-    };
-    const auto nameIsStill = [](const char* name) {
-        return [=](HWND dialog) {
-            return IsFileDialog(dialog) && WindowText(FileNameField(dialog)).find(name) != std::string::npos;
-        };
-    };
+    char question[600];
+    wsprintfA(question, LoadResString(ThisModule(), IDS_OVERWRITE), folder.At("old.dxf").c_str());
+    const DialogStep no = Answer(IDCANCEL, question), yes = Answer(IDOK, question);
     const struct {
         const char* what;
         int modeBits;
@@ -212,13 +207,10 @@ TEST_F(ExplorerDialog, Save) {
         // clang-format off
         {"the extension is added", KW_FILE_PREVIEW, "dxf", {TypeFileName("new"), Press(IDOK)}, "new.dxf"},
         {"unless there is one", 0, "dxf", {TypeFileName("new.x"), Press(IDOK)}, "new.x"},
-        {"the question: no, then yes", 0, "dxf",
-         {TypeFileName("old"), Press(IDOK), question, Answer(IDCANCEL), nameIsStill("old.dxf"), Press(IDOK),
-          Answer(IDOK)}, "old.dxf"},
+        {"no, then yes", 0, "dxf", {TypeFileName("old"), Press(IDOK), no, NameIs("old.dxf"), Press(IDOK), yes}, "old.dxf"},
         {"no, then another name", 0, "dxf",
-         {TypeFileName("old.dxf"), Press(IDOK), Answer(IDCANCEL), TypeFileName("other"), Press(IDOK)}, "other.dxf"},
-        {"no, then cancelled", 0, nullptr,
-         {TypeFileName("old.dxf"), Press(IDOK), Answer(IDCANCEL), nameIsStill("old.dxf"), Press(IDCANCEL)}, nullptr},
+         {TypeFileName("old.dxf"), Press(IDOK), no, TypeFileName("other"), Press(IDOK)}, "other.dxf"},
+        {"no, then cancelled", 0, nullptr, {TypeFileName("old.dxf"), Press(IDOK), no, Press(IDCANCEL)}, nullptr},
         {"without the question", KW_FILE_OVERWRITE, "dxf", {TypeFileName("old"), Press(IDOK)}, "old.dxf"},
         // clang-format on
     };
@@ -254,21 +246,6 @@ static void Toggle(HWND dialog, std::initializer_list<int> boxes) {
     for (const int box : boxes) SendMessageA(FindControl(dialog, box), BM_CLICK, 0, 0);
 }
 
-TEST_F(ClassicDialog, OptionsGoInAndOut) {
-    const auto readAndClick = [](HWND dialog) {
-        EXPECT_FALSE(FindControl(dialog, IDC_PREVIEW_COMMENT)) << "the classic dialog has no pane";
-        std::string checked;
-        for (int id = IDC_SORT_NAME; id <= IDC_SHOW_COMMENT; ++id)
-            checked += SendMessageA(FindControl(dialog, id), BM_GETCHECK, 0, 0) ? '1' : '0';
-        EXPECT_EQ(checked, "10010010");
-        Toggle(dialog, {IDC_SORT_NAME, IDC_SORT_SIZE, IDC_SHOW_TIME, IDC_SHOW_SIZE, IDC_SHOW_COMMENT});
-    };
-    EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW, {Check(readAndClick), ChooseFilter(0), Press(IDCANCEL)}), 0u);
-    EXPECT_EQ(request.sortOptions, DWORD{KW_SORT_SIZE | KW_SORT_DATE});
-    EXPECT_EQ(request.displayOptions, DWORD{KW_SHOW_SIZE | KW_SHOW_COMMENT});
-    EXPECT_EQ(request.filterIndex, 1u);
-}
-
 TEST_F(ClassicDialog, ListSortsShowsAndSelects) {
     folder.Write("big.b", std::string(2000, 'x'));
     folder.Write("small.a", "G90\r\nG01");
@@ -277,9 +254,12 @@ TEST_F(ClassicDialog, ListSortsShowsAndSelects) {
     const bool isJapanese = GetACP() == 932;
     const std::string japanese = isJapanese ? "\x95\x5c\x81\x40.a" : "x";
     folder.Write(japanese, "");
-    request.sortOptions = KW_SORT_NAME, request.displayOptions = 0;
-    std::string switches;
+    std::string switches, checked;
     const auto look = [&](HWND dialog) {
+        for (int id = IDC_SORT_NAME; id <= IDC_SHOW_COMMENT; ++id)
+            checked += SendMessageA(FindControl(dialog, id), BM_GETCHECK, 0, 0) ? '1' : '0';
+        EXPECT_EQ(checked, "10010010") << "the options come in";
+        Toggle(dialog, {IDC_SORT_DATE, IDC_SHOW_TIME});
         SetWindowSubclass(FindControl(dialog, IDC_FILE_LIST), NoteRedraw, 0, reinterpret_cast<DWORD_PTR>(&switches));
         EXPECT_EQ(Listed(dialog), "big.b|small.a|with blank.a\t|" + japanese + "|");
         Toggle(dialog, {IDC_SHOW_SIZE});
@@ -307,12 +287,14 @@ TEST_F(ClassicDialog, ListSortsShowsAndSelects) {
             EXPECT_EQ(InList(dialog, LB_GETCURSEL), line > 0 ? line : LB_ERR) << "kept, but for the first line";
         });
     };
-    EXPECT_EQ(Run(KW_FILE_OPEN, {Check(look), ChooseFilter(0), Check(isEmpty), ChooseFilter(1),
-                                 Check([](HWND dialog) { Toggle(dialog, {IDC_SHOW_DATE}); }), select("with blank.a"),
-                                 select("big.b"), select("small.a"), select(japanese), Press(IDOK)}),
+    EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW,  // the classic dialog has no pane
+                  {Check(look), ChooseFilter(0), Check(isEmpty), ChooseFilter(1),
+                   Check([](HWND dialog) { Toggle(dialog, {IDC_SHOW_DATE}); }), select("with blank.a"), select("big.b"),
+                   select("small.a"), select(japanese), Press(IDOK)}),
               1u);
     EXPECT_EQ(file, folder.At(japanese));
     EXPECT_EQ(request.sortOptions, DWORD{KW_SORT_SIZE});
+    EXPECT_EQ(request.displayOptions, DWORD{KW_SHOW_SIZE});
 }
 
 TEST_F(ClassicDialog, StartsInAnyDirectory) {

@@ -30,19 +30,20 @@ static void ChooseFile(const TempFolder& folder, int i) {
 // Complete and cancelled, or accepted while its worker is at work.
 static void ShowFolder(const TempFolder& folder, int i) {
     char name[KW_MAX_PATH] = "";
-    const DialogStep complete = [](HWND dialog) { return !IsWindowVisible(FindControl(dialog, IDC_GALLERY_PROGRESS)); };
-    const auto show = [&] { return ShowGallery(nullptr, 0, folder.path.c_str(), "*.dxf", name, sizeof(name)); };
-    std::vector<DialogStep> steps = {complete, Press(IDCANCEL)};
-    if (i % 2) steps = {Press(IDOK)};
-    RunDialog([&] { return static_cast<unsigned>(show()); }, steps);
+    const DialogStep complete = [=](HWND dialog) {
+        return i % 2 || !IsWindowVisible(FindControl(dialog, IDC_GALLERY_PROGRESS));
+    };
+    const auto show = [&] { return ShowGallery(nullptr, 0, folder.path.c_str(), "*.dxf", name, sizeof(name)) != 0; };
+    RunDialog(show, {complete, Press(i % 2 ? IDOK : IDCANCEL)});
 }
 
 static void ChooseFolder(const TempFolder&, int i) {
     char directory[KW_MAX_PATH] = "C:\\windows\\";
-    std::vector<DialogStep> steps = {Press(i % 2 ? IDOK : IDCANCEL)};
-    const auto refresh = [](HWND dialog) { SendMessageA(FindControl(dialog, IDC_FOLDER_TREE), WM_KEYDOWN, VK_F5, 0); };
-    if (i % 5 == 0) steps.insert(steps.begin(), Check(refresh));
-    RunDialog([&] { return kwSelectDirectryName(nullptr, nullptr, directory); }, steps);
+    const auto refresh = [=](HWND dialog) {
+        if (i % 5 == 0) SendMessageA(FindControl(dialog, IDC_FOLDER_TREE), WM_KEYDOWN, VK_F5, 0);
+    };
+    RunDialog([&] { return kwSelectDirectryName(nullptr, nullptr, directory); },
+              {Check(refresh), Press(i % 2 ? IDOK : IDCANCEL)});
 }
 
 // With a page; each fourth time with one more, which fails.

@@ -24,9 +24,13 @@ static std::string Shown(const std::string& file) {
 
 TEST(Dib, Pictures) {
     const std::string expected = Picture("...#", "#...");
+    const std::uint32_t before[] = {0, 0, 26 + 768, 12};  // the oldest header: 16-bit sizes, colours of three bytes
+    const std::uint16_t oldest[] = {4, 2, 1, 8};
     for (const std::string& file :
-         {kTrueColor, kIndexed, BitmapFile(4, 2, 8, kPalette + std::string(1600, '\0'), kPixels),  // too many colours
-          BitmapFile(4, -2, 8, kPalette, std::string("\0\0\0\1\1\0\0\0", 8)),                      // top down
+         {kTrueColor, kIndexed,
+          "BM" + Raw(before) + Raw(oldest) + std::string("\xff\xff\xff\0\0\0", 6) + std::string(762, '\0') + kPixels,
+          BitmapFile(4, 2, 8, kPalette + std::string(1600, '\0'), kPixels),    // too many colours
+          BitmapFile(4, -2, 8, kPalette, std::string("\0\0\0\1\1\0\0\0", 8)),  // top down
           BitmapFile(4, 2, 1, kPalette, std::string("\x80\0\0\0\x10\0\0\0", 8))})
         EXPECT_EQ(Shown(file), expected) << file.size();
 }
@@ -36,11 +40,11 @@ TEST(Dib, LargePicturesStaySmall) {
     // Two dark pixels and two light ones; in the third row three dark ones; nothing where there are no runs.
     const std::string runs("\2\1\2\0\0\0\0\2\3\1\0\3\1\0\1\0\0\1", 18);
     EXPECT_EQ(Shown(BitmapFile(8, 4, 8, kPalette, runs, 1)), Picture("########", "####.###", "########", "##..####"));
-    struct {
+    const struct {
         std::string file;
         int bits;
         std::vector<POINT> dark, light;
-    } const cases[] = {
+    } cases[] = {
         {BitmapFile(16384, 4096, 1, kPalette, std::string(2048 * 4096 - 1, '\0') + "\1"), 1, {{16383, 0}}, {{0, 4095}}},
         {BitmapFile(16384, 4096, 8, kPalette, runs, 1), 8, {{1, 4095}, {5, 4093}, {9, 9}}, {{2, 4095}, {4, 4093}}},
     };
@@ -83,6 +87,7 @@ TEST(Dib, WhatDoesNotFitGivesNothing) {
         file.replace(c.offset, 4, reinterpret_cast<const char*>(&c.value), 4);
         EXPECT_EQ(Shown(file), "") << c.what << " " << c.value;
     }
+    EXPECT_EQ(Shown(BitmapFile(16384, 4097, 8, kPalette, std::string(2, '\0'), 1)), "") << "too many pixels";
     for (std::uint32_t seed = 0; seed < 500; ++seed) Shown(WithFlippedBytes(seed % 2 ? kTrueColor : kIndexed, seed));
     EXPECT_EQ(CountHandles().gdi, before.gdi);
 }

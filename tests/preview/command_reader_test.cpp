@@ -37,6 +37,7 @@ TEST(CommandReader, FollowsTheLine) {
         {Line(folder.At("part.dxf")), true}, {Line(folder.At("part.dxf").substr(2)), true},
         {Line("part.qa"), true}, {Line("part.exf"), true},
         {Line(drive + "part.dxf"), true}, {Line(drive + "sub\\..\\part.dxf"), true},  // on the drive, beside it too
+        {Line(std::string(1, static_cast<char>(drive[0] ^ 0x20)) + ":part.dxf"), true},  // in either case
         {Line(drive + drive + "part.dxf"), false}, {Line(std::string(1, otherDrive) + ":part.dxf"), false},
         // kinds that are not followed, this file itself among them
         {Line("part.lbk"), false}, {Line("a.cmd"), false}, {Line("sub"), false}, {Line(""), false},
@@ -72,6 +73,9 @@ TEST(CommandReader, FollowsTheLine) {
     EXPECT_EQ(Show("sub\\up.cmd"), expected) << "in a folder below";
     folder.Write("sub\\up.cmd", Line(drive + "..\\part.dxf"));
     EXPECT_EQ(Show("sub\\up.cmd"), expected) << "the drive is the current directory's";
+    SetCurrentDirectoryA(sub.c_str());
+    folder.Write("a.cmd", Line("..\\" + folder.path.substr(folder.path.rfind('\\') + 1) + "\\part.dxf"));
+    EXPECT_EQ(Show("..\\a.cmd"), expected) << "above the current directory";
     EXPECT_FALSE(PreviewCommandFile(0, nullptr, &kTarget, nullptr, 0));
     SetCurrentDirectoryA(before);
 }

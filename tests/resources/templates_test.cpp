@@ -5,9 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cctype>
-#include <map>
 #include <string>
-#include <vector>
 
 #include "frame/module.h"
 #include "frame/services.h"
@@ -29,12 +27,6 @@ struct TemplateDialog {
         : window(CreateDialogParamA(ThisModule(), MAKEINTRESOURCEA(id), parent, NoMessages, 0)) {}
     ~TemplateDialog() { DestroyWindow(parent); }
     TemplateDialog(const TemplateDialog&) = delete;
-    std::vector<HWND> Controls() const {
-        std::vector<HWND> controls;
-        for (HWND each = GetWindow(window, GW_CHILD); each; each = GetWindow(each, GW_HWNDNEXT))
-            controls.push_back(each);
-        return controls;
-    }
 };
 
 static std::string ClassOf(HWND control) {
@@ -55,19 +47,18 @@ static SIZE TextSize(HWND control) {
 // What a button draws besides its text.
 static int BesidesText(HWND control) {
     if (ClassOf(control) != "Button") return 0;
-    switch (GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK) {
-        case BS_AUTOCHECKBOX:
-        case BS_CHECKBOX: return GetSystemMetrics(SM_CXMENUCHECK) + 2;
-        case BS_GROUPBOX: return 16;
-        default: return 8;
-    }
+    const LONG kind = GetWindowLongA(control, GWL_STYLE) & BS_TYPEMASK;
+    if (kind == BS_AUTOCHECKBOX || kind == BS_CHECKBOX) return GetSystemMetrics(SM_CXMENUCHECK) + 2;
+    return kind == BS_GROUPBOX ? 16 : 8;
 }
 
-TEST(Templates, TextsFit) {
+// In no dialog two controls go by one letter, and every text has its room.
+TEST(Templates, TextsFitAndMnemonicsAreUnique) {
     for (const int id : kTemplates) {
         const TemplateDialog dialog(id);
         ASSERT_NE(dialog.window, nullptr) << id;
-        for (const HWND control : dialog.Controls()) {
+        std::string keys;
+        for (HWND control = GetWindow(dialog.window, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
             const std::string kind = ClassOf(control), text = WindowText(control);
             if ((kind != "Button" && kind != "Static") || text.empty()) continue;
             RECT room;
@@ -75,29 +66,17 @@ TEST(Templates, TextsFit) {
             const SIZE size = TextSize(control);
             EXPECT_LE(size.cx + BesidesText(control), room.right) << id << " " << text;
             EXPECT_LE(size.cy, room.bottom) << id << " " << text;
-        }
-    }
-}
-
-TEST(Templates, MnemonicsAreUnique) {
-    for (const int id : kTemplates) {
-        const TemplateDialog dialog(id);
-        std::map<char, std::string> owners;
-        for (const HWND control : dialog.Controls()) {
-            const std::string text = WindowText(control);
-            const std::size_t mark = text.find('&');
-            if (mark != std::string::npos && text[mark + 1] != '&') {
-                const char key = static_cast<char>(std::toupper(static_cast<unsigned char>(text[mark + 1])));
-                EXPECT_TRUE(owners.emplace(key, text).second) << id << " " << text << " and " << owners[key];
-            }
+            const char key = static_cast<char>(std::toupper(static_cast<unsigned char>(text[text.find('&') + 1])));
+            if (text.find('&') == std::string::npos || key == '&') continue;
+            EXPECT_EQ(keys.find(key), std::string::npos) << id << " " << text;
+            keys += key;
         }
     }
 }
 
 static int BitmapWidth(HANDLE bitmap) {
     BITMAP shape = {};
-    GetObjectA(bitmap, sizeof(shape), &shape);
-    return shape.bmWidth;
+    return GetObjectA(bitmap, sizeof(shape), &shape) ? shape.bmWidth : 0;
 }
 
 static BOOL CALLBACK TakeTooltip(HWND window, LPARAM out) {
@@ -123,11 +102,16 @@ TEST(Dialogs, FollowTheResolution) {
         HWND tip = nullptr;
         EnumThreadWindows(GetCurrentThreadId(), TakeTooltip, reinterpret_cast<LPARAM>(&tip));
         char text[80] = "";
-        TOOLINFOA tool = {};
-        tool.cbSize = TTTOOLINFOA_V2_SIZE;
-        tool.hwnd = GetParent(FindControl(dialog, IDC_PREVIEW_GALLERY));
-        tool.uId = reinterpret_cast<UINT_PTR>(FindControl(dialog, IDC_PREVIEW_GALLERY));
-        tool.lpszText = text;
+        const HWND gallery = FindControl(dialog, IDC_PREVIEW_GALLERY);
+        TOOLINFOA tool = {TTTOOLINFOA_V2_SIZE,
+                          0,
+                          GetParent(gallery),
+                          reinterpret_cast<UINT_PTR>(gallery),
+                          {},
+                          nullptr,
+                          text,
+                          0,
+                          nullptr};
         SendMessageA(tip, TTM_GETTEXTA, 0, reinterpret_cast<LPARAM>(&tool));
         EXPECT_STREQ(text, LoadResString(ThisModule(), IDS_GALLERY_TIP));
     };

@@ -80,35 +80,33 @@ std::string CommentOf(Decoder decode, const std::string& file, std::size_t size,
     return text;
 }
 
-Stroke PointStroke(double x, double y) {
-    Stroke stroke = {0, {}};
-    stroke.primitive.SetPoint(x, y);
+// A stroke of what `set` makes of an element.
+template <typename Set>
+static Stroke StrokeOf(unsigned pen, Set set) {
+    Stroke stroke = {pen, {}};
+    set(stroke.primitive);
     return stroke;
+}
+
+Stroke PointStroke(double x, double y) {
+    return StrokeOf(0, [=](PreviewPrimitive& out) { out.SetPoint(x, y); });
 }
 
 Stroke LineStroke(unsigned pen, double x1, double y1, double x2, double y2, std::uint32_t marks) {
-    Stroke stroke = {pen, {}};
-    stroke.primitive.SetLine(x1, y1, x2, y2);
-    stroke.primitive.e.SetEndMarks(marks);
-    return stroke;
+    return StrokeOf(pen, [=](PreviewPrimitive& out) { out.SetLine(x1, y1, x2, y2), out.e.SetEndMarks(marks); });
 }
 
 Stroke ArcStroke(unsigned pen, double x, double y, double radius, double start, double end, std::uint32_t marks) {
-    Stroke stroke = {pen, {}};
-    stroke.primitive.SetArc(x, y, radius, start, end);
-    stroke.primitive.f.SetEndMarks(marks);
-    return stroke;
+    return StrokeOf(pen,
+                    [=](PreviewPrimitive& out) { out.SetArc(x, y, radius, start, end), out.f.SetEndMarks(marks); });
 }
 
 Stroke FrameStroke(double x1, double y1, double x2, double y2, double centreX, double centreY, double angle) {
-    Stroke stroke = {kTextPen, {}};
-    stroke.primitive.SetFrame(x1, y1, x2, y2, centreX, centreY, angle);
-    return stroke;
+    return StrokeOf(kTextPen, [=](PreviewPrimitive& out) { out.SetFrame(x1, y1, x2, y2, centreX, centreY, angle); });
 }
 
 Stroke TextStrokeOf(double x, double y, double height, double width, double spacing, double angle,
                     const std::string& text) {
-    Stroke stroke = {kTextPen, {}};
-    stroke.primitive.SetText(x, y, height, width, spacing, angle, text.c_str());
-    return stroke;
+    return StrokeOf(kTextPen,
+                    [&](PreviewPrimitive& out) { out.SetText(x, y, height, width, spacing, angle, text.c_str()); });
 }

@@ -4,30 +4,22 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 
-static void RemoveTree(const std::string& path) {
-    WIN32_FIND_DATAA found;
-    const HANDLE search = FindFirstFileA((path + "\\*").c_str(), &found);
-    for (BOOL more = search != INVALID_HANDLE_VALUE; more; more = FindNextFileA(search, &found)) {
-        const std::string name = found.cFileName, child = path + "\\" + name;
-        if (name == "." || name == "..") continue;
-        if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) RemoveTree(child);
-        else EXPECT_TRUE(DeleteFileA(child.c_str())) << child << " is still open";
-    }
-    FindClose(search);
-    EXPECT_TRUE(RemoveDirectoryA(path.c_str())) << path;
-}
-
-TempFolder::TempFolder() {
+TempFolder::TempFolder(const char* root) {
     static int number = 0;
-    char root[MAX_PATH] = "";
-    GetTempPathA(MAX_PATH, root);
-    path = std::string(root) + "kwtests-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++number);
+    path = std::string(std::getenv(root)) + "\\kwtests-" + std::to_string(GetCurrentProcessId()) + "-" +
+           std::to_string(++number);
     EXPECT_TRUE(CreateDirectoryA(path.c_str(), nullptr)) << path;
 }
 
-TempFolder::~TempFolder() { RemoveTree(path); }
+TempFolder::~TempFolder() {
+    std::error_code error;
+    std::filesystem::remove_all(path, error);
+    EXPECT_FALSE(error) << path << " holds something that is still open";
+}
 
 std::string TempFolder::Write(const std::string& name, const std::string& contents) const {
     WriteWholeFile(At(name), contents);

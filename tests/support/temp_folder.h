@@ -7,8 +7,8 @@
 #include "support/samples.h"
 
 struct TempFolder {
-    std::string path;  // without a backslash at its end
-    TempFolder();
+    std::string path;                               // without a backslash at its end
+    explicit TempFolder(const char* root = "TMP");  // in the folder that this variable of the environment names
     ~TempFolder();
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;

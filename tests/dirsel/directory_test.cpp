@@ -1,40 +1,35 @@
-#include "dirsel/folder_tree.h"
-
+// Both ways to choose a directory: the tree of the shell's folders and the classic dialog.
 #include <windows.h>
 
 #include <commctrl.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
 
 #include "dirsel/folder_nodes.h"
+#include "frame/services.h"
 #include "kwdialogs.h"
 #include "resources/resource.h"
 #include "support/dialog_driver.h"
 #include "support/temp_folder.h"
 
-// A folder that the shell shows: the user's own place for temporary files may be hidden.
-struct VisibleTemp {
-    char path[MAX_PATH] = "", previous[MAX_PATH] = "";
-    VisibleTemp() {
-        GetTempPathA(MAX_PATH, previous);
-        GetEnvironmentVariableA("PUBLIC", path, MAX_PATH);
-        SetEnvironmentVariableA("TMP", path);
-    }
-    ~VisibleTemp() { SetEnvironmentVariableA("TMP", previous); }
-};
-
 class FolderTree : public testing::Test {
 protected:
-    VisibleTemp visible;
-    TempFolder folder;
+    TempFolder folder{"PUBLIC"};  // which the shell shows: the user's own place for temporary files may be hidden
     char directory[KW_MAX_PATH] = "";
     const char* title = "A title";
 
     unsigned Run(const std::string& start, std::vector<DialogStep> steps) {
+        char before[MAX_PATH] = "", after[MAX_PATH] = "";
+        GetCurrentDirectoryA(MAX_PATH, before);
         std::memset(directory, '#', sizeof(directory));
         std::memcpy(directory, start.c_str(), start.size() + 1);
-        return RunDialog([&] { return kwSelectDirectryName(nullptr, title, directory); }, std::move(steps));
+        const unsigned result =
+            RunDialog([&] { return kwSelectDirectryName(nullptr, title, directory); }, std::move(steps));
+        GetCurrentDirectoryA(MAX_PATH, after);
+        EXPECT_STREQ(after, before);
+        return result;
     }
 };
 
@@ -43,21 +38,9 @@ static HTREEITEM Selected(HWND dialog) { return TreeView_GetSelection(View(dialo
 
 static std::string NodeText(HWND view, HTREEITEM node) {
     char text[MAX_PATH] = "";
-    TVITEMA item = {};
-    item.mask = TVIF_TEXT;
-    item.hItem = node;
-    item.pszText = text;
-    item.cchTextMax = sizeof(text);
+    TVITEMA item = {TVIF_TEXT, node, 0, 0, text, sizeof(text), 0, 0, 0, 0};
     SendMessageA(view, TVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item));
     return text;
-}
-
-// The names below the selected node, as they stand.
-static std::string Level(HWND dialog) {
-    std::string names;
-    HTREEITEM node = TreeView_GetChild(View(dialog), Selected(dialog));
-    for (; node; node = TreeView_GetNextSibling(View(dialog), node)) names += NodeText(View(dialog), node) + " ";
-    return names;
 }
 
 static DialogStep Expand(UINT code = TVE_EXPAND) {
@@ -74,8 +57,14 @@ static DialogStep SelectChild(const std::string& name) {
 
 static const DialogStep kPressF5 = Check([](HWND dialog) { SendMessageA(View(dialog), WM_KEYDOWN, VK_F5, 0); });
 
-static DialogStep LevelIs(const std::string& names) {
-    return Check([=](HWND dialog) { EXPECT_EQ(Level(dialog), names); });
+// The names below the selected node, as they stand.
+static DialogStep LevelIs(const std::string& expected) {
+    return Check([=](HWND dialog) {
+        std::string names;
+        HTREEITEM node = TreeView_GetChild(View(dialog), Selected(dialog));
+        for (; node; node = TreeView_GetNextSibling(View(dialog), node)) names += NodeText(View(dialog), node) + " ";
+        EXPECT_EQ(names, expected);
+    });
 }
 
 static DialogStep CaptionIs(const std::string& caption) {
@@ -129,34 +118,32 @@ TEST_F(FolderTree, AcceptsTheSelectedFolder) {
     EXPECT_EQ(directory[KW_MAX_PATH - 1], '#');
 }
 
-TEST_F(FolderTree, FillsOneLevelAtATime) {
+TEST_F(FolderTree, FillsOneLevelAtATimeAndAnewAtF5) {
     folder.Write("file.txt", "");
     for (const char* name : {"b", "A", "_c", "A\\inner"}) folder.MakeFolder(name);
-    Run(folder.At(""), {LevelIs(""), Expand(), LevelIs("_c A b "), Expand(TVE_COLLAPSE), Expand(), LevelIs("_c A b "),
-                        SelectChild("A"), LevelIs(""), Expand(), LevelIs("inner "), Press(IDCANCEL)});
-}
-
-TEST_F(FolderTree, F5ReadsTheFoldersAnew) {
-    folder.MakeFolder("old");
     const DialogStep change = Check([&](HWND) {
         folder.MakeFolder("new");
-        EXPECT_TRUE(RemoveDirectoryA(folder.At("old").c_str())) << "a shown folder is not held";
+        EXPECT_TRUE(RemoveDirectoryA(folder.At("b").c_str())) << "a shown folder is not held";
     });
-    Run(folder.At(""), {Expand(), LevelIs("old "), SelectChild("old"), change, kPressF5,
-                        CaptionIs("A title - [" + folder.path + "]"), Expand(), LevelIs("new "), Press(IDCANCEL)});
+    Run(folder.At(""), {LevelIs(""), Expand(), LevelIs("_c A b "), Expand(TVE_COLLAPSE), Expand(), LevelIs("_c A b "),
+                        SelectChild("A"), LevelIs(""), Expand(), LevelIs("inner "), change, kPressF5,
+                        CaptionIs("A title - [" + folder.path + "]"), Expand(), LevelIs("_c A new "), Press(IDCANCEL)});
 }
 
 TEST_F(FolderTree, KeepsItsSize) {
-    RECT first = {}, second = {};
+    RECT first = {}, second = {}, button = {};
     const DialogStep grow = Check([&](HWND dialog) {
         GetWindowRect(dialog, &first);
+        GetClientRect(GetDlgItem(dialog, IDCANCEL), &button);
         InflateRect(&first, 30, 20);
         SetWindowPos(dialog, nullptr, 0, 0, first.right - first.left, first.bottom - first.top, SWP_NOZORDER);
     });
     const DialogStep look = Check([&](HWND dialog) {
         EXPECT_TRUE(SendMessageA(dialog, WM_GETICON, ICON_SMALL, 0));
         GetWindowRect(dialog, &second);
-        RECT tree, cancel;
+        RECT tree, cancel, client;
+        GetClientRect(GetDlgItem(dialog, IDCANCEL), &client);
+        EXPECT_TRUE(EqualRect(&client, &button)) << "moved, not stretched";
         GetWindowRect(View(dialog), &tree);
         GetWindowRect(GetDlgItem(dialog, IDCANCEL), &cancel);
         EXPECT_TRUE(cancel.right == tree.right && cancel.top > tree.bottom && cancel.bottom < second.bottom);
@@ -173,4 +160,56 @@ TEST_F(FolderTree, LeavesComAsItWas) {
     Run("", {CaptionIs("A title - [" + std::string(kDrives) + "]"), Press(IDCANCEL)});
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_FALSE) << "the host's own stays open";
     for (int i = 0; i < 2; ++i) CoUninitialize();
+}
+
+class ClassicDirectory : public FolderTree {
+protected:
+    // Short names in either path, and letters of either case, make no difference.
+    static std::string Normal(const char* path) {
+        char text[MAX_PATH] = "";
+        EXPECT_NE(GetLongPathNameA(path, text, MAX_PATH), 0u) << path;
+        CharLowerA(text);
+        return text;
+    }
+    void SetUp() override { kwSelectFileGUI(1); }
+    void TearDown() override { kwSelectFileGUI(0); }
+};
+
+TEST_F(ClassicDirectory, ReturnsTheDirectoryShown) {
+    const std::string work = folder.MakeFolder("WORK"), drive = folder.path.substr(0, 3);
+    folder.Write("WORK\\Dummy.TXT", "an existing one is as good");
+    const DialogStep wait = Check([](HWND) {}), enter = [=](HWND dialog) {  // goes into a folder of the list
+        const HWND list = GetDlgItem(dialog, IDC_DIRECTORY_LIST);
+        if (SendMessageA(list, LB_SELECTSTRING, 0, reinterpret_cast<LPARAM>("[work]")) == LB_ERR) return false;
+        SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDC_DIRECTORY_LIST, LBN_DBLCLK), reinterpret_cast<LPARAM>(list));
+        return true;
+    };
+    const std::tuple<std::string, DialogStep, std::string> cases[] = {
+        // clang-format off
+        {work + "\\", wait, work + "\\"}, {folder.path, enter, work + "\\"}, {drive, wait, drive},
+        {"", wait, ""}, {folder.At("missing"), wait, ""}, {std::string(KW_MAX_PATH - 1, 'x'), wait, ""},  // any will do
+        // clang-format on
+    };
+    for (const auto& [start, step, end] : cases) {
+        EXPECT_EQ(Run(start, {step, Press(IDCANCEL)}), 0u);
+        EXPECT_EQ(directory, start);
+        EXPECT_EQ(Run(start, {step, Press(IDOK)}), 1u);
+        EXPECT_TRUE(end.empty() || Normal(directory) == Normal(end.c_str())) << start << " " << directory;
+        EXPECT_TRUE(IsDirectoryPath(directory) && directory[std::strlen(directory) - 1] == '\\') << directory;
+    }
+}
+
+TEST_F(ClassicDirectory, ShowsDirectoriesAndDrivesOnly) {
+    const auto look = [](HWND dialog) {
+        RECT client, rect, overlap;
+        GetClientRect(dialog, &client);
+        MapWindowPoints(dialog, nullptr, reinterpret_cast<POINT*>(&client), 2);
+        for (const int id : {IDC_FILE_NAME, IDC_FILE_LIST, IDC_TYPE_COMBO, IDC_READ_ONLY, IDC_HELP_BUTTON}) {
+            GetWindowRect(GetDlgItem(dialog, id), &rect);
+            EXPECT_FALSE(IsWindowVisible(GetDlgItem(dialog, id)) && IntersectRect(&overlap, &rect, &client)) << id;
+        }
+        GetWindowRect(GetFocus(), &rect);
+        EXPECT_TRUE(IntersectRect(&overlap, &rect, &client)) << GetDlgCtrlID(GetFocus());
+    };
+    Run(folder.path, {Check(look), Press(IDCANCEL)});
 }
