@@ -71,6 +71,7 @@ WorldRect BoxOfText(const UnicodeText& text) {
 // ---- Elements
 
 static WorldRect BoxOfArc(const PreviewPrimitive& arc) {
+    if (arc.d == 0 && arc.e.AsDouble() == 360) return {arc.a - arc.c, arc.b - arc.c, arc.a + arc.c, arc.b + arc.c};
     const double start = Radians(arc.d), sweep = Radians(arc.e.AsDouble() - arc.d);
     const auto at = [&](double angle) -> WorldPoint {
         return {arc.a + arc.c * std::cos(angle), arc.b + arc.c * std::sin(angle)};

@@ -20,6 +20,13 @@ static void DrawStep(DxfDecoder& dxf, const DxfStep& step) {
 
 static std::uint8_t PenByte(const DxfDecoder& dxf) { return static_cast<std::uint8_t>(dxf.pen); }
 
+// A point where it is seen. Most maps leave the height out, so it is not even read.
+static WorldPoint SeenPoint(const DxfDecoder& dxf, int code) {
+    const bool isFlat = dxf.map.xz == 0 && dxf.map.yz == 0;
+    const DxfGroups& groups = dxf.groups;
+    return dxf.map.Point({groups.Number(code), groups.Number(code + 10), isFlat ? 0 : groups.Number(code + 20)});
+}
+
 // Draws an element that is all of its entity.
 static void DrawSimple(DxfDecoder& dxf, const DxfStep& step) {
     DrawStep(dxf, step);
@@ -30,19 +37,18 @@ static void DrawSimple(DxfDecoder& dxf, const DxfStep& step) {
 
 static void DrawPoint(DxfDecoder& dxf, DxfReader*) {
     if (IsName(Trimmed(dxf.groups.Text(8)), "DEFPOINTS")) return;  // what a dimension was measured from
-    const WorldPoint at = dxf.map.Point(PointOf(dxf.groups, 10));
+    const WorldPoint at = SeenPoint(dxf, 10);
     DrawSimple(dxf, {DxfStep::kPoint, PenByte(dxf), 0, 0, {at.x, at.y}});
 }
 
 static void DrawLine(DxfDecoder& dxf, DxfReader*) {
-    const WorldPoint from = dxf.map.Point(PointOf(dxf.groups, 10)), to = dxf.map.Point(PointOf(dxf.groups, 11));
+    const WorldPoint from = SeenPoint(dxf, 10), to = SeenPoint(dxf, 11);
     DrawSimple(dxf, {DxfStep::kLine, PenByte(dxf), 0, 0, {from.x, from.y, to.x, to.y}});
 }
 
 static void DrawCircleArc(DxfDecoder& dxf, double start, double sweep) {
     const double radius = std::fabs(dxf.groups.Number(40));
-    const Conic conic = {dxf.map.Point(PointOf(dxf.groups, 10)), dxf.map.Direction({radius, 0, 0}),
-                         dxf.map.Direction({0, radius, 0})};
+    const Conic conic = {SeenPoint(dxf, 10), dxf.map.Direction({radius, 0, 0}), dxf.map.Direction({0, radius, 0})};
     if (conic.u.x == radius && conic.u.y == 0 && conic.v.x == 0 && conic.v.y == radius) {
         const WorldPoint at = conic.centre;
         DrawSimple(dxf, {DxfStep::kCircle, PenByte(dxf), 0, 0, {at.x, at.y, radius, start, sweep}});
