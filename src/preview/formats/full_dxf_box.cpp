@@ -79,9 +79,16 @@ static WorldRect BoxOfArc(const PreviewPrimitive& arc) {
     const double turn = sweep > 0 ? sweep : sweep + kTurn;
     const WorldPoint ends[] = {at(start), at(start + turn)};
     WorldRect box = BoxOfPoints(ends, 2);
+    // The ends of the circle's axes that lie on the arc.
     const double quarter = kTurn / 4;
-    for (double angle = std::ceil(start / quarter) * quarter; angle < start + turn; angle += quarter) {
-        GrowTo(&box, at(angle));
+    auto axis = static_cast<long long>(std::ceil(start / quarter));
+    for (; static_cast<double>(axis) * quarter < start + turn; ++axis) {
+        switch (axis & 3) {
+            case 0: box.maxX = arc.a + arc.c; break;
+            case 1: box.maxY = arc.b + arc.c; break;
+            case 2: box.minX = arc.a - arc.c; break;
+            default: box.minY = arc.b - arc.c; break;
+        }
     }
     return box;
 }

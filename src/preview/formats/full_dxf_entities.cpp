@@ -61,7 +61,8 @@ static void DrawCircle(DxfDecoder& dxf, DxfReader*) { DrawCircleArc(dxf, 0, kTur
 
 // The way from one angle to another, counter-clockwise; a whole turn when they are one.
 static double SweepOf(double start, double end) {
-    double sweep = std::fmod(end - start, kTurn);
+    double sweep = end - start;
+    if (!(std::fabs(sweep) < kTurn)) sweep = std::fmod(sweep, kTurn);
     if (sweep < 0) sweep += kTurn;
     return sweep < 1e-9 ? kTurn : sweep;
 }

@@ -150,7 +150,8 @@ static bool IsCircle(const Conic& conic, double radius) {
 }
 
 static double FullDegrees(double radians) {
-    const double degrees = std::fmod(Degrees(radians), 360);
+    double degrees = Degrees(radians);
+    if (!(std::fabs(degrees) < 360)) degrees = std::fmod(degrees, 360);
     return degrees < 0 ? degrees + 360 : degrees;
 }
 
@@ -165,7 +166,7 @@ static bool DrawArcElement(DxfDecoder& dxf, const Conic& conic, double start, do
         if (pixels > 8192 || pixels < 1 || (!whole && pixels * std::fabs(sweep) < 16)) return false;
     }
     const bool mirrored = conic.u.x * conic.v.y - conic.u.y * conic.v.x < 0;
-    const double from = std::atan2(conic.u.y, conic.u.x);
+    const double from = conic.u.y == 0 && conic.u.x > 0 ? 0 : std::atan2(conic.u.y, conic.u.x);
     if (sweep < 0) {
         start += sweep;
         sweep = -sweep;
