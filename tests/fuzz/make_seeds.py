@@ -97,6 +97,44 @@ def strokes(extents, *elements):
         struct.pack("<BH7d", kind, marks, *(numbers + [0] * 7)[:7]) for kind, marks, *numbers in elements)
 
 
+# Small inputs, each of a few kinds that belong together.
+FULL_DXF = [
+    "0 POINT|10 1|20 2|0 LINE|10 1|20 1|11 9|21 5|8 L|6 DASHED|0 3DLINE|11 5|62 3|60 0|67 0|0 ARC|10 4|20 4|40 3|50 30|51 200",
+    "0 CIRCLE|10 4|20 4|40 3|210 0|220 0|230 -1|0 ELLIPSE|10 5|20 5|11 4|21 1|40 .5|41 0|42 4|0 CIRCLE|40 2|210 1|220 1",
+    "0 LWPOLYLINE|90 3|70 1|10 0|20 0|42 .5|40 1|41 0|10 9|20 0|43 2|10 9|20 9|42 -1",
+    "0 POLYLINE|66 1|70 1|0 VERTEX|10 1|20 1|42 1|0 VERTEX|10 5|20 4|0 VERTEX|10 1|20 7|70 16|0 SEQEND|0 POINT|10 1",
+    "0 POLYLINE|70 16|71 2|72 2|0 VERTEX|10 1|0 VERTEX|10 2|0 VERTEX|10 2|20 2|0 VERTEX|20 2|0 SEQEND",
+    "0 POLYLINE|70 64|0 VERTEX|70 192|10 1|0 VERTEX|70 192|10 5|0 VERTEX|70 192|20 5|0 VERTEX|70 128|71 1|72 -2|73 3|0 SEQEND",
+    "0 SPLINE|70 8|71 2|40 0|40 0|40 0|40 1|40 2|40 2|40 2|10 1|20 1|41 1|10 5|20 9|41 2|10 9|20 1|41 1|10 12|20 4|41 1",
+    "0 SPLINE|71 3|70 1|11 1|21 1|11 5|21 4|11 9|21 1|12 1|22 0|13 0|23 1|0 HELIX|71 1|10 1|20 1|10 3|20 3",
+    "0 SOLID|10 1|20 1|11 4|21 1|12 1|22 4|13 4|23 4|0 TRACE|11 1|22 1|0 3DFACE|70 2|11 5|12 5|22 5|23 5",
+    "0 TEXT|10 1|20 1|40 2|1 a%%c%%u1\\U+03A9|50 30|41 .8|51 15|71 6|72 1|73 2|11 9|21 5|7 S|0 ATTDEF|40 1|1 t|2 TAG",
+    "0 TEXT|10 1|20 1|40 2|1 fit|72 5|11 9|21 5|0 TEXT|10 1|20 1|40 2|1 aligned|72 3|11 9|21 5",
+    "0 MTEXT|10 1|20 9|40 2|41 12|71 5|11 0|21 1|44 1.5|3 {\\fArial|b0;one \\H2x;two}\\P|1 \\S1/2;\\S3^4;\\L\\W.5;\\Q9;\\A1;\\pxqc;x",
+    "0 HATCH|70 1|91 2|92 3|73 1|93 4|10 0|20 0|42 1|10 9|20 0|10 9|20 9|10 0|20 9|92 2|93 3|10 3|20 3|10 5|20 3|10 5|20 5|75 0",
+    "0 HATCH|70 0|91 1|92 1|93 4|72 1|10 0|20 0|11 9|21 0|72 2|10 9|20 3|40 3|50 -90|51 90|73 1|72 3|10 4|20 6|11 5|21 0|40 .5"
+    "|50 0|51 180|73 1|72 4|94 2|95 4|96 6|40 0|40 0|40 0|40 1|40 1|40 1|10 0|20 6|10 1|20 3|10 0|20 0|75 1|78 1|53 45|43 0|44 0"
+    "|45 0|46 1|79 2|49 1|49 -.5",
+    "0 LEADER|71 1|10 1|20 1|10 5|20 5|10 9|20 5|0 MLINE|71 2|11 1|21 1|13 0|23 1|74 2|41 1|41 0|11 9|21 1|13 0|23 1|74 1|41 -1",
+    "0 MULTILEADER|300 C{|40 1|12 5|22 5|41 2|290 1|304 text|302 L{|303 l{|10 1|20 1|10 2|20 3|304 l}|301 C}",
+    "0 RAY|10 1|20 1|11 1|21 1|0 XLINE|10 3|20 1|11 0|21 1|0 IMAGE|10 1|20 1|11 .1|22 .1|13 40|23 30|0 OLE2FRAME|10 1|20 5|11 6|21 1",
+    "0 MESH|71 2|92 4|10 0|20 0|30 0|10 5|20 0|30 0|10 5|20 5|30 1|10 0|20 5|30 0|93 5|90 4|90 0|90 1|90 2|90 3|94 0",
+]
+
+
+def full_dxf(header):
+    """Pairs, in which a bar ends a value."""
+    pairs = f"0 SECTION|2 HEADER|{header}|0 ENDSEC|0 EOF".replace("fArial|", "fArial;").split("|")
+    return "".join("{}\n{}\n".format(*(pair.split(" ", 1) if " " in pair else (pair, ""))) for pair in pairs)
+
+
+def full_dxf_with(entities):
+    return full_dxf("9 $INSUNITS|70 4|0 ENDSEC|0 SECTION|2 TABLES|0 LTYPE|2 OWN|73 2|49 2|49 -1|0 LAYER|2 L|6 OWN|62 -3|0 STYLE|2 S"
+                    "|41 .8|0 ENDSEC|0 SECTION|2 BLOCKS|0 BLOCK|2 B|10 1|20 1|0 LINE|11 5|8 0|6 BYBLOCK|0 ENDBLK|0 BLOCK|2 A|0 INSERT"
+                    "|2 B|10 5|0 INSERT|2 A|0 ENDBLK|0 BLOCK|2 *D|0 LINE|21 5|0 ENDBLK|0 ENDSEC|0 SECTION|2 ENTITIES|"
+                    + entities).encode("latin-1")
+
+
 def seeds():
     """Target, name, bytes."""
     for code, encoding in (("en", samples.ANSI_CODEPAGE), ("ja", samples.JAPANESE)):
@@ -119,6 +157,19 @@ def seeds():
         entities = whole["dxf"].find(b"ENTITIES")
         for i in range(0, len(whole["dxf"]) - entities, 900):  # the elements a few at a time: small inputs are fast
             yield "dxf", f"part_{code}_{i}", whole["dxf"][entities + i:entities + i + 900]
+
+    for i, entities in enumerate(FULL_DXF):
+        yield "fulldxf", f"kind_{i}", full_dxf_with(entities)
+    yield "fulldxf", "blocks", full_dxf_with("0 INSERT|2 B|10 9|20 9|41 -2|50 30|70 3|71 2|44 9|45 8|66 1|0 ATTRIB|10 1|20 1"
+                                             "|40 2|1 a|0 SEQEND|0 INSERT|2 A|0 DIMENSION|2 *D|230 -1|0 ACAD_TABLE|2 B|10 4")
+    binary = b"AutoCAD Binary DXF\r\n\x1a\0"
+    for name, pair in (("short", lambda code: struct.pack("<B", code)), ("wide", lambda code: struct.pack("<H", code))):
+        yield "fulldxf", f"binary_{name}", binary + b"".join(pair(code) + value for code, value in (
+            (0, b"SECTION\0"), (2, b"ENTITIES\0"), (0, b"LINE\0"), (10, struct.pack("<d", 1)), (21, struct.pack("<d", 9)),
+            (0, b"CIRCLE\0"), (40, struct.pack("<d", 5)), (62, struct.pack("<h", 7)), (0, b"EOF\0")))
+    for encoding in ("utf-8-sig", "utf-8", "cp932"):
+        yield "fulldxf", f"text_{encoding}", full_dxf("9 $ACADVER|1 AC1021|9 $DWGCODEPAGE|3 ANSI_932|9 $TITLE|1 表|0 ENDSEC|0 "
+            "SECTION|2 ENTITIES|0 TEXT|10 1|20 1|40 2|1 %%c表\\U+8868\\M+1955C").encode(encoding)
 
     # What has hurt.
     yield "dxf", "old_x", dxf_with((0, "POINT"), (10, "1" * 780), (20, 1), *[(0, "CIRCLE"), (20, 5), (40, 3)] * 12)

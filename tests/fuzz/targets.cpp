@@ -19,6 +19,7 @@
 #include "preview/formats/command.h"
 #include "preview/formats/comments.h"
 #include "preview/formats/dxf.h"
+#include "preview/formats/full_dxf.h"
 #include "preview/formats/native.h"
 #include "preview/formats/signatures.h"
 #include "preview/formats/text.h"
@@ -87,8 +88,9 @@ void Decode(ByteView input) {
     Ways ways(input);
     CommentBuffer buffer(ways);
     FuzzedCanvas canvas(ways);
-    const bool complete = decode(input, &buffer.comment, ways.Take(16) == 0 ? nullptr : &canvas);
-    Require(!complete || canvas.opened);
+    DrawingSink* const sink = ways.Take(16) == 0 ? nullptr : &canvas;
+    const bool complete = decode(input, &buffer.comment, sink);
+    Require(!complete || !sink || canvas.opened);
 }
 
 // ---- What users and hosts type
@@ -271,7 +273,8 @@ const FuzzTarget kFuzzTargets[] = {
     // clang-format off
     {"expression", RunExpression, 1024}, {"value", RunValue, 256}, {"number", RunNumber, 1024}, {"lines", RunLines, 256},
     {"identify", RunIdentify, 1100}, {"native", Decode<DecodeNative>, 16384}, {"backup", Decode<DecodeBackup>, 2048},
-    {"text", Decode<DecodeTextDrawing>, 2048}, {"dxf", Decode<DecodeDxf>, 2048}, {"command", RunCommand, 1024},
+    {"text", Decode<DecodeTextDrawing>, 2048}, {"dxf", Decode<DecodeDxf>, 2048},
+    {"fulldxf", Decode<DecodeFullDxf>, 2048}, {"command", RunCommand, 1024},
     {"comment", RunComment, 1024}, {"bitmap", RunBitmap, 2048}, {"records", RunRecords, 2048}, {"strokes", RunStrokes, 1024},
     // clang-format on
 };

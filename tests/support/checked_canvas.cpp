@@ -1,7 +1,10 @@
 #include "support/checked_canvas.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
+
+#include "preview/drawing/path_strokes.h"
 
 static void Require(bool holds) {
     if (!holds) std::abort();
@@ -30,8 +33,21 @@ CheckedCanvas::CheckedCanvas(const PixelRect& rect) : target(rect) {
         DrawElement(canvas, canvas.view, element, pen % kPenCount);
         if (canvas.drawsLeft-- == 0) canvas.flag = 0;
     };
-    path = nullptr;
-    unicodeText = nullptr;
+    path = [](DrawingSink& sink, const Path& path, unsigned pen) {
+        auto& canvas = static_cast<CheckedCanvas&>(sink);
+        Require(canvas.opened && canvas.flag == 1 && path.outlines > 0);
+        const auto draw = path.filled ? FillOutlines : DrawOutlines;
+        draw(canvas, canvas.view, path.points, path.counts, path.outlines, pen % kPenCount, &canvas.scratch);
+        if (canvas.drawsLeft-- == 0) canvas.flag = 0;
+    };
+    unicodeText = [](DrawingSink& sink, const UnicodeText& text) {
+        auto& canvas = static_cast<CheckedCanvas&>(sink);
+        Require(canvas.opened && canvas.flag == 1 && !canvas.textsAsFrames && text.length > 0);
+        Require(text.height > 0 && std::isfinite(text.height) && std::isfinite(text.at.x) && std::isfinite(text.at.y));
+        Require(text.horizontal >= 0 && text.horizontal <= 2 && text.vertical >= 0 && text.vertical <= 3);
+        ++canvas.counts.texts;
+        if (canvas.drawsLeft-- == 0) canvas.flag = 0;
+    };
     goOn = &flag;
     textsAsFrames = false;
     pixel = [](StrokeTarget& target, PixelPoint at) {
@@ -48,7 +64,11 @@ CheckedCanvas::CheckedCanvas(const PixelRect& rect) : target(rect) {
         Require(IsInSpace(centre) && IsInSpace(from) && IsInSpace(to));
         ++CountsOf(target).arcs;
     };
-    polyline = [](StrokeTarget&, unsigned, const PixelPoint* points, std::size_t count) { CheckPoints(points, count); };
+    polyline = [](StrokeTarget& target, unsigned pen, const PixelPoint* points, std::size_t count) {
+        Require(pen < kPenCount && count > 1);
+        CheckPoints(points, count);
+        CountsOf(target).lines += static_cast<std::uint32_t>(count - 1);
+    };
     area = [](StrokeTarget&, const PixelPoint* points, const std::size_t* counts, std::size_t outlines) {
         for (std::size_t i = 0; i < outlines; points += counts[i++]) CheckPoints(points, counts[i]);
     };

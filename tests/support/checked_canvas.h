@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <vector>
 
 #include "preview/drawing/strokes.h"
 #include "preview/formats/sink.h"
@@ -22,4 +23,5 @@ struct CheckedCanvas : DrawingSink, StrokeTarget {
     std::uint32_t fitsLeft = ~0u, drawsLeft = ~0u;  // then there is nothing to draw on, or the run is cancelled
     std::atomic<std::int32_t> flag = 1;
     StrokeCounts counts = {};
+    std::vector<PixelPoint> scratch;
 };

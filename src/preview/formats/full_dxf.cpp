@@ -23,6 +23,10 @@ static std::size_t WalkSpace(DxfDecoder& dxf, const DxfSpace& space, DxfPlace* p
     dxf.paperSpace = space.paper;
     dxf.budget.left = kLeastBudget + static_cast<long long>(dxf.form.file.size);
     if (!space.block) {
+        if (&space == kSpaces && !dxf.IsMeasuring()) {
+            DrawDxfSteps(dxf);
+            return dxf.form.file.size;
+        }
         dxf.entityCount = 0;
         return dxf.tables.entities == kNowhere ? dxf.form.file.size : DrawDxfEntities(dxf, dxf.tables.entities);
     }
@@ -51,6 +55,8 @@ static const DxfSpace* MeasureDrawing(DxfDecoder& dxf, BoxSink* measure, WorldRe
     // Files have their tables and blocks in front of the entities. Should some stand behind, all begins anew.
     if (SurveyDxf(dxf.form, end, *measure->goOn, &dxf.tables)) {
         measure->Clear();
+        dxf.steps.all.clear();
+        dxf.steps.behind = kNowhere;
         for (auto& known : dxf.layers) known.name = {};
         DrawSpace(dxf, kSpaces[0]);
     }
@@ -82,6 +88,7 @@ bool DecodeFullDxf(ByteView file, Comment* comment, DrawingSink* sink) {
     dxf.encoding = EncodingOf(dxf.form, dxf.tables);
 
     dxf.sink = dxf.box = &measure;
+    dxf.steps.most = sink ? file.size / 2 / sizeof(DxfStep) : 0;
     WorldRect box = {0, 0, 1, 1};
     const DxfSpace* const space = MeasureDrawing(dxf, &measure, &box);
     if (!measure.MayContinue()) return false;

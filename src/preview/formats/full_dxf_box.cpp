@@ -71,6 +71,7 @@ WorldRect BoxOfText(const UnicodeText& text) {
 // ---- Elements
 
 static WorldRect BoxOfArc(const PreviewPrimitive& arc) {
+    if (arc.d == 0 && arc.e.AsDouble() == 360) return {arc.a - arc.c, arc.b - arc.c, arc.a + arc.c, arc.b + arc.c};
     const double start = Radians(arc.d), sweep = Radians(arc.e.AsDouble() - arc.d);
     const auto at = [&](double angle) -> WorldPoint {
         return {arc.a + arc.c * std::cos(angle), arc.b + arc.c * std::sin(angle)};
@@ -78,8 +79,17 @@ static WorldRect BoxOfArc(const PreviewPrimitive& arc) {
     const double turn = sweep > 0 ? sweep : sweep + kTurn;
     const WorldPoint ends[] = {at(start), at(start + turn)};
     WorldRect box = BoxOfPoints(ends, 2);
-    const double quarter = kTurn / 4, first = std::ceil(start / quarter) * quarter;
-    for (int i = 0; i < 4 && first + i * quarter < start + turn; ++i) GrowTo(&box, at(first + i * quarter));
+    // The ends of the circle's axes that lie on the arc; all of them when it runs round more than once.
+    const double quarter = kTurn / 4, first = std::ceil(start / quarter);
+    if (!(turn < kTurn && std::fabs(first) < 1e9)) return {arc.a - arc.c, arc.b - arc.c, arc.a + arc.c, arc.b + arc.c};
+    for (auto axis = static_cast<std::int64_t>(first); static_cast<double>(axis) * quarter < start + turn; ++axis) {
+        switch (axis & 3) {
+            case 0: box.maxX = arc.a + arc.c; break;
+            case 1: box.maxY = arc.b + arc.c; break;
+            case 2: box.minX = arc.a - arc.c; break;
+            default: box.minY = arc.b - arc.c; break;
+        }
+    }
     return box;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -102,6 +103,23 @@ struct DxfParagraphs {
     std::vector<Line> lines;
 };
 
+// What the first walk has met in the drawing itself, so that the second need not go through the file again: the simple
+// elements as they go to the strokes, and the places of all others, which are read again. The list takes at most half
+// of the file's size; what stands behind it in the file is walked over a second time.
+struct DxfStep {
+    enum What : std::uint8_t { kPoint, kLine, kCircle, kEntity } what;
+    std::uint8_t pen;
+    std::uint8_t kind;    // of an entity, a row of the table of kinds
+    std::uint32_t begin;  // of an entity's pairs
+    double numbers[5];    // point: x, y; line: x1, y1, x2, y2; circle: centre, radius, start, sweep
+};
+struct DxfSteps {
+    std::deque<DxfStep> all;
+    std::size_t most = 0;
+    std::size_t behind = kNowhere;  // where the entities begin that are not among them
+    bool open = false;              // the entity that is being drawn has no step yet
+};
+
 struct DxfDecoder {
     DxfForm form;
     DxfTables tables;
@@ -112,6 +130,7 @@ struct DxfDecoder {
     double pixel = 0;             // drawing units; 0 while the drawing is measured
     bool paperSpace = false;      // which of the two is drawn
     std::size_t entityCount = 0;  // of the drawing itself, met so far
+    DxfSteps steps;
 
     const DxfPlace* place = nullptr;
     PlaneMap map = kFromAbove;      // of the current entity's coordinates
@@ -160,6 +179,9 @@ int SegmentsOfTurn(DxfDecoder& dxf, double radius, double sweep);
 
 // Draws the entities from `begin` to the end of their section or block, and tells where that is.
 std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin);
+
+// Draws the entities of the drawing itself once more, as dxf.steps has kept them.
+void DrawDxfSteps(DxfDecoder& dxf);
 
 // What the layer of the entity in dxf.groups says; layer 0 of a block is that of the insert.
 DxfLook LookOfEntityLayer(DxfDecoder& dxf);

@@ -8,27 +8,61 @@
 
 // ---- Simple kinds
 
+static void DrawStep(DxfDecoder& dxf, const DxfStep& step) {
+    const double* const n = step.numbers;
+    switch (step.what) {
+        case DxfStep::kPoint: DrawDxfPoint(dxf, {n[0], n[1]}); break;
+        case DxfStep::kLine: DrawDxfLine(dxf, {n[0], n[1]}, {n[2], n[3]}); break;
+        case DxfStep::kCircle: DrawDxfConic(dxf, {{n[0], n[1]}, {n[2], 0}, {0, n[2]}}, n[3], n[4]); break;
+        case DxfStep::kEntity: break;
+    }
+}
+
+static std::uint8_t PenByte(const DxfDecoder& dxf) { return static_cast<std::uint8_t>(dxf.pen); }
+
+// A point where it is seen. Most maps leave the height out, so it is not even read.
+static WorldPoint SeenPoint(const DxfDecoder& dxf, int code) {
+    const bool isFlat = dxf.map.xz == 0 && dxf.map.yz == 0;
+    const DxfGroups& groups = dxf.groups;
+    return dxf.map.Point({groups.Number(code), groups.Number(code + 10), isFlat ? 0 : groups.Number(code + 20)});
+}
+
+// Draws an element that is all of its entity.
+static void DrawSimple(DxfDecoder& dxf, const DxfStep& step) {
+    DrawStep(dxf, step);
+    if (!dxf.steps.open || dxf.place->depth > 0) return;
+    dxf.steps.open = false;
+    dxf.steps.all.push_back(step);
+}
+
 static void DrawPoint(DxfDecoder& dxf, DxfReader*) {
     if (IsName(Trimmed(dxf.groups.Text(8)), "DEFPOINTS")) return;  // what a dimension was measured from
-    DrawDxfPoint(dxf, dxf.map.Point(PointOf(dxf.groups, 10)));
+    const WorldPoint at = SeenPoint(dxf, 10);
+    DrawSimple(dxf, {DxfStep::kPoint, PenByte(dxf), 0, 0, {at.x, at.y}});
 }
 
 static void DrawLine(DxfDecoder& dxf, DxfReader*) {
-    DrawDxfLine(dxf, dxf.map.Point(PointOf(dxf.groups, 10)), dxf.map.Point(PointOf(dxf.groups, 11)));
+    const WorldPoint from = SeenPoint(dxf, 10), to = SeenPoint(dxf, 11);
+    DrawSimple(dxf, {DxfStep::kLine, PenByte(dxf), 0, 0, {from.x, from.y, to.x, to.y}});
 }
 
 static void DrawCircleArc(DxfDecoder& dxf, double start, double sweep) {
     const double radius = std::fabs(dxf.groups.Number(40));
-    const Conic conic = {dxf.map.Point(PointOf(dxf.groups, 10)), dxf.map.Direction({radius, 0, 0}),
-                         dxf.map.Direction({0, radius, 0})};
-    DrawDxfConic(dxf, conic, start, sweep);
+    const Conic conic = {SeenPoint(dxf, 10), dxf.map.Direction({radius, 0, 0}), dxf.map.Direction({0, radius, 0})};
+    if (conic.u.x == radius && conic.u.y == 0 && conic.v.x == 0 && conic.v.y == radius) {
+        const WorldPoint at = conic.centre;
+        DrawSimple(dxf, {DxfStep::kCircle, PenByte(dxf), 0, 0, {at.x, at.y, radius, start, sweep}});
+    } else {
+        DrawDxfConic(dxf, conic, start, sweep);
+    }
 }
 
 static void DrawCircle(DxfDecoder& dxf, DxfReader*) { DrawCircleArc(dxf, 0, kTurn); }
 
 // The way from one angle to another, counter-clockwise; a whole turn when they are one.
 static double SweepOf(double start, double end) {
-    double sweep = std::fmod(end - start, kTurn);
+    double sweep = end - start;
+    if (!(std::fabs(sweep) < kTurn)) sweep = std::fmod(sweep, kTurn);
     if (sweep < 0) sweep += kTurn;
     return sweep < 1e-9 ? kTurn : sweep;
 }
@@ -372,11 +406,17 @@ static void DrawEntity(DxfDecoder& dxf, const DxfKind& kind, DxfReader* reader) 
 // Records that belong to the entity before them and may be met without it.
 static bool IsPart(ByteView kind) { return IsName(kind, "VERTEX") || IsName(kind, "SEQEND"); }
 
+static DxfStep EntityStep(const DxfKind& kind, std::size_t begin) {
+    return {DxfStep::kEntity, 0, static_cast<std::uint8_t>(&kind - kKinds), static_cast<std::uint32_t>(begin), {}};
+}
+
 std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
     const bool inBlock = dxf.place->depth > 0;
     DxfReader reader = {&dxf.form, begin};
     DxfPair pair;
-    while (dxf.MayContinue() && reader.Next(&pair)) {
+    DxfSteps& steps = dxf.steps;
+    bool keeps = !inBlock && dxf.IsMeasuring() && !dxf.paperSpace;
+    for (std::size_t at = reader.at; dxf.MayContinue() && reader.Next(&pair); at = reader.at) {
         if (pair.code != 0) continue;
         const ByteView name = Trimmed(pair.value);
         const DxfKind* kind = FindKind(name);
@@ -390,7 +430,29 @@ std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
         dxf.groups.Read(&reader);
         // What a block holds costs again each time that it is drawn.
         if (inBlock && !dxf.budget.Charge(2 + static_cast<long long>((reader.at - before) / 16))) break;
+        if (keeps && steps.all.size() >= steps.most) {
+            steps.behind = at;
+            keeps = false;
+        }
+        if (!inBlock) steps.open = keeps;
         DrawEntity(dxf, *kind, &reader);
+        if (keeps && steps.open) steps.all.push_back(EntityStep(*kind, before));
     }
+    if (!inBlock) steps.open = false;
     return reader.at;
+}
+
+void DrawDxfSteps(DxfDecoder& dxf) {
+    for (const DxfStep& step : dxf.steps.all) {
+        if (!dxf.MayContinue()) return;
+        if (step.what == DxfStep::kEntity) {
+            DxfReader reader = {&dxf.form, step.begin};
+            dxf.groups.Read(&reader);
+            DrawEntity(dxf, kKinds[step.kind], &reader);
+        } else {
+            dxf.pen = step.pen;
+            DrawStep(dxf, step);
+        }
+    }
+    if (dxf.steps.behind != kNowhere) DrawDxfEntities(dxf, dxf.steps.behind);
 }

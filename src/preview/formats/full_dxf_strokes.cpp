@@ -10,11 +10,20 @@ static constexpr std::size_t kPiece = 4096;              // points of a line
 static constexpr std::size_t kMostAreaPoints = 1 << 19;  // what is beyond is left out
 static constexpr int kMostSegments = 1024;               // of one turn
 
+// Nothing is drawn any more once the run is cancelled, in whatever entity that was.
+static void Emit(DxfDecoder& dxf) {
+    if (dxf.MayContinue()) dxf.sink->draw(*dxf.sink, dxf.element, dxf.pen);
+}
+
+static void Emit(DxfDecoder& dxf, const Path& path, unsigned pen) {
+    if (dxf.MayContinue()) dxf.sink->path(*dxf.sink, path, pen);
+}
+
 void DrawDxfPoint(DxfDecoder& dxf, WorldPoint at) {
     dxf.budget.Charge(1);
     if (!IsDrawable(at)) return;
     dxf.element.SetPoint(at.x, at.y);
-    dxf.sink->draw(*dxf.sink, dxf.element, dxf.pen);
+    Emit(dxf);
 }
 
 void DrawDxfLine(DxfDecoder& dxf, WorldPoint from, WorldPoint to) {
@@ -25,7 +34,7 @@ void DrawDxfLine(DxfDecoder& dxf, WorldPoint from, WorldPoint to) {
     } else {
         dxf.element.SetLine(from.x, from.y, to.x, to.y);
     }
-    dxf.sink->draw(*dxf.sink, dxf.element, dxf.pen);
+    Emit(dxf);
 }
 
 // ---- Paths
@@ -38,18 +47,12 @@ void BeginPath(DxfDecoder& dxf, bool area) {
     dxf.path.skipped = false;
 }
 
-static void Emit(DxfDecoder& dxf, const WorldPoint* points, const std::size_t* counts, std::size_t outlines,
-                 bool filled) {
-    const Path path = {points, counts, outlines, filled};
-    dxf.sink->path(*dxf.sink, path, dxf.pen);
-}
-
 // Draws the line so far and goes on from its last point.
 static void EmitPiece(DxfDecoder& dxf, bool goOn) {
     std::vector<WorldPoint>& points = dxf.path.points;
     const std::size_t count = points.size();
     if (count == 1) DrawDxfLine(dxf, points[0], points[0]);
-    if (count > 1) Emit(dxf, points.data(), &count, 1, false);
+    if (count > 1) Emit(dxf, {points.data(), &count, 1, false}, dxf.pen);
     const WorldPoint last = count ? points.back() : WorldPoint{};
     points.clear();
     if (goOn) points.push_back(last);
@@ -106,7 +109,7 @@ void EndOutline(DxfDecoder& dxf) {
 void EndPath(DxfDecoder& dxf) {
     EndOutline(dxf);
     if (!dxf.path.area || dxf.path.counts.empty()) return;
-    Emit(dxf, dxf.path.points.data(), dxf.path.counts.data(), dxf.path.counts.size(), true);
+    Emit(dxf, {dxf.path.points.data(), dxf.path.counts.data(), dxf.path.counts.size(), true}, dxf.pen);
 }
 
 // ---- Curves
@@ -150,7 +153,8 @@ static bool IsCircle(const Conic& conic, double radius) {
 }
 
 static double FullDegrees(double radians) {
-    const double degrees = std::fmod(Degrees(radians), 360);
+    double degrees = Degrees(radians);
+    if (!(std::fabs(degrees) < 360)) degrees = std::fmod(degrees, 360);
     return degrees < 0 ? degrees + 360 : degrees;
 }
 
@@ -165,7 +169,7 @@ static bool DrawArcElement(DxfDecoder& dxf, const Conic& conic, double start, do
         if (pixels > 8192 || pixels < 1 || (!whole && pixels * std::fabs(sweep) < 16)) return false;
     }
     const bool mirrored = conic.u.x * conic.v.y - conic.u.y * conic.v.x < 0;
-    const double from = std::atan2(conic.u.y, conic.u.x);
+    const double from = conic.u.y == 0 && conic.u.x > 0 ? 0 : std::atan2(conic.u.y, conic.u.x);
     if (sweep < 0) {
         start += sweep;
         sweep = -sweep;
@@ -174,7 +178,7 @@ static bool DrawArcElement(DxfDecoder& dxf, const Conic& conic, double start, do
     const double startDegrees = whole ? 0 : FullDegrees(first), endDegrees = whole ? 360 : FullDegrees(first + sweep);
     dxf.element.SetArc(conic.centre.x, conic.centre.y, radius, startDegrees, endDegrees);
     dxf.budget.Charge(4);
-    dxf.sink->draw(*dxf.sink, dxf.element, dxf.pen);
+    Emit(dxf);
     return true;
 }
 
@@ -204,13 +208,12 @@ void DrawDxfText(DxfDecoder& dxf, const UnicodeText& text) {
         return DrawTrace(dxf, text);
     }
     if (!dxf.sink->textsAsFrames) {
-        dxf.sink->unicodeText(*dxf.sink, text);
+        if (dxf.MayContinue()) dxf.sink->unicodeText(*dxf.sink, text);
         return;
     }
     WorldPoint corners[5];
     FrameOfText(text, corners);
     corners[4] = corners[0];
     const std::size_t count = 5;
-    const Path frame = {corners, &count, 1, false};
-    dxf.sink->path(*dxf.sink, frame, kSolidPen);
+    Emit(dxf, {corners, &count, 1, false}, kSolidPen);
 }
