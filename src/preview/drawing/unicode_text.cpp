@@ -63,8 +63,7 @@ void DrawUnicodeText(HDC dc, const ViewTransform& view, const UnicodeText& text,
     const auto* const characters = reinterpret_cast<const wchar_t*>(text.text);
     const int length = static_cast<int>(std::min(text.length, kMostLength));
     SIZE size = {};
-    TEXTMETRICW metrics = {};
-    if (!GetTextExtentPoint32W(dc, characters, length, &size) || !GetTextMetricsW(dc, &metrics) || size.cx <= 0) return;
+    if (!GetTextExtentPoint32W(dc, characters, length, &size) || size.cx <= 0) return;
 
     // From the font's pixels, y downward from the base line, to the canvas's.
     const double scaleY = em / whole;
