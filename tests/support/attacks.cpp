@@ -8,6 +8,7 @@
 #include "preview/formats/command.h"
 #include "preview/formats/comments.h"
 #include "preview/formats/dxf.h"
+#include "preview/formats/full_dxf.h"
 #include "preview/formats/native.h"
 #include "preview/formats/text.h"
 #include "support/samples.h"
@@ -65,6 +66,67 @@ std::string Texts(std::size_t size) {  // a font for each
         return Dxf("0 TEXT|10 500|20 350|40 " + std::to_string(14330 - i % 1000) + "|1 W|50 " +
                    std::to_string(i % 3600 / 10.0));
     });
+}
+
+// ---- DXF, the full reader
+
+template <typename Next>
+std::string FullOf(std::size_t size, const std::string& blocks, const std::string& head, Next next) {
+    return Fill(size, Dxf("0 SECTION|2 BLOCKS|" + blocks + "0 ENDSEC|0 SECTION|2 ENTITIES|0 POINT|10 0|20 0|" + head),
+                next, Dxf("0 ENDSEC|0 EOF"));
+}
+std::string Block(int number, const std::string& entities) {
+    return "0 BLOCK|2 B" + std::to_string(number) + "|" + entities + "|0 ENDBLK|";
+}
+std::string Insert(int number) { return "0 INSERT|2 B" + std::to_string(number) + "|10 1|20 1"; }
+std::string ManyInserts(int i) { return Dxf(Insert(i % 20)); }
+
+std::string BlockBomb(std::size_t size) {  // each holds the one before ten times
+    std::string blocks = Block(0, "0 LINE|11 9|21 5");
+    for (int i = 1; i < 20; ++i) {
+        std::string inserts = Insert(i - 1);
+        for (int k = 1; k < 10; ++k) inserts += "|" + Insert(i - 1);
+        blocks += Block(i, inserts);
+    }
+    return FullOf(size, blocks, "0 POINT|10 300|20 200", ManyInserts);
+}
+std::string BlockRings(std::size_t size) {  // each holds itself, the one before and the one behind
+    std::string blocks;
+    for (int i = 0; i < 20; ++i)
+        blocks += Block(i, "0 LINE|11 9|21 5|" + Insert(i) + "|" + Insert((i + 1) % 20) + "|" + Insert((i + 19) % 20));
+    return FullOf(size, blocks, "0 POINT|10 300|20 200", ManyInserts);
+}
+std::string DeepBlocks(std::size_t size) {
+    std::string blocks = Block(0, "0 LINE|11 9|21 5");
+    for (int i = 1; i < 1000; ++i) blocks += Block(i, Insert(i - 1));
+    return FullOf(size, blocks, "0 POINT|10 300|20 200", [](int i) { return Dxf(Insert(i % 1000)); });
+}
+std::string WideArrays(std::size_t size) {
+    return FullOf(size, Block(0, "0 LINE|11 9|21 5") + Block(1, "0 INSERT|2 B0|70 32767|71 32767|44 1e-3|45 1e-3"),
+                  "0 POINT|10 300|20 200", [](int i) {
+                      return Dxf(Insert(i % 2) + "|70 32767|71 32767|44 0.0" + std::to_string(i % 9) + "1|45 9");
+                  });
+}
+std::string HighDegrees(std::size_t size) {
+    return FullOf(size, "", "0 SPLINE|71 1000000", [](int i) {
+        return Dxf("40 " + std::to_string(i) + "|10 " + std::to_string(i % 300) + "|20 " + std::to_string(i * 7 % 200));
+    });
+}
+std::string OddKnots(std::size_t size) {
+    return FullOf(size, "", "0 POINT|10 300|20 200", [](int i) {
+        return Dxf(std::string("0 SPLINE|71 3|40 0|40 nan|40 1e999|40 -1e308|40 ") + (i % 2 ? "nan" : "1") +
+                   "|40 1e-320|40 1|40 1|10 0|20 0|41 0|10 9|20 1e300|41 -1|10 3|20 9|41 nan|10 nan|20 1e999|41 1e999");
+    });
+}
+std::string DenseHatches(std::size_t size) {
+    return FullOf(size, "", "0 POINT|10 300|20 200", [](int i) {
+        return Dxf("0 HATCH|70 0|92 3|10 0|20 0|10 300|20 0|10 300|20 200|75 0|78 1|53 " + std::to_string(i) +
+                   "|43 0|44 0|45 1e-9|46 1." + std::to_string(i % 7) + "|79 2|49 1e-9|49 -1e-9");
+    });
+}
+std::string NestedCodes(std::size_t size) {
+    return FullOf(size, "", "0 POINT|10 300|20 200|0 MTEXT|10 1|20 9|40 2|41 1",
+                  [](int) { return Dxf("3 " + std::string(120, '{') + "\\H9x;\\S1/2;" + std::string(100, '\\')); });
 }
 
 // ---- Other formats
@@ -128,6 +190,14 @@ const Attack kAttacks[] = {
     {"extents of 1e308", ".dxf", DecodeDxf, OddExtents<kHuge>, {}},
     {"circles of 32,766 pixels", ".dxf", DecodeDxf, Circles, {0, 0, 4759, 0, 0}},
     {"texts of a new angle each", ".dxf", DecodeDxf, Texts, {0, 0, 0, 0, 2955}},
+    {"a block bomb", ".dxf", DecodeFullDxf, BlockBomb, {2, 101802, 0, 0, 0}},
+    {"blocks that hold themselves", ".dxf", DecodeFullDxf, BlockRings, {2, 70591, 0, 0, 0}},
+    {"blocks 1,000 deep", ".dxf", DecodeFullDxf, DeepBlocks, {2, 128, 0, 0, 0}},
+    {"arrays of 32,767 x 32,767", ".dxf", DecodeFullDxf, WideArrays, {82468, 0, 0, 0, 0}},
+    {"a spline of degree 1,000,000", ".dxf", DecodeFullDxf, HighDegrees, {1, 6681, 0, 0, 0}},
+    {"knots that are no numbers", ".dxf", DecodeFullDxf, OddKnots, {2, 0, 0, 0, 0}},
+    {"hatches denser than pixels", ".dxf", DecodeFullDxf, DenseHatches, {22, 6141, 0, 0, 0}},
+    {"nested format codes", ".dxf", DecodeFullDxf, NestedCodes, {286, 0, 0, 0, 0}},
     {"chains of deleted records", ".qa", DecodeNative, Chains, {0, 0, 0, 0, 1555}},
     {"frames far away", ".lbk", DecodeBackup, FarFrames, {}},
     {"texts without an end", ".exf", DecodeTextDrawing, OpenTexts, {}},

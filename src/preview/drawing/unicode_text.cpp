@@ -67,8 +67,7 @@ void DrawUnicodeText(HDC dc, const ViewTransform& view, const UnicodeText& text,
     fonts->area += em * em * length;
     if (fonts->area > kMostArea) return;
     SIZE size = {};
-    TEXTMETRICW metrics = {};
-    if (!GetTextExtentPoint32W(dc, characters, length, &size) || !GetTextMetricsW(dc, &metrics) || size.cx <= 0) return;
+    if (!GetTextExtentPoint32W(dc, characters, length, &size) || size.cx <= 0) return;
 
     // From the font's pixels, y downward from the base line, to the canvas's.
     const double scaleY = em / whole;
