@@ -4,7 +4,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <initializer_list>
+#include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "preview/reader.h"
@@ -16,6 +21,21 @@ struct Random {
     std::uint32_t Below(std::uint32_t bound);  // 0 up to bound - 1
     double Between(double low, double high);
 };
+
+// Writes a file; `file` is null once that has failed.
+struct Writer {
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file;
+    std::size_t size = 0;  // so far
+    explicit Writer(const std::string& path);
+    void Bytes(std::string_view bytes);
+    // Of a DXF.
+    void Pair(int code, std::string_view value);
+    void Pair(int code, double value, int digits = 6);
+    void Pairs(std::initializer_list<std::pair<int, const char*>> pairs);
+    void Point(int code, double x, double y, int digits = 6);
+    bool End();  // whether all has been written
+};
+bool WriteWholeFile(const std::string& path, std::string_view contents);
 
 enum class EntityKind { kPoint, kLine, kArc, kCircle, kText };
 

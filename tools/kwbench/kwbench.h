@@ -41,11 +41,19 @@ bool BenchDrawings(Bench* bench);
 bool BenchGallery(Bench* bench);
 bool BenchList(Bench* bench);
 
+struct PreviewedFile {
+    DWORD renderMode;
+    std::string path;
+};
+
 // A process's peak never falls, so each is measured in a process of its own: reads a small drawing, then a file of any
 // kind, and says by how many kilobytes the second has raised the peak; false when the small one gave no preview.
-bool RunPreviewMemory(const Drawing& smallDrawing, const std::string& path, int* kilobytes);
+bool RunPreviewMemory(Bench* bench, const PreviewedFile& file, int* kilobytes);
 // That process's part; -1 when it fails.
-int PreviewMemoryKilobytes(const char* smallDrawing, const char* path);
+int PreviewMemoryKilobytes(const char* smallDrawing, const PreviewedFile& file);
+// Adds the row of the peak, which may be `factor` times the file's size and so many megabytes more; false as above.
+bool AddMemoryRow(Bench* bench, const std::string& what, const PreviewedFile& file, std::size_t size, double factor,
+                  double more);
 
 // The generated drawing of that size, made at its first use; null, after a word to the error stream, when it cannot be.
 const Drawing* DrawingOf(Bench* bench, int megabytes);
