@@ -108,7 +108,7 @@ static bool BenchDecoding(Bench* bench, int megabytes, int roundCount) {
         roundCount, [&] { return SecondsOf([&] { good = DecodeAlone(bytes) && good; }); },
         [&] { return SecondsOf([&] { sum += SumOfGroups(begin, begin + bytes.size); }); });
     if (!good || sum == 0) return Fail("no drawing in " + path);
-    bench->rows.push_back(RateRow(what + "decode", rounds, static_cast<double>(file.size), kDecodeRate));
+    bench->rows.push_back(RateRow(what + "decode", rounds, static_cast<double>(file.size), Rate, kDecodeRate));
     return true;
 }
 

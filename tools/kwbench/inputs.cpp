@@ -419,14 +419,13 @@ static void AppendFilling(Random* random, Filling filling, std::string* out) {
     }
 }
 
-std::vector<std::string> WriteSmallFiles(const std::string& folder, std::size_t count) {
-    static constexpr std::size_t kFilesAFolder = 500;
+std::vector<std::string> WriteSmallFiles(const std::string& folder, std::size_t count, std::size_t filesAFolder) {
     std::vector<std::string> paths;
     Random random{kFilesSeed};
     std::string subfolder;
     for (std::size_t i = 0; i < count; ++i) {
-        if (i % kFilesAFolder == 0) {
-            subfolder = folder + "files" + std::to_string(i / kFilesAFolder) + "\\";
+        if (i % filesAFolder == 0) {
+            subfolder = folder + "files" + std::to_string(i / filesAFolder) + "\\";
             if (!CreateDirectoryA(subfolder.c_str(), nullptr)) return paths;
         }
         const auto& kind = kSmallFiles[random.Below(std::size(kSmallFiles))];
@@ -438,16 +437,4 @@ std::vector<std::string> WriteSmallFiles(const std::string& folder, std::size_t 
         paths.push_back(path);
     }
     return paths;
-}
-
-std::vector<std::string> WriteListedFiles(const std::string& folder, std::size_t count) {
-    std::vector<std::string> names;
-    Random random{kFilesSeed};
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto& kind = kSmallFiles[random.Below(std::size(kSmallFiles))];
-        const std::string name = "part" + std::to_string(i) + kind.extension;
-        if (!WriteWholeFile(folder + name, std::string(random.Below(2000), ' '))) return names;
-        names.push_back(name);
-    }
-    return names;
 }

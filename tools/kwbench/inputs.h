@@ -91,10 +91,6 @@ bool WriteDrawing(std::size_t size, std::size_t entityCount, Drawing* drawing);
 const PreviewFormat& FormatOf(DrawingFormat format);
 const char* ExtensionOf(DrawingFormat format);
 
-// Writes small files of all kinds, 1 to 4 KB each, into `folder` (which ends with a backslash) and returns their paths
-// in a mixed order; fewer than `count` when one cannot be written.
-std::vector<std::string> WriteSmallFiles(const std::string& folder, std::size_t count);
-
-// Writes `count` files of a few bytes into one folder and returns their names; fewer than `count` when one cannot be
-// written.
-std::vector<std::string> WriteListedFiles(const std::string& folder, std::size_t count);
+// Writes small files of all kinds, 1 to 4 KB each, into folders of so many below `folder`, which exists and ends with a
+// backslash; returns their paths in a mixed order, fewer than `count` when one cannot be written.
+std::vector<std::string> WriteSmallFiles(const std::string& folder, std::size_t count, std::size_t filesAFolder = 500);

@@ -94,10 +94,11 @@ Comparison Compare(int roundCount, Measured measured, Floor floor) {
 // The median of the rounds' own ratios: a round's noise hits both sides, so it mostly leaves the ratio.
 double MedianRatio(const Comparison& rounds);
 
-// Rows with a verdict: the measured time may be at most `limit` times the floor; or, as rates over `bytes`, the
-// measured rate must be at least `limit` times the floor's.
+// Rows with a verdict: the measured time may be at most `limit` times the floor; or, as rates of an amount that was
+// worked through, the measured rate must be at least `limit` times the floor's.
 Row TimeRow(const std::string& what, const Comparison& rounds, double limit);
-Row RateRow(const std::string& what, const Comparison& rounds, double bytes, double limit);
+using RateCell = std::string (*)(double amount, double seconds);
+Row RateRow(const std::string& what, const Comparison& rounds, double amount, RateCell cell, double limit);
 
 // Cells of the table.
 std::string Milliseconds(double seconds);
