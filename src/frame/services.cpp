@@ -187,18 +187,22 @@ static bool ReadWhole(HANDLE file, HGLOBAL block, DWORD size) {
     return false;
 }
 
+HGLOBAL LoadOpenFile(HANDLE file) {
+    DWORD sizeHigh = 0;
+    const DWORD size = GetFileSize(file, &sizeHigh);
+    if (sizeHigh != 0 || size == INVALID_FILE_SIZE) return nullptr;
+    if (SetFilePointer(file, 0, nullptr, FILE_BEGIN) != 0) return nullptr;
+    const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, size);
+    if (!block) return nullptr;
+    if (ReadWhole(file, block, size)) return block;
+    GlobalFree(block);
+    return nullptr;
+}
+
 HGLOBAL WINAPI LoadFileToGlobal(const char* path) {
     if (!IsFilePath(path)) return nullptr;
     const UniqueHandle file(OpenDiskFile(path));
-    if (!IsOpen(file)) return nullptr;
-    DWORD sizeHigh = 0;
-    const DWORD size = GetFileSize(file.get(), &sizeHigh);
-    if (sizeHigh != 0 || size == INVALID_FILE_SIZE) return nullptr;
-    const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, size);
-    if (!block) return nullptr;
-    if (ReadWhole(file.get(), block, size)) return block;
-    GlobalFree(block);
-    return nullptr;
+    return IsOpen(file) ? LoadOpenFile(file.get()) : nullptr;
 }
 
 // ---- Workers

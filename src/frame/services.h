@@ -37,6 +37,9 @@ HANDLE OpenDiskFile(const char* path);
 // GlobalFree. Null when it is no file, is empty, cannot be read whole, or does not fit the memory.
 HGLOBAL WINAPI LoadFileToGlobal(const char* path);
 
+// The same for a file that is open, from its start.
+HGLOBAL LoadOpenFile(HANDLE file);
+
 // The one value that the dialogs share with their workers: 1 lets the running reader go on, all else stops it.
 // Value 0 or 1 stores it and returns the value before; any other value only reads.
 int WINAPI PreviewCancel(int value);

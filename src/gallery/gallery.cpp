@@ -18,7 +18,6 @@
 #include "kit/paths.h"
 #include "preview/dispatch.h"
 #include "preview/drawing/placeholder.h"
-#include "preview/file_type.h"
 #include "resources/resource.h"
 
 namespace {
@@ -80,19 +79,17 @@ void StoreThumbnail(Gallery& gallery, GalleryItem& item, HBITMAP bitmap) {
 
 // A run that gave nothing is made again when its cancel flag was not the reader's alone: it may have been stopped by a
 // word that was meant for another reader.
-UniqueBitmap ReadUndisturbed(const Gallery& gallery, PreviewReader reader, const char* path) {
+UniqueBitmap ReadUndisturbed(const Gallery& gallery, const char* path) {
     for (;;) {
         const unsigned stores = PreviewCancelStores;
-        UniqueBitmap bitmap(reader(gallery.request.renderMode, path, &gallery.grid.thumbnail, nullptr, 0));
+        UniqueBitmap bitmap(PreviewForGallery(gallery.request.renderMode, path, gallery.grid.thumbnail));
         if (bitmap || gallery.worker.stopRequested || PreviewCancelStores - stores <= kReaderStores) return bitmap;
     }
 }
 
 void MakeThumbnail(Gallery& gallery, GalleryItem& item) {
     const std::string path = JoinPath(gallery.request.folder, item.name);
-    const PreviewReader reader = GalleryReaderFor(IdentifyFileType(path.c_str(), nullptr, 0));
-    if (!reader) return;
-    const UniqueBitmap bitmap = ReadUndisturbed(gallery, reader, path.c_str());
+    const UniqueBitmap bitmap = ReadUndisturbed(gallery, path.c_str());
     if (bitmap) StoreThumbnail(gallery, item, bitmap.get());
 }
 

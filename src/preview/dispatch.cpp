@@ -1,5 +1,9 @@
 #include "preview/dispatch.h"
 
+#include <utility>
+
+#include "frame/services.h"
+#include "kit/handles.h"
 #include "preview/command_reader.h"
 
 namespace {
@@ -50,6 +54,16 @@ PreviewReader ReaderFor(FileTypeCode code, Place place) {
 PreviewReader PaneReaderFor(FileTypeCode code) { return ReaderFor(code, kPane); }
 PreviewReader GalleryReaderFor(FileTypeCode code) { return ReaderFor(code, kGallery); }
 PreviewReader CommandReaderFor(FileTypeCode code) { return ReaderFor(code, kCommand); }
+
+HBITMAP PreviewForGallery(DWORD renderMode, const char* fileName, const RECT& target) {
+    UniqueHandle file(OpenDiskFile(fileName));
+    if (!IsOpen(file)) return nullptr;
+    const DispatchRow* row = FindRow(IdentifyOpenFile(file.get(), fileName, nullptr, 0));
+    if (!row || !(row->places & kGallery)) return nullptr;
+    if (row->format) return PreviewFile(*row->format, std::move(file), {renderMode, &target, nullptr, 0});
+    file.reset();
+    return row->reader(renderMode, fileName, &target, nullptr, 0);
+}
 
 const PreviewFormat* FormatOf(FileTypeCode code) {
     const DispatchRow* row = FindRow(code);

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "frame/services.h"
 #include "kit/file_version.h"
@@ -29,12 +30,15 @@ static ByteView EndText(std::uint8_t* bytes, std::size_t size) {
     return {bytes, size};
 }
 
-LoadedFile::LoadedFile(const char* fileName) : block(LoadFileToGlobal(fileName)) {
+LoadedFile::LoadedFile(HGLOBAL loaded) : block(loaded) {
     if (!block) return;
     size = GlobalSize(block);
     data = static_cast<std::uint8_t*>(GlobalLock(block));
     if (size == 0) data = nullptr;
 }
+
+LoadedFile::LoadedFile(const char* fileName) : LoadedFile(LoadFileToGlobal(fileName)) {}
+LoadedFile::LoadedFile(UniqueHandle file) : LoadedFile(LoadOpenFile(file.get())) {}
 
 LoadedFile::~LoadedFile() {
     if (!block) return;
@@ -75,12 +79,22 @@ static HBITMAP RunReader(const PreviewFormat& format, const PreviewRequest& requ
     return bitmap;
 }
 
-HBITMAP PreviewFile(const PreviewFormat& ofKind, const char* fileName, const PreviewRequest& request) {
+// The source is a path or an open file.
+template <typename Source>
+static HBITMAP PreviewLoaded(const PreviewFormat& ofKind, Source source, const PreviewRequest& request) {
     const PreviewFormat& format = Chosen(ofKind, request);
     return RunReader(format, request, [&](const Comment& comment) {
-        const LoadedFile file(fileName);
+        const LoadedFile file(std::move(source));
         return file.data ? Decode(format, file.data, file.size, request, comment) : nullptr;
     });
+}
+
+HBITMAP PreviewFile(const PreviewFormat& format, const char* fileName, const PreviewRequest& request) {
+    return PreviewLoaded(format, fileName, request);
+}
+
+HBITMAP PreviewFile(const PreviewFormat& format, UniqueHandle file, const PreviewRequest& request) {
+    return PreviewLoaded(format, std::move(file), request);
 }
 
 HBITMAP PreviewBytes(const PreviewFormat& ofKind, std::uint8_t* bytes, std::size_t size,

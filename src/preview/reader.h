@@ -6,6 +6,7 @@
 #include <cstddef>
 
 #include "kit/dib.h"
+#include "kit/handles.h"
 #include "preview/drawing/canvas.h"
 #include "preview/formats/backup.h"
 #include "preview/formats/comments.h"
@@ -53,8 +54,10 @@ inline constexpr PreviewFormat kQfFormat = {PreviewFormat::kComment, true, Decod
 inline constexpr PreviewFormat kPlainTextFormat = {PreviewFormat::kComment, true, DecodeTextComment};
 inline constexpr PreviewFormat kBitmapFormat = {PreviewFormat::kPicture, false, nullptr};
 
-// Reads a file of a known format; DXF by the full reader where the mode asks for it.
+// Reads a file of a known format, by its name or as it has been opened; DXF by the full reader where the mode asks for
+// it.
 HBITMAP PreviewFile(const PreviewFormat& format, const char* fileName, const PreviewRequest& request);
+HBITMAP PreviewFile(const PreviewFormat& format, UniqueHandle file, const PreviewRequest& request);
 
 // The same for a file that is in memory already. The bytes are the caller's; of a text, the last one is overwritten.
 HBITMAP PreviewBytes(const PreviewFormat& format, std::uint8_t* bytes, std::size_t size, const PreviewRequest& request);
@@ -90,10 +93,14 @@ struct LoadedFile {
     std::uint8_t* data = nullptr;
     std::size_t size = 0;
     explicit LoadedFile(const char* fileName);
+    explicit LoadedFile(UniqueHandle file);  // which is open; closed as soon as it is loaded
     ~LoadedFile();
     LoadedFile(const LoadedFile&) = delete;
     LoadedFile& operator=(const LoadedFile&) = delete;
 
     // Ends the contents as a string.
     ByteView AsText() const;
+
+private:
+    explicit LoadedFile(HGLOBAL loaded);
 };

@@ -52,12 +52,8 @@ bool BenchExpression(Bench* bench) {
     const Comparison rounds = Compare(
         bench->quick ? 5 : 15, [&] { return SecondsOf(evaluate); }, [&] { return SecondsOf(convert); });
     if (!good) return Fail("expression: one of the list failed");
+    const auto rate = [](double count, double seconds) { return Number(count / seconds / 1e6, 2) + " M/s"; };
     const double count = repeats * static_cast<double>(std::size(kExpressions));
-    const auto rate = [=](const std::vector<double>& seconds) {
-        return Number(count / Median(seconds) / 1e6, 2) + " M/s";
-    };
-    const double ratio = 1 / MedianRatio(rounds);
-    bench->rows.push_back({"expressions", rate(rounds.measured), rate(rounds.floor), Number(ratio, 2),
-                           ">= " + Number(kLimit, 2), ratio >= kLimit ? Row::kMet : Row::kMissed});
+    bench->rows.push_back(RateRow("expressions", rounds, count, rate, kLimit));
     return true;
 }

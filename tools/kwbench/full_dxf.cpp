@@ -1,13 +1,5 @@
 // The full DXF reader: decoding against a bare scan, a preview against the basic reader's, and memory.
-#include <windows.h>
-// psapi.h needs windows.h.
-#include <psapi.h>
-
 #include <algorithm>
-#include <charconv>
-#include <cstdio>
-#include <memory>
-#include <vector>
 
 #include "kit/handles.h"
 #include "kwbench.h"
@@ -20,95 +12,69 @@ static constexpr double kMemoryFactor = 2, kMemoryMore = 16;  // times the file,
 
 // ---- The drawing: what the basic reader's drawings lack
 
-struct Writer {
-    std::FILE* file;
+struct FullDrawing : Writer {
+    using Writer::Writer;
     Random random = {kDrawingSeed};
-    std::size_t size = 0;
-
-    void Put(int code, const std::string& value) {
-        const int written = std::fprintf(file, "%3d\r\n%s\r\n", code, value.c_str());
-        if (written > 0) size += static_cast<std::size_t>(written);
-    }
-    void Put(int code, double value) {
-        char text[32];
-        std::snprintf(text, sizeof(text), "%.6f", value);
-        Put(code, std::string(text));
-    }
-    double Below(double bound) { return bound * random.Below(1'000'000) / 1e6; }
-    void At(double x, double y) {
-        Put(10, x);
-        Put(20, y);
-    }
+    double Below(double bound) { return random.Between(0, bound); }
     void Begin(const char* kind) {
-        Put(0, kind);
-        Put(8, "LAYER" + std::to_string(random.Below(30)));
+        Pair(0, kind);
+        Pair(8, "LAYER" + std::to_string(random.Below(30)));
     }
 };
 
-static void PutPolyline(Writer& out) {
+static void PutPolyline(FullDrawing& out) {
     double x = out.Below(1000), y = out.Below(1000);
     out.Begin("LWPOLYLINE");
     for (int i = 0; i < 20; ++i) {
-        out.At(x += out.Below(3), y += out.Below(2) - 1);
-        if (i % 5 == 0) out.Put(42, 0.3);
+        out.Pair(10, x += out.Below(3));
+        out.Pair(20, y += out.Below(2) - 1);
+        if (i % 5 == 0) out.Pair(42, 0.3);
     }
 }
 
-static void PutSpline(Writer& out) {
+static void PutSpline(FullDrawing& out) {
     double x = out.Below(1000), y = out.Below(1000);
     out.Begin("SPLINE");
-    out.Put(71, "3");
-    for (int i = 0; i < 14; ++i) out.Put(40, std::clamp(i - 3, 0, 7));
-    for (int i = 0; i < 10; ++i) out.At(x += out.Below(4), y += out.Below(6) - 3);
+    out.Pair(71, "3");
+    for (int i = 0; i < 14; ++i) out.Pair(40, std::clamp<double>(i - 3, 0, 7));
+    for (int i = 0; i < 10; ++i) out.Point(10, x += out.Below(4), y += out.Below(6) - 3);
 }
 
-static void PutInsert(Writer& out) {
+static void PutInsert(FullDrawing& out) {
     out.Begin("INSERT");
-    out.Put(2, "BLOCK");
-    out.At(out.Below(1000), out.Below(1000));
-    out.Put(50, out.Below(360));
+    out.Pair(2, "BLOCK");
+    out.Point(10, out.Below(1000), out.Below(1000));
+    out.Pair(50, out.Below(360));
 }
 
-static void PutText(Writer& out) {
+static void PutText(FullDrawing& out) {
     out.Begin("TEXT");
-    out.At(out.Below(1000), out.Below(1000));
-    out.Put(40, 2.5);
-    out.Put(1, "Text " + std::to_string(out.random.Below(100000)));
+    out.Point(10, out.Below(1000), out.Below(1000));
+    out.Pair(40, 2.5);
+    out.Pair(1, "Text " + std::to_string(out.random.Below(100000)));
 }
 
-static void PutLine(Writer& out) {
+static void PutLine(FullDrawing& out) {
     out.Begin("LINE");
     const double x = out.Below(1000), y = out.Below(1000);
-    out.At(x, y);
-    out.Put(11, x + out.Below(20));
-    out.Put(21, y + out.Below(20));
+    out.Point(10, x, y);
+    out.Point(11, x + out.Below(20), y + out.Below(20));
 }
 
 static bool WriteFullDrawing(const std::string& path, std::size_t size) {
-    static constexpr void (*kKinds[])(Writer&) = {PutPolyline, PutSpline, PutInsert, PutText, PutLine, PutLine};
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "wb"), std::fclose);
-    if (!file) return false;
-    Writer out = {file.get()};
-    out.Put(0, "SECTION");
-    out.Put(2, "TABLES");
+    static constexpr void (*kKinds[])(FullDrawing&) = {PutPolyline, PutSpline, PutInsert, PutText, PutLine, PutLine};
+    FullDrawing out(path);
+    out.Pairs({{0, "SECTION"}, {2, "TABLES"}});
     for (int i = 0; i < 30; ++i) {
-        out.Put(0, "LAYER");
-        out.Put(2, "LAYER" + std::to_string(i));
+        out.Pair(0, "LAYER");
+        out.Pair(2, "LAYER" + std::to_string(i));
     }
-    out.Put(0, "ENDSEC");
-    out.Put(0, "SECTION");
-    out.Put(2, "BLOCKS");
-    out.Put(0, "BLOCK");
-    out.Put(2, "BLOCK");
+    out.Pairs({{0, "ENDSEC"}, {0, "SECTION"}, {2, "BLOCKS"}, {0, "BLOCK"}, {2, "BLOCK"}});
     for (int i = 0; i < 10; ++i) PutLine(out);
-    out.Put(0, "ENDBLK");
-    out.Put(0, "ENDSEC");
-    out.Put(0, "SECTION");
-    out.Put(2, "ENTITIES");
-    while (out.size < size) kKinds[out.random.Below(6)](out);
-    out.Put(0, "ENDSEC");
-    out.Put(0, "EOF");
-    return std::ferror(file.get()) == 0;
+    out.Pairs({{0, "ENDBLK"}, {0, "ENDSEC"}, {0, "SECTION"}, {2, "ENTITIES"}});
+    while (out.file && out.size < size) kKinds[out.random.Below(6)](out);
+    out.Pairs({{0, "ENDSEC"}, {0, "EOF"}});
+    return out.End();
 }
 
 // ---- Speed
@@ -142,7 +108,7 @@ static bool BenchDecoding(Bench* bench, int megabytes, int roundCount) {
         roundCount, [&] { return SecondsOf([&] { good = DecodeAlone(bytes) && good; }); },
         [&] { return SecondsOf([&] { sum += SumOfGroups(begin, begin + bytes.size); }); });
     if (!good || sum == 0) return Fail("no drawing in " + path);
-    bench->rows.push_back(RateRow(what + "decode", rounds, static_cast<double>(file.size), kDecodeRate));
+    bench->rows.push_back(RateRow(what + "decode", rounds, static_cast<double>(file.size), Rate, kDecodeRate));
     return true;
 }
 
@@ -166,24 +132,12 @@ static bool BenchBothReaders(Bench* bench, int megabytes, int roundCount) {
 
 // ---- Memory
 
-// What a decoding adds to the process's peak, in megabytes. It is measured before anything else here has raised it.
 static bool BenchDecodingMemory(Bench* bench, int megabytes) {
     const std::string path = bench->folder + "full_memory.dxf";
-    if (!WriteFullDrawing(path, static_cast<std::size_t>(megabytes) * kMegabyte)) return Fail("cannot write " + path);
-    PROCESS_MEMORY_COUNTERS before = {}, after = {};
-    const HANDLE process = GetCurrentProcess();
-    GetProcessMemoryInfo(process, &before, sizeof(before));
-    if (!UniqueBitmap(ReadFullDxfPreview(kRenderColor, path.c_str(), &kPaneTarget, nullptr, 0)))
-        return Fail("no preview");
-    GetProcessMemoryInfo(process, &after, sizeof(after));
-    const SIZE_T resident = after.PeakWorkingSetSize - before.WorkingSetSize;
-    const SIZE_T committed = after.PeakPagefileUsage - before.PagefileUsage;
-    const double peak = static_cast<double>(std::max(resident, committed)) / static_cast<double>(kMegabyte);
-    bench->rows.push_back({"full DXF " + std::to_string(megabytes) + " MB: peak of the preview",
-                           Number(peak, 2) + " MB", std::to_string(megabytes) + " MB", Number(peak / megabytes, 2),
-                           "<= 2 x file + 16 MB",
-                           peak <= kMemoryFactor * megabytes + kMemoryMore ? Row::kMet : Row::kMissed});
-    return true;
+    const auto size = static_cast<std::size_t>(megabytes) * kMegabyte;
+    if (!WriteFullDrawing(path, size)) return Fail("cannot write " + path);
+    return AddMemoryRow(bench, "full DXF " + std::to_string(megabytes) + " MB", {kRenderColor | kRenderFullDxf, path},
+                        size, kMemoryFactor, kMemoryMore);
 }
 
 bool BenchFullDxf(Bench* bench) {

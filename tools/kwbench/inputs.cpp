@@ -7,9 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <iterator>
-#include <string_view>
 
-#include "kit/handles.h"
 #include "preview/formats/element_record.h"
 
 static constexpr std::uint64_t kFilesSeed = 0x6B7766696C6573;
@@ -160,49 +158,45 @@ static int PenOf(const Entity& entity) {
 
 // ---- Writing
 
-// Collects lines and hands them to the file in large pieces.
-struct Writer {
-    UniqueHandle file;
-    std::string pending;
-    std::size_t written = 0;
-    bool good = true;
+Writer::Writer(const std::string& path) : file(std::fopen(path.c_str(), "wb"), std::fclose) {}
 
-    explicit Writer(const std::string& path)
-        : file(CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr)) {
-        good = IsOpen(file);
-    }
-    std::size_t Size() const { return written + pending.size(); }
-    void Flush() {
-        DWORD count = 0;
-        const DWORD wanted = static_cast<DWORD>(pending.size());
-        good = good && WriteFile(file.get(), pending.data(), wanted, &count, nullptr) && count == wanted;
-        written += wanted;
-        pending.clear();
-    }
-    void Bytes(std::string_view bytes) {
-        pending += bytes;
-        if (pending.size() >= 1 << 20) Flush();
-    }
-    void Pair(int code, std::string_view value) {
-        char text[16];
-        std::snprintf(text, sizeof(text), "%3d\r\n", code);
-        pending += text;
-        pending += value;
-        Bytes("\r\n");
-    }
-    void Point(int code, double x, double y, int digits) {
-        Pair(code, TextOf(x, digits));
-        Pair(code + 10, TextOf(y, digits));
-        Pair(code + 20, "0.0");
-    }
-};
+void Writer::Bytes(std::string_view bytes) {
+    if (file && std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size()) size += bytes.size();
+    else file.reset();
+}
+
+void Writer::Pair(int code, std::string_view value) {
+    char text[16];
+    std::snprintf(text, sizeof(text), "%3d\r\n", code);
+    Bytes((text + std::string(value)).append("\r\n"));
+}
+
+void Writer::Pair(int code, double value, int digits) { Pair(code, std::string_view(TextOf(value, digits))); }
+
+void Writer::Point(int code, double x, double y, int digits) {
+    Pair(code, x, digits);
+    Pair(code + 10, y, digits);
+    Pair(code + 20, "0.0");
+}
+
+void Writer::Pairs(std::initializer_list<std::pair<int, const char*>> pairs) {
+    for (const auto& [code, value] : pairs) Pair(code, value);
+}
+
+bool Writer::End() { return file && std::fclose(file.release()) == 0; }
+
+bool WriteWholeFile(const std::string& path, std::string_view contents) {
+    Writer writer(path);
+    writer.Bytes(contents);
+    return writer.End();
+}
 
 static void WriteDxfHead(Writer* out, std::size_t) {
-    for (const auto& [code, value] : {std::pair(0, "SECTION"), {2, "HEADER"}, {9, "$EXTMIN"}}) out->Pair(code, value);
+    out->Pairs({{0, "SECTION"}, {2, "HEADER"}, {9, "$EXTMIN"}});
     out->Point(10, 0, 0, 1);
     out->Pair(9, "$EXTMAX");
     out->Point(10, kSheetWidth, kSheetHeight, 1);
-    for (const auto& [code, value] : {std::pair(0, "ENDSEC"), {0, "SECTION"}, {2, "ENTITIES"}}) out->Pair(code, value);
+    out->Pairs({{0, "ENDSEC"}, {0, "SECTION"}, {2, "ENTITIES"}});
 }
 
 static void WriteDxfEntity(Writer* out, const Entity& entity, std::size_t number) {
@@ -215,7 +209,7 @@ static void WriteDxfEntity(Writer* out, const Entity& entity, std::size_t number
     if (entity.lineType) out->Pair(6, entity.lineType);
     if (number % 3 == 0) out->Pair(62, "     " + std::to_string(number / 3 % 7 + 1));
     out->Point(10, entity.x1, entity.y1, entity.digits);
-    const auto pair = [&](int code, double value) { out->Pair(code, TextOf(value, entity.digits)); };
+    const auto pair = [&](int code, double value) { out->Pair(code, value, entity.digits); };
     switch (entity.kind) {
         case EntityKind::kPoint: break;
         case EntityKind::kLine: out->Point(11, entity.x2, entity.y2, entity.digits); break;
@@ -239,10 +233,7 @@ static void WriteDxfEntity(Writer* out, const Entity& entity, std::size_t number
     }
 }
 
-static void WriteDxfEnd(Writer* out) {
-    out->Pair(0, "ENDSEC");
-    out->Pair(0, "EOF");
-}
+static void WriteDxfEnd(Writer* out) { out->Pairs({{0, "ENDSEC"}, {0, "EOF"}}); }
 
 // Native and backup drawings
 
@@ -379,14 +370,13 @@ bool WriteDrawing(std::size_t size, std::size_t entityCount, Drawing* drawing) {
     format.head(&writer, entityCount);
     EntityStream entities = {{drawing->seed}, drawing->mix};
     std::size_t count = 0;
-    for (; writer.good && count < entityCount && writer.Size() < size; ++count) {
+    for (; writer.file && count < entityCount && writer.size < size; ++count) {
         format.entity(&writer, entities.Next(), count);
     }
     format.end(&writer);
-    writer.Flush();
-    drawing->size = writer.written;
+    drawing->size = writer.size;
     drawing->entityCount = count;
-    return writer.good;
+    return writer.End();
 }
 
 // ---- Small files
@@ -429,14 +419,13 @@ static void AppendFilling(Random* random, Filling filling, std::string* out) {
     }
 }
 
-std::vector<std::string> WriteSmallFiles(const std::string& folder, std::size_t count) {
-    static constexpr std::size_t kFilesAFolder = 500;
+std::vector<std::string> WriteSmallFiles(const std::string& folder, std::size_t count, std::size_t filesAFolder) {
     std::vector<std::string> paths;
     Random random{kFilesSeed};
     std::string subfolder;
     for (std::size_t i = 0; i < count; ++i) {
-        if (i % kFilesAFolder == 0) {
-            subfolder = folder + "files" + std::to_string(i / kFilesAFolder) + "\\";
+        if (i % filesAFolder == 0) {
+            subfolder = folder + "files" + std::to_string(i / filesAFolder) + "\\";
             if (!CreateDirectoryA(subfolder.c_str(), nullptr)) return paths;
         }
         const auto& kind = kSmallFiles[random.Below(std::size(kSmallFiles))];
@@ -444,26 +433,8 @@ std::vector<std::string> WriteSmallFiles(const std::string& folder, std::size_t 
         std::string contents = std::string(kind.offset, '\0') + kind.signature;
         while (contents.size() < size) AppendFilling(&random, kind.filling, &contents);
         const std::string path = subfolder + "part" + std::to_string(i) + kind.extension;
-        Writer writer(path);
-        writer.pending = contents;
-        writer.Flush();
-        if (!writer.good) return paths;
+        if (!WriteWholeFile(path, contents)) return paths;
         paths.push_back(path);
     }
     return paths;
-}
-
-std::vector<std::string> WriteListedFiles(const std::string& folder, std::size_t count) {
-    std::vector<std::string> names;
-    Random random{kFilesSeed};
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto& kind = kSmallFiles[random.Below(std::size(kSmallFiles))];
-        const std::string name = "part" + std::to_string(i) + kind.extension;
-        Writer writer(folder + name);
-        writer.pending.assign(random.Below(2000), ' ');
-        writer.Flush();
-        if (!writer.good) return names;
-        names.push_back(name);
-    }
-    return names;
 }

@@ -4,7 +4,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <initializer_list>
+#include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "preview/reader.h"
@@ -16,6 +21,21 @@ struct Random {
     std::uint32_t Below(std::uint32_t bound);  // 0 up to bound - 1
     double Between(double low, double high);
 };
+
+// Writes a file; `file` is null once that has failed.
+struct Writer {
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file;
+    std::size_t size = 0;  // so far
+    explicit Writer(const std::string& path);
+    void Bytes(std::string_view bytes);
+    // Of a DXF.
+    void Pair(int code, std::string_view value);
+    void Pair(int code, double value, int digits = 6);
+    void Pairs(std::initializer_list<std::pair<int, const char*>> pairs);
+    void Point(int code, double x, double y, int digits = 6);
+    bool End();  // whether all has been written
+};
+bool WriteWholeFile(const std::string& path, std::string_view contents);
 
 enum class EntityKind { kPoint, kLine, kArc, kCircle, kText };
 
@@ -71,10 +91,6 @@ bool WriteDrawing(std::size_t size, std::size_t entityCount, Drawing* drawing);
 const PreviewFormat& FormatOf(DrawingFormat format);
 const char* ExtensionOf(DrawingFormat format);
 
-// Writes small files of all kinds, 1 to 4 KB each, into `folder` (which ends with a backslash) and returns their paths
-// in a mixed order; fewer than `count` when one cannot be written.
-std::vector<std::string> WriteSmallFiles(const std::string& folder, std::size_t count);
-
-// Writes `count` files of a few bytes into one folder and returns their names; fewer than `count` when one cannot be
-// written.
-std::vector<std::string> WriteListedFiles(const std::string& folder, std::size_t count);
+// Writes small files of all kinds, 1 to 4 KB each, into folders of so many below `folder`, which exists and ends with a
+// backslash; returns their paths in a mixed order, fewer than `count` when one cannot be written.
+std::vector<std::string> WriteSmallFiles(const std::string& folder, std::size_t count, std::size_t filesAFolder = 500);

@@ -35,7 +35,7 @@ static constexpr struct {
     {"dialog", "kwDlgBoxCtrl with a hundred items, against the bare DialogBoxParamA", BenchDialog},
 };
 
-// For the program itself: kwbench --preview-memory SMALL DRAWING (see PreviewMemoryKilobytes).
+// For the program itself: kwbench --preview-memory SMALL RENDERMODE FILE (see PreviewMemoryKilobytes).
 static constexpr char kPreviewMemoryOption[] = "--preview-memory";
 
 static void PrintHelp() {
@@ -144,7 +144,9 @@ static bool IsBenchmark(const char* name) {
 }
 
 int main(int argc, char** argv) {
-    if (argc == 4 && std::strcmp(argv[1], kPreviewMemoryOption) == 0) return PreviewMemoryKilobytes(argv[2], argv[3]);
+    if (argc == 5 && std::strcmp(argv[1], kPreviewMemoryOption) == 0) {
+        return PreviewMemoryKilobytes(argv[2], {static_cast<DWORD>(std::atoi(argv[3])), argv[4]});
+    }
 
     Bench bench;
     std::vector<std::string> names;

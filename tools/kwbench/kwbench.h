@@ -41,11 +41,19 @@ bool BenchDrawings(Bench* bench);
 bool BenchGallery(Bench* bench);
 bool BenchList(Bench* bench);
 
+struct PreviewedFile {
+    DWORD renderMode;
+    std::string path;
+};
+
 // A process's peak never falls, so each is measured in a process of its own: reads a small drawing, then a file of any
 // kind, and says by how many kilobytes the second has raised the peak; false when the small one gave no preview.
-bool RunPreviewMemory(const Drawing& smallDrawing, const std::string& path, int* kilobytes);
+bool RunPreviewMemory(Bench* bench, const PreviewedFile& file, int* kilobytes);
 // That process's part; -1 when it fails.
-int PreviewMemoryKilobytes(const char* smallDrawing, const char* path);
+int PreviewMemoryKilobytes(const char* smallDrawing, const PreviewedFile& file);
+// Adds the row of the peak, which may be `factor` times the file's size and so many megabytes more; false as above.
+bool AddMemoryRow(Bench* bench, const std::string& what, const PreviewedFile& file, std::size_t size, double factor,
+                  double more);
 
 // The generated drawing of that size, made at its first use; null, after a word to the error stream, when it cannot be.
 const Drawing* DrawingOf(Bench* bench, int megabytes);
@@ -86,10 +94,11 @@ Comparison Compare(int roundCount, Measured measured, Floor floor) {
 // The median of the rounds' own ratios: a round's noise hits both sides, so it mostly leaves the ratio.
 double MedianRatio(const Comparison& rounds);
 
-// Rows with a verdict: the measured time may be at most `limit` times the floor; or, as rates over `bytes`, the
-// measured rate must be at least `limit` times the floor's.
+// Rows with a verdict: the measured time may be at most `limit` times the floor; or, as rates of an amount that was
+// worked through, the measured rate must be at least `limit` times the floor's.
 Row TimeRow(const std::string& what, const Comparison& rounds, double limit);
-Row RateRow(const std::string& what, const Comparison& rounds, double bytes, double limit);
+using RateCell = std::string (*)(double amount, double seconds);
+Row RateRow(const std::string& what, const Comparison& rounds, double amount, RateCell cell, double limit);
 
 // Cells of the table.
 std::string Milliseconds(double seconds);

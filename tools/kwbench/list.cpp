@@ -65,8 +65,11 @@ bool BenchList(Bench* bench) {
     const std::string folder = bench->folder + "list\\";
     Progress("writing " + std::to_string(count) + " listed files");
     if (!CreateDirectoryA(folder.c_str(), nullptr)) return Fail("cannot make " + folder);
-    const std::vector<std::string> names = WriteListedFiles(folder, count);
+    std::vector<std::string> names = WriteSmallFiles(folder, count, count);
     if (names.size() < count) return Fail("cannot write the listed files");
+    const std::size_t pathSize = names[0].rfind('\\') + 1;
+    const std::string listed = names[0].substr(0, pathSize);
+    for (std::string& name : names) name.erase(0, pathSize);
 
     const std::unique_ptr<HWND, WindowDestroy> dialog(
         CreateDialogParamA(ThisModule(), MAKEINTRESOURCEA(IDD_FILE_SELECTION), nullptr, NoMessages, 0));
@@ -78,7 +81,7 @@ bool BenchList(Bench* bench) {
 
     char previous[MAX_PATH] = "";
     GetCurrentDirectoryA(sizeof(previous), previous);
-    SetCurrentDirectoryA(folder.c_str());  // the list holds bare names
+    SetCurrentDirectoryA(listed.c_str());  // the list holds bare names
     DisplayOptionBits = kColumns;
     SortOptionBits = KW_SORT_NAME;
     Comparison rounds;

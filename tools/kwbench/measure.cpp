@@ -52,11 +52,11 @@ Row TimeRow(const std::string& what, const Comparison& rounds, double limit) {
             ratio <= limit ? Row::kMet : Row::kMissed};
 }
 
-Row RateRow(const std::string& what, const Comparison& rounds, double bytes, double limit) {
+Row RateRow(const std::string& what, const Comparison& rounds, double amount, RateCell cell, double limit) {
     const double ratio = 1 / MedianRatio(rounds);  // rates are to each other as the times are the other way round
     return {what,
-            Rate(bytes, Median(rounds.measured)),
-            Rate(bytes, Median(rounds.floor)),
+            cell(amount, Median(rounds.measured)),
+            cell(amount, Median(rounds.floor)),
             Number(ratio, 2),
             ">= " + Number(limit, 2),
             ratio >= limit ? Row::kMet : Row::kMissed};

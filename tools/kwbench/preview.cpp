@@ -124,7 +124,7 @@ bool AddPreviewRows(Bench* bench, const std::string& what, const Drawing& drawin
     plainRow("load and free alone", &Round::load);
     if (target.decodeRate > 0) {
         const Comparison decoding = {ValuesOf(rounds, &Round::decode), ValuesOf(rounds, &Round::scan)};
-        bench->rows.push_back(RateRow(what + "load and decode", decoding, bytes, target.decodeRate));
+        bench->rows.push_back(RateRow(what + "load and decode", decoding, bytes, Rate, target.decodeRate));
     }
     Comparison whole = {ValuesOf(rounds, &Round::preview), ValuesOf(rounds, &Round::replay)};
     for (std::size_t i = 0; i < rounds.size() && !target.drawingAlone; ++i) {

@@ -82,7 +82,7 @@ bool DecodeOnly(const Drawing& drawing, const PixelRect& target) {
 // ---- Replaying
 
 // The text strokes of a replay, on a device context.
-struct Writer {
+struct TextReplay {
     HDC dc;
     Fonts manner;
     std::vector<UniqueFont> fonts;  // by the index of the first text
@@ -108,7 +108,7 @@ HBITMAP Replay(const Recording& recording, Fonts fonts) {
     const WindowDc screen(nullptr);
     UniqueBitmap bitmap(CreatePreviewBitmap(screen.dc, kRenderColor, target));
     UniquePen pens[kPenCount];
-    Writer writer = {nullptr, fonts, std::vector<UniqueFont>(recording.out.texts.size())};
+    TextReplay writer = {nullptr, fonts, std::vector<UniqueFont>(recording.out.texts.size())};
     const UniqueDc dc(CreateCompatibleDC(screen.dc));
     if (!bitmap || !dc) return nullptr;
     writer.dc = dc.get();

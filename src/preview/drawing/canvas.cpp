@@ -23,11 +23,15 @@ static void DrawWaitingTexts(CanvasStrokes& strokes) {
     strokes.gdi.textsAreShiftJis = strokes.run.textsAreShiftJis;
     std::stable_sort(strokes.texts.begin(), strokes.texts.end(),
                      [&](const auto& a, const auto& b) { return fontOf(a) < fontOf(b); });
+    TextRun run = {strokes.gdi};
     for (CanvasStrokes::WaitingText& text : strokes.texts) {
         if (!strokes.run.MayContinue()) break;
         text.stroke.text = strokes.characters.data() + text.offset;
+        if (run.Take(text.stroke)) continue;
+        run.Write();
         strokes.gdi.text(strokes.gdi, text.stroke);
     }
+    run.Write();
     strokes.texts.clear();
     strokes.characters.clear();
 }

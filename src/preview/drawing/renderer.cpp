@@ -140,6 +140,48 @@ static void WriteText(StrokeTarget& target, const TextStroke& text) {
     SetTextCharacterExtra(dc, previousExtra);
 }
 
+// ---- Runs of texts
+
+static bool IsPlain(const TextStroke& text) {
+    return std::all_of(text.text, text.text + text.length, [](char c) { return c >= ' ' && c <= '~'; });
+}
+
+bool TextRun::Take(const TextStroke& text) {
+    constexpr std::size_t kMostCharacters = 4096;  // the system takes 8,192 at once
+    // Of a slanting text only the system knows how it rounds the steps.
+    if (text.escapement != 0 || text.length == 0 || !IsPlain(text)) return false;
+    if (text.height != height || text.width != width || characters.size() + text.length > kMostCharacters) Write();
+    if (characters.empty()) {
+        if (!SelectTextFont(gdi.dc, text, false, gdi.fonts)) return false;
+        if (text.height != height || text.width != width) std::fill(std::begin(advances), std::end(advances), 0);
+        height = text.height;
+        width = text.width;
+        first = text.at;
+    } else {  // the last character's step leads to this text
+        steps[steps.size() - 2] = text.at.x - last.x;
+        steps.back() = last.y - text.at.y;
+    }
+    last = text.at;
+    for (std::size_t i = 0; i < text.length; ++i) {
+        const auto character = static_cast<std::uint8_t>(text.text[i]);
+        INT& advance = advances[character];
+        if (advance == 0) GetCharWidth32W(gdi.dc, character, character, &advance);
+        if (i > 0) last.x += steps[steps.size() - 2];
+        characters.push_back(character);
+        steps.insert(steps.end(), {advance + text.extra, 0});
+    }
+    return true;
+}
+
+void TextRun::Write() {
+    if (!characters.empty()) {
+        ExtTextOutW(gdi.dc, first.x, first.y, ETO_PDY, nullptr, characters.data(), static_cast<UINT>(characters.size()),
+                    steps.data());
+    }
+    characters.clear();
+    steps.clear();
+}
+
 GdiStrokes::GdiStrokes(HDC context, TextFonts* textFonts, UniquePen* sixteenPens)
     : dc(context), fonts(textFonts), pens(sixteenPens) {
     static_cast<StrokeTarget&>(*this) = {SetPixelAt, StrokeLine,  StrokeArc, StrokePolyline,

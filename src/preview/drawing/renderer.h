@@ -3,6 +3,9 @@
 
 #include <windows.h>
 
+#include <string>
+#include <vector>
+
 #include "kit/handles.h"
 #include "preview/drawing/strokes.h"
 
@@ -35,6 +38,20 @@ struct GdiStrokes : StrokeTarget {
     UniquePen* const pens;
     unsigned selected = kPenCount;
     bool textsAreShiftJis = false;  // else they are in the system's code page
+};
+
+// Level texts of one font that follow one another, as one call: a call takes as long as a dozen characters.
+struct TextRun {
+    GdiStrokes& gdi;
+    // False for a text that must be drawn by itself, after Write.
+    bool Take(const TextStroke& text);
+    void Write();
+
+    std::int32_t height = 0, width = 0;  // of the font
+    INT advances[128] = {};              // of its characters, as far as they were asked for
+    PixelPoint first = {}, last = {};    // where the run and its last character begin
+    std::wstring characters = {};
+    std::vector<INT> steps = {};  // from each character to the next, right and up
 };
 
 // Draws one element with the pen and the brush that are selected into `dc`, and leaves nothing behind there. Clipped
