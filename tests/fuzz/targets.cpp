@@ -15,6 +15,7 @@
 #include "kit/numbers.h"
 #include "kit/paths.h"
 #include "kit/sjis.h"
+#include "preview/drawing/raster.h"
 #include "preview/formats/backup.h"
 #include "preview/formats/command.h"
 #include "preview/formats/comments.h"
@@ -233,6 +234,19 @@ void RunRecords(ByteView input) {
 }
 
 // Extents, then elements: a byte of kind and pen, two of end marks, seven numbers each.
+// A bitmap's bits, which end where the memory does.
+struct FuzzedRaster : Raster {
+    std::vector<std::uint32_t> memory;
+    FuzzedRaster(const ViewTransform& view, int depth) {
+        const std::int32_t columns = std::clamp(view.canvasRight, 1, 1024),
+                           rows = std::clamp(view.canvasBottom, 1, 1024);
+        const auto pitchWords = static_cast<std::size_t>((columns * depth + 31) / 32);
+        memory.resize(pitchWords * static_cast<std::size_t>(rows));
+        if (!OpenRaster(this, memory.data(), columns, rows, depth)) std::abort();
+        text = [](StrokeTarget&, const TextStroke&) {};
+    }
+};
+
 void RunStrokes(ByteView input) {
     Ways ways(input);
     FuzzedCanvas canvas(ways);
@@ -245,7 +259,8 @@ void RunStrokes(ByteView input) {
     WorldRect extents = {};
     if (!take(extents)) return;
     canvas.fitsLeft = 1;
-    canvas.fit(canvas, extents, DrawingSink::kWipe);
+    if (!canvas.fit(canvas, extents, DrawingSink::kWipe)) return;
+    FuzzedRaster raster(canvas.view, input.size % 2 ? 1 : 32);
     PreviewPrimitive element;
     std::uint8_t kind = 0;
     std::uint16_t marks = 0;
@@ -263,6 +278,8 @@ void RunStrokes(ByteView input) {
             element.SetLineMarks(EndMarkWord(marks & 3, marks >> 2 & 3));
             element.SetArcMarks(EndMarkWord(marks >> 4 & 3, marks >> 6 & 3));
         }
+        PreviewPrimitive same = element;
+        DrawElement(raster, canvas.view, same, kind >> 4);
         DrawElement(canvas, canvas.view, element, kind >> 4);
     }
 }

@@ -11,7 +11,7 @@
 static constexpr double kMostSeconds = 2;  // for the largest file
 
 // What the file costs this thread, in seconds of the processor.
-static double CostOf(const std::string& path) {
+static double CostOf(const std::string& path, DWORD renderMode) {
     const auto seconds = [] {
         FILETIME created, exited, kernel = {}, user = {};
         GetThreadTimes(GetCurrentThread(), &created, &exited, &kernel, &user);
@@ -22,7 +22,7 @@ static double CostOf(const std::string& path) {
     const double start = seconds();
     if (const PreviewReader reader = PaneReaderFor(IdentifyFileType(path.c_str(), nullptr, 0))) {
         UniqueBitmap(
-            reader(kRenderColor, path.c_str(), &kPaneTarget, comment.data(), static_cast<DWORD>(comment.size())));
+            reader(renderMode, path.c_str(), &kPaneTarget, comment.data(), static_cast<DWORD>(comment.size())));
     }
     return seconds() - start;
 }
@@ -31,17 +31,18 @@ bool BenchAttacks(Bench* bench) {
     constexpr std::size_t kSizes[] = {1, 2, 10};
     for (std::size_t i = 0; i < kAttackCount; ++i) {
         const Attack& attack = kAttacks[i];
+        const DWORD renderMode = kRenderColor | (attack.decode == DecodeFullDxf ? kRenderFullDxf : 0);
         Progress(std::string("attacks: ") + attack.name);
         std::string times, memory;
         double first = 0, last = 0;
         for (const std::size_t megabytes : kSizes) {
             const std::string path = bench->folder + "attack" + attack.extension;
             if (!WriteWholeFile(path, attack.write(megabytes * kMegabyte))) return Fail("cannot write " + path);
-            last = CostOf(path);
+            last = CostOf(path, renderMode);
             if (first == 0) first = last;
             times += (times.empty() ? "" : ", ") + Milliseconds(last);
             int kilobytes = 0;
-            if (!RunPreviewMemory(bench, {kRenderColor, path}, &kilobytes))
+            if (!RunPreviewMemory(bench, {renderMode, path}, &kilobytes))
                 return Fail("attacks: the process has failed");
             memory += (memory.empty() ? "" : ", ") + Number(kilobytes / 1024.0, 0);
         }
