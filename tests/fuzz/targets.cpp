@@ -238,8 +238,7 @@ void RunRecords(ByteView input) {
 struct FuzzedRaster : Raster {
     std::vector<std::uint32_t> memory;
     FuzzedRaster(const ViewTransform& view, int depth) {
-        const std::int32_t columns = std::clamp(view.canvasRight, 1, 1024),
-                           rows = std::clamp(view.canvasBottom, 1, 1024);
+        const std::int32_t columns = std::clamp(view.canvasRight, 1, 64), rows = std::clamp(view.canvasBottom, 1, 24);
         const auto pitchWords = static_cast<std::size_t>((columns * depth + 31) / 32);
         memory.resize(pitchWords * static_cast<std::size_t>(rows));
         if (!OpenRaster(this, memory.data(), columns, rows, depth)) std::abort();
