@@ -103,7 +103,8 @@ TEST(Controller, CallbacksThatInterfere) {
     for (const auto& act : acts) {
         for (std::size_t i = 0; i < 2 * std::size(moments); ++i) {
             const bool onPage = i % 2;
-            const auto [awaited, parameter] = moments[i / 2];
+            const UINT awaited = moments[i / 2].first;
+            const WPARAM parameter = moments[i / 2].second;
             SCOPED_TRACE(std::string(act.what) + (onPage ? ", page, " : ", dialog, ") + std::to_string(awaited));
             bool done = false;
             HostDialog host;

@@ -82,6 +82,6 @@ bool BenchDialog(Bench* bench) {
     const Comparison rounds = Compare(
         bench->quick ? 5 : 15, [&] { return SecondsOf(controlled); }, [&] { return SecondsOf(bare); });
     if (!good) return Fail("dialog: a dialog could not be shown");
-    bench->rows.push_back(TimeRow(std::to_string(kTurn) + " dialogs of 100 items", rounds, kLimit));
+    bench->rows.push_back(TimeRow(Number(kTurn, 0) + " dialogs of 100 items", rounds, kLimit));
     return true;
 }

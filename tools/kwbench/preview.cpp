@@ -93,8 +93,8 @@ static bool MeasureRound(const Drawing& drawing, const Recording& recording, con
 }
 
 static std::vector<double> ValuesOf(const std::vector<Round>& rounds, double Round::*work) {
-    std::vector<double> values;
-    for (const Round& round : rounds) values.push_back(round.*work);
+    std::vector<double> values(rounds.size());
+    std::transform(rounds.begin(), rounds.end(), values.begin(), [work](const Round& round) { return round.*work; });
     return values;
 }
 
