@@ -91,7 +91,10 @@ void DrawUnicodeText(HDC dc, const ViewTransform& view, const UnicodeText& text,
     const double base = -raises[text.vertical & 3] * capital;  // the base line, downward from the anchor
     const double left = -size.cx * text.horizontal / 2.0;
     const int mode = SetGraphicsMode(dc, GM_ADVANCED);
-    if (!SetWorldTransform(dc, &frame)) return;
+    if (!SetWorldTransform(dc, &frame)) {
+        SetGraphicsMode(dc, mode);
+        return;
+    }
     const UINT align = SetTextAlign(dc, TA_BASELINE | TA_LEFT);
     const int x = static_cast<int>(std::lround(left)), y = static_cast<int>(std::lround(base));
     TextOutW(dc, x, y, characters, length);
