@@ -84,11 +84,13 @@ NoPicture OpenFile(const FilePath& path, File* file, DWORD* error) {
     return size.QuadPart == 0 ? NoPicture::empty : NoPicture::none;
 }
 
+// Empty when the system's code page lacks a character, and for what is longer than a path of the library's.
 std::string Narrow(const std::wstring& text) {
-    char bytes[4 * MAX_PATH] = "";
+    char bytes[4 * MAX_PATH];
     BOOL isForeign = FALSE;
-    WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, text.c_str(), -1, bytes, sizeof(bytes), nullptr, &isForeign);
-    return isForeign ? std::string() : bytes;
+    const int size =
+        WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, text.c_str(), -1, bytes, sizeof(bytes), nullptr, &isForeign);
+    return size == 0 || isForeign ? std::string() : bytes;
 }
 
 FileTypeCode Identify(const File& file, const FilePath& path, char* line, int lineSize) {
