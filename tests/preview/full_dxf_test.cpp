@@ -49,7 +49,8 @@ const std::string kHead =
     "0 INSERT|2 b|10 10|20 0|0 ENDBLK|0 BLOCK|2 RING|0 LINE|10 0|20 0|11 4|21 0|0 INSERT|2 OTHER|0 ENDBLK|"
     "0 BLOCK|2 OTHER|0 INSERT|2 RING|10 9|20 9|0 ENDBLK|0 BLOCK|2 FAR|70 4|1 other.dxf|0 LINE|10 0|20 0|11 9|21 9|0 "
     "ENDBLK|"
-    "0 BLOCK|2 MIXED|0 LINE|8 0|10 0|20 0|11 4|21 0|0 LINE|8 X|10 0|20 2|11 4|21 2|0 ENDBLK|0 ENDSEC|"
+    "0 BLOCK|2 MIXED|0 LINE|8 0|10 0|20 0|11 4|21 0|0 LINE|8 X|10 0|20 2|11 4|21 2|0 ENDBLK|"
+    "0 BLOCK|2 LONG|0 LINE|8 0|10 0|20 9|11 90|21 9|0 ENDBLK|0 BLOCK|2 HIDES|0 INSERT|2 B|60 1|0 ENDBLK|0 ENDSEC|"
     "0 SECTION|2 ENTITIES|";
 
 std::string Drawing(const std::string& entities) { return kHead + kCorners + entities + "|0 ENDSEC|0 EOF"; }
@@ -149,6 +150,8 @@ TEST(FullDxf, InsertsLayersAndAxes) {
         {"a count of 0, a grid without spacing", "0 INSERT|2 B|10 4|20 4|70 0|71 30000", Lines("4,4,10,4 4,4,4,6")},
         {"nested", "0 INSERT|2 TWICE|10 4|20 4", Lines("4,4,10,4 4,4,4,6 14,4,20,4 14,4,14,6")},
         {"a ring is cut", "0 INSERT|2 RING|10 4|20 4", Lines("4,4,8,4")},
+        {"its first insert shows nothing", "0 INSERT|2 LONG|8 off|0 INSERT|2 LONG", "0 LINE|10 0|20 9|11 90|21 9"},
+        {"a hidden insert in a block, attribute", "0 INSERT|2 HIDES|0 ATTRIB|40 3|1 a", "0 TEXT|40 3|1 a"},
         {"another file's block, none", "0 INSERT|2 FAR|10 4|20 4|0 INSERT|2 NONE|10 4|20 4", "999 nothing"},
         {"frozen hides all", "0 INSERT|2 MIXED|8 FROZEN|10 4|20 4", "999 nothing"},
         {"off hides what is on layer 0", "0 INSERT|2 MIXED|8 off|10 4|20 4", Lines("4,6,8,6")},
@@ -215,7 +218,7 @@ TEST(FullDxf, EveryKind) {
         "0 LEADER|10 0|20 6|10 6|20 0|10 9|20 0",
         "0 HATCH|70 1|92 3|10 0|20 0|10 9|20 0|10 9|20 6|10 0|20 6|92 2|10 3|20 2|10 6|20 2|10 6|20 4|10 3|20 4|75 0",
         "0 HATCH|70 0|92 3|10 0|20 0|10 9|20 0|10 9|20 6|10 0|20 6|75 0|53 45|43 0|44 0|45 -2|46 2",
-        "0 MPOLYGON|70 1|92 3|10 0|20 0|10 8|20 0|10 4|20 6|75 0",
+        "0 MPOLYGON|70 1|71 1|92 3|10 0|20 0|10 8|20 0|10 4|20 6|75 0",
         "0 IMAGE|10 2|20 0|11 1|21 .5|12 -.5|22 1|13 6|23 4",
         "0 OLEFRAME|10 0|20 6|11 4|21 3",
         "0 OLE2FRAME|10 0|20 6|11 8|21 0",

@@ -15,6 +15,7 @@ struct DxfSpace {
 };
 static constexpr DxfSpace kSpaces[] = {
     {nullptr, false}, {nullptr, true}, {"*Model_Space", false}, {"*Paper_Space", true}, {"*Paper_Space0", true},
+    {"*Paper_Space1", true},
 };
 
 static constexpr long long kLeastBudget = 1'000'000;

@@ -199,6 +199,7 @@ void DrawDxfPolyline(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfLwPolyline(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfSpline(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfHatch(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfMPolygon(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfTextEntity(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfAttribute(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfAttributeDefinition(DxfDecoder& dxf, DxfReader* reader);

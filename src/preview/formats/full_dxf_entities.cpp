@@ -207,6 +207,7 @@ static void DrawImage(DxfDecoder& dxf, DxfReader*) {
 }
 
 static void DrawOleFrame(DxfDecoder& dxf, DxfReader*) {
+    if (!dxf.groups.Has(10)) return;  // the oldest ones keep their place in their data
     const Vector3 a = PointOf(dxf.groups, 10), b = PointOf(dxf.groups, 11);
     const Vector3 corners[] = {a, {b.x, a.y, a.z}, b, {a.x, b.y, b.z}};
     DrawOutline(dxf, corners, 4);
@@ -298,7 +299,7 @@ static constexpr DxfKind kKinds[] = {
     {"MULTILEADER", DrawDxfMultiLeader, Space::kWorld},
     {"MLEADER", DrawDxfMultiLeader, Space::kWorld},
     {"HATCH", DrawDxfHatch, Space::kObject},
-    {"MPOLYGON", DrawDxfHatch, Space::kObject},
+    {"MPOLYGON", DrawDxfMPolygon, Space::kObject},
     {"MLINE", DrawMLine, Space::kWorld},
     {"RAY", DrawRay, Space::kWorld},
     {"XLINE", DrawXLine, Space::kWorld},
@@ -401,6 +402,7 @@ static void DrawEntity(DxfDecoder& dxf, const DxfKind& kind, DxfReader* reader) 
         dxf.map = Compose(dxf.map, AxesOfNormal(NormalOf(groups)), {0, 0, 0});
     }
     kind.draw(dxf, reader);
+    if (isInsert) dxf.attributesHidden = false;  // whichever inserts its block hides
 }
 
 // Records that belong to the entity before them and may be met without it.

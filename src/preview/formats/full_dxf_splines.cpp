@@ -245,6 +245,7 @@ void DrawDxfSpline(DxfDecoder& dxf, DxfReader*) {
         open = nullptr;
     };
     while (record.Next(&pair) && dxf.MayContinue()) {
+        if (pair.code == 100 && IsName(Trimmed(pair.value), "AcDbHelix")) break;  // its axis and turns follow
         if (pair.code < 10 || pair.code > 59) continue;
         const double value = DxfNumber(dxf.form, pair.code, pair.value);
         switch (pair.code) {

@@ -64,6 +64,7 @@ static void DrawLineOfText(DxfDecoder& dxf, ByteView bytes, int verticalCode) {
         if (length > 0) {
             angle = std::atan2(dy, dx);
             fitWidth = length;
+            if (flags & kBackward) place.at = second;
             const double width = WidthOfText(text.data(), text.size(), height) * widthFactor;
             if (horizontal == kAligned && width > 0) height *= length / width;
         }
