@@ -132,6 +132,8 @@ TEST(FullDxf, KindsLookLikeTheirLines) {
         {"MESH",
          "0 MESH|92 3|10 4|20 4|30 0|10 14|20 4|30 0|10 14|20 10|30 0|93 4|90 3|90 0|90 1|90 2|90 3|90 0|90 1|90 77",
          kTriangle + "|" + Lines("4,4,14,4")},
+        {"a second section",
+         "0 LINE|10 4|20 4|11 14|21 4|0 ENDSEC|0 SECTION|2 ENTITIES|" + Lines("14,4,14,10 14,10,4,4"), kTriangle},
         {"what passes by", "0 WIPEOUT|10 4|20 4|0 VIEWPORT|10 9|20 9|40 5|0 ACAD_PROXY_ENTITY|0 NEW|10 3",
          "999 nothing"},
     };

@@ -14,8 +14,8 @@ struct DxfSpace {
     bool paper;
 };
 static constexpr DxfSpace kSpaces[] = {
-    {nullptr, false}, {nullptr, true}, {"*Model_Space", false}, {"*Paper_Space", true}, {"*Paper_Space0", true},
-    {"*Paper_Space1", true},
+    {nullptr, false},       {nullptr, true},         {"*Model_Space", false},
+    {"*Paper_Space", true}, {"*Paper_Space0", true}, {"*Paper_Space1", true},
 };
 
 static constexpr long long kLeastBudget = 1'000'000;
@@ -29,7 +29,10 @@ static std::size_t WalkSpace(DxfDecoder& dxf, const DxfSpace& space, DxfPlace* p
             return dxf.form.file.size;
         }
         dxf.entityCount = 0;
-        return dxf.tables.entities == kNowhere ? dxf.form.file.size : DrawDxfEntities(dxf, dxf.tables.entities);
+        if (dxf.tables.entities == kNowhere) return dxf.form.file.size;
+        const std::size_t end = DrawDxfEntities(dxf, dxf.tables.entities);
+        for (const std::size_t begin : dxf.tables.moreEntities) DrawDxfEntities(dxf, begin);
+        return end;
     }
     const ByteView name = {reinterpret_cast<const std::uint8_t*>(space.block), std::strlen(space.block)};
     const DxfNames::Row* const row = dxf.tables.blocks.Find(dxf.form, name);
@@ -50,22 +53,30 @@ static std::size_t DrawSpace(DxfDecoder& dxf, const DxfSpace& space) {
     return end;
 }
 
+static std::size_t MeasureModel(DxfDecoder& dxf, BoxSink* measure) {
+    measure->Clear();
+    dxf.steps.all.clear();
+    dxf.steps.behind = kNowhere;
+    for (auto& known : dxf.layers) known.name = {};
+    for (DxfBlockBox& known : dxf.blockBoxes) known.block = 0;
+    return DrawSpace(dxf, kSpaces[0]);
+}
+
 // The first space that shows something, and its box; null when there is none.
 static const DxfSpace* MeasureDrawing(DxfDecoder& dxf, BoxSink* measure, WorldRect* box) {
-    const std::size_t end = DrawSpace(dxf, kSpaces[0]);
-    // Files have their tables and blocks in front of the entities. Should some stand behind, all begins anew.
-    if (SurveyDxf(dxf.form, end, *measure->goOn, &dxf.tables)) {
-        measure->Clear();
-        dxf.steps.all.clear();
-        dxf.steps.behind = kNowhere;
-        for (auto& known : dxf.layers) known.name = {};
-        DrawSpace(dxf, kSpaces[0]);
+    const std::size_t end = MeasureModel(dxf, measure);
+    // Files have their tables and blocks in front of the entities, and these in one section. Should some stand behind,
+    // all begins anew.
+    if (SurveyDxf(dxf.form, end, *measure->goOn, &dxf.tables)) MeasureModel(dxf, measure);
+    for (;;) {
+        for (const DxfSpace& space : kSpaces) {
+            if (&space != kSpaces) DrawSpace(dxf, space);
+            if (measure->Box(box)) return &space;
+        }
+        if (dxf.endless != DxfEndless::kMet) return nullptr;
+        dxf.endless = DxfEndless::kMeasured;  // there is nothing else
+        MeasureModel(dxf, measure);
     }
-    for (const DxfSpace& space : kSpaces) {
-        if (&space != kSpaces) DrawSpace(dxf, space);
-        if (measure->Box(box)) return &space;
-    }
-    return nullptr;
 }
 
 // With a margin, and never without area.

@@ -120,6 +120,9 @@ struct DxfSteps {
     bool open = false;              // the entity that is being drawn has no step yet
 };
 
+// Lines without end do not count when a drawing is measured, unless it has nothing else.
+enum class DxfEndless { kNone, kMet, kMeasured };
+
 struct DxfDecoder {
     DxfForm form;
     DxfTables tables;
@@ -131,6 +134,7 @@ struct DxfDecoder {
     bool paperSpace = false;      // which of the two is drawn
     std::size_t entityCount = 0;  // of the drawing itself, met so far
     DxfSteps steps;
+    DxfEndless endless = DxfEndless::kNone;
 
     const DxfPlace* place = nullptr;
     PlaneMap map = kFromAbove;      // of the current entity's coordinates

@@ -113,15 +113,18 @@ static void Draw3dFace(DxfDecoder& dxf, DxfReader*) {
     EndPath(dxf);
 }
 
-// Lines without end do not count when the drawing is measured.
 static void DrawEndless(DxfDecoder& dxf, bool bothWays) {
-    if (dxf.IsMeasuring()) return;
+    if (dxf.IsMeasuring() && dxf.endless != DxfEndless::kMeasured) {
+        dxf.endless = DxfEndless::kMet;
+        return;
+    }
     const ViewTransform& view = dxf.sink->view;
     const WorldPoint base = dxf.map.Point(PointOf(dxf.groups, 10)), along = dxf.map.Direction(PointOf(dxf.groups, 11));
     const double length = Length(along.x, along.y);
     // Far enough to leave the window whichever way it goes.
-    const double reach = Length(view.worldMaxX - view.worldMinX, view.worldMaxY - view.worldMinY) +
-                         Length(base.x - view.worldMinX, base.y - view.worldMinY);
+    const double reach = dxf.IsMeasuring() ? 1
+                                           : Length(view.worldMaxX - view.worldMinX, view.worldMaxY - view.worldMinY) +
+                                                 Length(base.x - view.worldMinX, base.y - view.worldMinY);
     if (!(length > 0) || !IsDrawable(length) || !IsDrawable(reach)) return;
     const WorldPoint step = {along.x / length * reach, along.y / length * reach};
     DrawDxfLine(dxf, bothWays ? WorldPoint{base.x - step.x, base.y - step.y} : base,
@@ -417,13 +420,17 @@ std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
     DxfReader reader = {&dxf.form, begin};
     DxfPair pair;
     DxfSteps& steps = dxf.steps;
-    bool keeps = !inBlock && dxf.IsMeasuring() && !dxf.paperSpace;
+    bool keeps = !inBlock && dxf.IsMeasuring() && !dxf.paperSpace && steps.behind == kNowhere;
     for (std::size_t at = reader.at; dxf.MayContinue() && reader.Next(&pair); at = reader.at) {
         if (pair.code != 0) continue;
         const ByteView name = Trimmed(pair.value);
         const DxfKind* kind = FindKind(name);
         if (!kind) {
             if (IsName(name, "ENDSEC") || IsName(name, "ENDBLK") || IsName(name, "EOF")) break;
+            if (IsName(name, "SECTION") || IsName(name, "BLOCK")) {  // an end is missing
+                reader.at = at;
+                break;
+            }
             if (!inBlock && !IsPart(name)) ++dxf.entityCount;
             continue;
         }
@@ -456,5 +463,9 @@ void DrawDxfSteps(DxfDecoder& dxf) {
             DrawStep(dxf, step);
         }
     }
-    if (dxf.steps.behind != kNowhere) DrawDxfEntities(dxf, dxf.steps.behind);
+    if (dxf.steps.behind == kNowhere) return;
+    DrawDxfEntities(dxf, dxf.steps.behind);
+    for (const std::size_t begin : dxf.tables.moreEntities) {
+        if (begin > dxf.steps.behind) DrawDxfEntities(dxf, begin);
+    }
 }

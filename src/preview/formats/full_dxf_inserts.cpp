@@ -84,7 +84,8 @@ WorldRect BoxOfMapped(const PlaneMap& map, const WorldRect& box) {
 // Whether a block need not be gone through again to measure the drawing. Only upright inserts of the drawing itself
 // have maps that a flat box can go through, and where their layer is off the block shows less than elsewhere.
 bool CannotMatter(DxfDecoder& dxf, const Block& block, const DxfPlace& place) {
-    if (!dxf.IsMeasuring() || place.depth != 1 || place.layer.off || place.map.xz != 0 || place.map.yz != 0) return false;
+    if (!dxf.IsMeasuring() || place.depth != 1 || place.layer.off || place.map.xz != 0 || place.map.yz != 0)
+        return false;
     DxfBlockBox& known = dxf.blockBoxes[block.begin % std::size(dxf.blockBoxes)];
     if (known.block != block.begin) {
         DxfPlace upright = place;

@@ -204,11 +204,12 @@ static void ResolveTables(const DxfForm& form, DxfTables* tables) {
 }
 
 static std::size_t RowsOf(const DxfTables& tables) {
-    return tables.layers.rows.size() + tables.lineTypes.rows.size() + tables.styles.rows.size() +
-           tables.blocks.rows.size();
+    return tables.moreEntities.size() + tables.layers.rows.size() + tables.lineTypes.rows.size() +
+           tables.styles.rows.size() + tables.blocks.rows.size();
 }
 
 bool SurveyDxf(const DxfForm& form, std::size_t begin, const std::atomic<std::int32_t>& goOn, DxfTables* out) {
+    constexpr std::size_t kMostSections = 64;
     constexpr int kMostLoose = 32;  // entities without a section around them that tell a file of nothing else
     const std::size_t rowsBefore = RowsOf(*out);
     Section section = begin == form.begin ? Section::kNone : Section::kOther;
@@ -240,10 +241,13 @@ bool SurveyDxf(const DxfForm& form, std::size_t begin, const std::atomic<std::in
         } else if (pair.code == 2 && expectSection) {
             expectSection = false;
             section = SectionOf(pair.value);
-            if (section == Section::kEntities && begin == form.begin) {
+            if (section != Section::kEntities) continue;
+            if (begin == form.begin) {
                 out->entities = reader.at;
                 break;
             }
+            if (out->moreEntities.size() < kMostSections)
+                out->moreEntities.push_back(static_cast<std::uint32_t>(reader.at));
         } else if (pair.code == 2 && named) {
             named->Add(pair.value, record, before);
             named = nullptr;

@@ -80,10 +80,11 @@ struct DxfTables {
     std::size_t remarks = kNowhere;  // the first one's pair
 
     bool hasSections = false;
-    std::size_t entities = kNowhere;  // where they begin
+    std::size_t entities = kNowhere;          // where they begin
+    std::vector<std::uint32_t> moreEntities;  // where further sections of them do
     std::size_t layerCount = 0, blockCount = 0;
 };
 
 // Goes through the file from `begin`: from its first pair to the entities, or from behind these to the end. False when
-// no row has come in. Ends early when `goOn` is no longer 1.
+// nothing has come in. Ends early when `goOn` is no longer 1.
 bool SurveyDxf(const DxfForm& form, std::size_t begin, const std::atomic<std::int32_t>& goOn, DxfTables* out);
