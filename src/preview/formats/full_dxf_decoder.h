@@ -94,7 +94,9 @@ struct DxfParagraphs {
     };
     struct Line {
         std::size_t begin, end;
-        double height;  // of its largest capital, as a Look's
+        double height;   // of its largest capital, as a Look's
+        bool newColumn;  // begins one
+        double x, y;     // of its base
     };
     std::string bytes;  // as the file holds it
     std::u16string characters;
@@ -223,6 +225,7 @@ struct DxfTextPlace {
 struct DxfTextStyle {
     double widthFactor = 1;
     double height = 0;  // 0: each text has its own
+    double obliqueDegrees = 0;
 };
 DxfTextStyle TextStyleOf(const DxfDecoder& dxf, ByteView name);
 
@@ -230,13 +233,23 @@ DxfTextStyle TextStyleOf(const DxfDecoder& dxf, ByteView name);
 bool PlaceText(const DxfDecoder& dxf, const DxfTextPlace& place, double height, double widthFactor, double fitWidth,
                double obliqueDegrees, UnicodeText* out);
 
+// Columns that the lines of a text go through; a height of 0 has room for all.
+constexpr int kMostTextColumns = 16;
+struct DxfTextColumns {
+    int count = 1;
+    double gutter = 0;
+    double heights[kMostTextColumns] = {};
+    bool reversed = false;  // from right to left
+};
+
 // Lays out and draws dxf.paragraphs.bytes.
 struct DxfParagraphPlace {
     DxfTextPlace place;
     double height = 1;   // of a capital
     double width = 0;    // that lines are wrapped at; 0: they are not
     double spacing = 1;  // times the usual distance of lines
-    double widthFactor = 1;
+    double widthFactor = 1, obliqueDegrees = 0;
+    DxfTextColumns columns = {};
     int attachment = 1;  // the place stands 1 to 9: at the upper left to the lower right of the lines, row by row
 };
 void DrawParagraphs(DxfDecoder& dxf, const DxfParagraphPlace& place);

@@ -15,7 +15,7 @@ void DxfGroups::Read(DxfReader* reader) {
     form = reader->form;
     begin = reader->at;
     std::fill(std::begin(present), std::end(present), 0);
-    behindKept = kNowhere;
+    behindKept = embedded = kNowhere;
     unsigned count = 0;
     bool open = true;
     for (;;) {
@@ -29,6 +29,7 @@ void DxfGroups::Read(DxfReader* reader) {
         if (!open) continue;
         if (IsEmbeddedObject(pair)) {
             open = false;
+            embedded = reader->at;
             continue;
         }
         const auto code = static_cast<unsigned>(pair.code);

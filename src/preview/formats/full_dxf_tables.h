@@ -14,7 +14,8 @@ constexpr std::size_t kNowhere = SIZE_MAX;
 // mark belong to that object.
 struct DxfGroups {
     const DxfForm* form = nullptr;
-    std::size_t begin = 0;  // of its pairs, behind the one that names it
+    std::size_t begin = 0;            // of its pairs, behind the one that names it
+    std::size_t embedded = kNowhere;  // of those of an embedded object
     bool Has(int code) const { return present[code >> 6] >> (code & 63) & 1; }
     ByteView Text(int code) const { return Has(code) ? Value(code) : ByteView{}; }
     double Number(int code, double missing = 0) const {

@@ -1,4 +1,5 @@
 // TEXT, ATTRIB and ATTDEF: one line of text, justified at a point or between two.
+#include <algorithm>
 #include <cmath>
 
 #include "preview/formats/full_dxf_box.h"
@@ -32,6 +33,7 @@ DxfTextStyle TextStyleOf(const DxfDecoder& dxf, ByteView name) {
     DxfPair pair;
     while (NextInRecord(&reader, &pair)) {
         if (pair.code == 40) style.height = DxfNumber(dxf.form, 40, pair.value);
+        if (pair.code == 50) style.obliqueDegrees = std::clamp(DxfNumber(dxf.form, 50, pair.value), -85.0, 85.0);
         if (pair.code != 41) continue;
         const double width = DxfNumber(dxf.form, 41, pair.value);
         if (width > 0.01 && width < 100) style.widthFactor = width;
