@@ -73,8 +73,8 @@ static const DxfSpace* MeasureDrawing(DxfDecoder& dxf, BoxSink* measure, WorldRe
             if (&space != kSpaces) DrawSpace(dxf, space);
             if (measure->Box(box)) return &space;
         }
-        if (dxf.endless != DxfEndless::kMet) return nullptr;
-        dxf.endless = DxfEndless::kMeasured;  // there is nothing else
+        if (dxf.aside != DxfAside::kMet) return nullptr;
+        dxf.aside = DxfAside::kMeasured;  // there is nothing else
         MeasureModel(dxf, measure);
     }
 }

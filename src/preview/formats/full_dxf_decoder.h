@@ -122,8 +122,8 @@ struct DxfSteps {
     bool open = false;              // the entity that is being drawn has no step yet
 };
 
-// Lines without end do not count when a drawing is measured, unless it has nothing else.
-enum class DxfEndless { kNone, kMet, kMeasured };
+// Lines without end and dimensions without a block do not count when a drawing is measured, unless it has nothing else.
+enum class DxfAside { kNone, kMet, kMeasured };
 
 struct DxfDecoder {
     DxfForm form;
@@ -136,7 +136,7 @@ struct DxfDecoder {
     bool paperSpace = false;      // which of the two is drawn
     std::size_t entityCount = 0;  // of the drawing itself, met so far
     DxfSteps steps;
-    DxfEndless endless = DxfEndless::kNone;
+    DxfAside aside = DxfAside::kNone;
 
     const DxfPlace* place = nullptr;
     PlaneMap map = kFromAbove;      // of the current entity's coordinates
@@ -161,6 +161,12 @@ struct DxfDecoder {
 
     bool MayContinue() const { return sink->MayContinue(); }
     bool IsMeasuring() const { return box != nullptr; }
+    // Whether an entity is passed by as it is such a one.
+    bool PassesAside() {
+        if (!IsMeasuring() || aside == DxfAside::kMeasured) return false;
+        aside = DxfAside::kMet;
+        return true;
+    }
 };
 
 // ---- What draws (full_dxf_strokes.cpp); all in the drawing's plane
@@ -213,7 +219,19 @@ void DrawDxfMText(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfInsert(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfDimension(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfTable(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfLeader(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfMultiLeader(DxfDecoder& dxf, DxfReader* reader);
+
+// Draws a block where `map` maps its coordinates; `look` is that of the layer of what it stands for. The groups, the
+// map and the pen are no longer those of the entity afterwards. (full_dxf_inserts.cpp)
+void DrawDxfBlock(DxfDecoder& dxf, const DxfNames::Row& row, const PlaneMap& map, const DxfLook& look);
+const DxfNames::Row* FindDxfBlockOf(DxfDecoder& dxf, std::uint32_t owner);  // null where there is none
+
+// Arrowheads of the current entity, the last that is drawn of it: the block that `head` owns, or a triangle.
+struct DxfArrow {
+    Vector3 tip, from;  // where its line comes from
+};
+void DrawDxfArrows(DxfDecoder& dxf, const DxfArrow* arrows, int count, double size, std::uint32_t head);
 
 // ---- Texts (full_dxf_texts.cpp, full_dxf_mtext.cpp)
 

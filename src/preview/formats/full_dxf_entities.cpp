@@ -114,10 +114,7 @@ static void Draw3dFace(DxfDecoder& dxf, DxfReader*) {
 }
 
 static void DrawEndless(DxfDecoder& dxf, bool bothWays) {
-    if (dxf.IsMeasuring() && dxf.endless != DxfEndless::kMeasured) {
-        dxf.endless = DxfEndless::kMet;
-        return;
-    }
+    if (dxf.PassesAside()) return;
     const ViewTransform& view = dxf.sink->view;
     const WorldPoint base = dxf.map.Point(PointOf(dxf.groups, 10)), along = dxf.map.Direction(PointOf(dxf.groups, 11));
     const double length = Length(along.x, along.y);
@@ -132,26 +129,6 @@ static void DrawEndless(DxfDecoder& dxf, bool bothWays) {
 }
 static void DrawRay(DxfDecoder& dxf, DxfReader*) { DrawEndless(dxf, false); }
 static void DrawXLine(DxfDecoder& dxf, DxfReader*) { DrawEndless(dxf, true); }
-
-// Lines from point to point; the first segment of a leader has an arrowhead at its begin.
-static void DrawLeader(DxfDecoder& dxf, DxfReader*) {
-    DxfRecordWalk record(dxf.groups);
-    DxfPair pair;
-    Vector3 point = {};
-    bool open = false;
-    BeginPath(dxf);
-    while (record.Next(&pair)) {
-        if (pair.code == 10) {
-            if (open) PathTo(dxf, dxf.map.Point(point));
-            open = true;
-            point = {DxfNumber(dxf.form, 10, pair.value), 0, 0};
-        }
-        if (pair.code == 20) point.y = DxfNumber(dxf.form, 20, pair.value);
-        if (pair.code == 30) point.z = DxfNumber(dxf.form, 30, pair.value);
-    }
-    if (open) PathTo(dxf, dxf.map.Point(point));
-    EndPath(dxf);
-}
 
 // One line for each element of its style: a vertex tells each one's distance along its miter.
 static void DrawMLine(DxfDecoder& dxf, DxfReader*) {
@@ -298,7 +275,7 @@ static constexpr DxfKind kKinds[] = {
     {"ARC_DIMENSION", DrawDxfDimension, Space::kWorld},
     {"LARGE_RADIAL_DIMENSION", DrawDxfDimension, Space::kWorld},
     {"ACAD_TABLE", DrawDxfTable, Space::kWorld},
-    {"LEADER", DrawLeader, Space::kWorld},
+    {"LEADER", DrawDxfLeader, Space::kWorld},
     {"MULTILEADER", DrawDxfMultiLeader, Space::kWorld},
     {"MLEADER", DrawDxfMultiLeader, Space::kWorld},
     {"HATCH", DrawDxfHatch, Space::kObject},

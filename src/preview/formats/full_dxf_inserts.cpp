@@ -23,17 +23,16 @@ struct Grid {
     WorldPoint column = {}, row = {};  // from one to the next, in the drawing's plane
 };
 
-bool FindBlock(DxfDecoder& dxf, ByteView name, Block* block) {
+Block ReadBlock(DxfDecoder& dxf, const DxfNames::Row& row) {
     constexpr int kExternal = 4;
-    const DxfNames::Row* const row = dxf.tables.blocks.Find(dxf.form, name);
-    if (!row) return false;
-    DxfReader reader = {&dxf.form, row->begin};
+    DxfReader reader = {&dxf.form, row.begin};
     dxf.groups.Read(&reader);
-    block->begin = row->begin;
-    block->entities = reader.at;
-    block->base = PointOf(dxf.groups, 10);
-    block->external = dxf.groups.Integer(70) & kExternal;
-    return true;
+    Block block;
+    block.begin = row.begin;
+    block.entities = reader.at;
+    block.base = PointOf(dxf.groups, 10);
+    block.external = dxf.groups.Integer(70) & kExternal;
+    return block;
 }
 
 bool IsBeingDrawn(const DxfPlace* place, std::uint32_t block) {
@@ -149,11 +148,10 @@ void DrawGrid(DxfDecoder& dxf, const Block& block, const DxfPlace& place, const 
     }
 }
 
-// Draws a block where `map` maps its coordinates; `look` is the insert's layer's.
-void DrawBlock(DxfDecoder& dxf, ByteView name, const PlaneMap& map, const DxfLook& look, const Grid& grid) {
-    Block block;
+void DrawBlock(DxfDecoder& dxf, const DxfNames::Row& row, const PlaneMap& map, const DxfLook& look, const Grid& grid) {
     const int depth = dxf.place->depth + 1;
-    if (depth > kDeepestInsert || dxf.budget.left == 0 || !FindBlock(dxf, name, &block)) return;
+    if (depth > kDeepestInsert || dxf.budget.left == 0) return;
+    const Block block = ReadBlock(dxf, row);
     if (block.external || IsBeingDrawn(dxf.place, block.begin)) return;
     const Axes3 upright = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     DxfPlace place;
@@ -176,6 +174,17 @@ int CountOf(const DxfGroups& groups, int code, double spacing) {
 
 }  // namespace
 
+void DrawDxfBlock(DxfDecoder& dxf, const DxfNames::Row& row, const PlaneMap& map, const DxfLook& look) {
+    DrawBlock(dxf, row, map, look, {});
+}
+
+const DxfNames::Row* FindDxfBlockOf(DxfDecoder& dxf, std::uint32_t owner) {
+    const std::vector<DxfNames::Row>& rows = dxf.tables.blocks.rows;
+    if (owner == 0 || !dxf.budget.Charge(static_cast<long long>(rows.size() / 16))) return nullptr;
+    const auto row = std::find_if(rows.begin(), rows.end(), [&](const DxfNames::Row& at) { return at.value == owner; });
+    return row == rows.end() ? nullptr : &*row;
+}
+
 void DrawDxfInsert(DxfDecoder& dxf, DxfReader*) {
     const DxfGroups& groups = dxf.groups;
     // A scale of 0 is what broken writers make of an unset one.
@@ -195,13 +204,9 @@ void DrawDxfInsert(DxfDecoder& dxf, DxfReader*) {
     if (!IsDrawable(grid.column) || !IsDrawable(grid.row)) return;
     const PlaneMap map = Compose(dxf.map, axes, PointOf(groups, 10));
     const DxfLook look = LookOfEntityLayer(dxf);
-    DrawBlock(dxf, groups.Text(2), map, look, grid);
-}
-
-// A dimension's block is drawn where it stands.
-void DrawDxfDimension(DxfDecoder& dxf, DxfReader*) {
-    const DxfLook look = LookOfEntityLayer(dxf);
-    DrawBlock(dxf, dxf.groups.Text(2), dxf.map, look, {});
+    if (const DxfNames::Row* const row = dxf.tables.blocks.Find(dxf.form, groups.Text(2))) {
+        DrawBlock(dxf, *row, map, look, grid);
+    }
 }
 
 // A table's block stands at a point and along a direction.
@@ -210,5 +215,7 @@ void DrawDxfTable(DxfDecoder& dxf, DxfReader*) {
     const double angle = std::atan2(groups.Number(21), groups.Number(11, 1)), c = std::cos(angle), s = std::sin(angle);
     const PlaneMap map = Compose(dxf.map, {{c, s, 0}, {-s, c, 0}, {0, 0, 1}}, PointOf(groups, 10));
     const DxfLook look = LookOfEntityLayer(dxf);
-    DrawBlock(dxf, groups.Text(2), map, look, {});
+    if (const DxfNames::Row* const row = dxf.tables.blocks.Find(dxf.form, groups.Text(2))) {
+        DrawBlock(dxf, *row, map, look, {});
+    }
 }

@@ -169,6 +169,28 @@ static Section SectionOf(ByteView name) {
     return Section::kOther;
 }
 
+// The header's names of what a dimension style holds.
+static constexpr struct {
+    const char* name;
+    int code;
+} kDimensionNames[] = {{"$DIMSCALE", 40}, {"$DIMASZ", 41},  {"$DIMEXO", 42}, {"$DIMEXE", 44},
+                       {"$DIMTAD", 77},   {"$DIMTXT", 140}, {"$DIMGAP", 147}};
+
+void TakeDimensionValue(const DxfForm& form, int code, const DxfPair& value, DxfDimensionStyle* style) {
+    const auto number = [&] { return DxfNumber(form, value.code, value.value); };
+    switch (code) {
+        case 40: style->scale = number(); break;
+        case 41: style->arrow = number(); break;
+        case 42: style->offset = number(); break;
+        case 44: style->beyond = number(); break;
+        case 77: style->textAbove = number() != 0; break;
+        case 140: style->text = number(); break;
+        case 147: style->gap = number(); break;
+        case 341: style->leaderArrow = DxfHandle(value.value); break;
+        default: break;
+    }
+}
+
 static void TakeVariable(const DxfForm& form, ByteView name, const DxfPair& pair, DxfTables* out) {
     if (IsName(name, "$ACADVER") && pair.code == 1) {
         const ByteView text = Trimmed(pair.value);
@@ -182,6 +204,10 @@ static void TakeVariable(const DxfForm& form, ByteView name, const DxfPair& pair
         out->units = static_cast<int>(std::clamp(DxfInteger(form, pair.code, pair.value), 0ll, 999ll));
     } else if (IsName(name, "$TITLE") && pair.code == 1) {
         out->title = Trimmed(pair.value);
+    } else if (MatchAt(name, 0, "$DIM")) {
+        for (const auto& row : kDimensionNames) {
+            if (IsName(name, row.name)) TakeDimensionValue(form, row.code, pair, &out->dimensionStyle);
+        }
     }
 }
 
@@ -189,24 +215,40 @@ static DxfNames* TableOf(ByteView kind, DxfTables* tables) {
     if (IsName(kind, "LAYER")) return &tables->layers;
     if (IsName(kind, "LTYPE")) return &tables->lineTypes;
     if (IsName(kind, "STYLE")) return &tables->styles;
+    if (IsName(kind, "DIMSTYLE")) return &tables->dimensionStyles;
     return nullptr;
+}
+
+static std::uint32_t OwnerOfBlock(const DxfForm& form, std::size_t begin) {
+    DxfReader reader = {&form, begin};
+    DxfPair pair;
+    while (NextInRecord(&reader, &pair)) {
+        if (pair.code == 330) return DxfHandle(pair.value);
+    }
+    return 0;
 }
 
 // What rows are worth, once all of them are known.
 static void ResolveTables(const DxfForm& form, DxfTables* tables) {
-    for (DxfNames* names : {&tables->layers, &tables->lineTypes, &tables->styles, &tables->blocks}) names->Sort();
+    for (DxfNames* names :
+         {&tables->layers, &tables->lineTypes, &tables->styles, &tables->dimensionStyles, &tables->blocks})
+        names->Sort();
     for (DxfNames::Row& row : tables->lineTypes.rows) row.value = PenOfLineType(form, row);
     for (DxfNames::Row& row : tables->layers.rows) row.value = FlagsOfLayer(form, tables->lineTypes, row.begin);
     tables->layerCount = tables->layers.rows.size();
     tables->blockCount = 0;
-    for (const DxfNames::Row& row : tables->blocks.rows) {
+    for (DxfNames::Row& row : tables->blocks.rows) {
+        row.value = OwnerOfBlock(form, row.begin);
         if (!MatchAt(NameOfRow(form, row), 0, "*")) ++tables->blockCount;  // the file's own, as a user counts
     }
 }
 
 static std::size_t RowsOf(const DxfTables& tables) {
-    return tables.moreEntities.size() + tables.layers.rows.size() + tables.lineTypes.rows.size() +
-           tables.styles.rows.size() + tables.blocks.rows.size();
+    std::size_t count = tables.moreEntities.size();
+    for (const DxfNames* names :
+         {&tables.layers, &tables.lineTypes, &tables.styles, &tables.dimensionStyles, &tables.blocks})
+        count += names->rows.size();
+    return count;
 }
 
 bool SurveyDxf(const DxfForm& form, std::size_t begin, const std::atomic<std::int32_t>& goOn, DxfTables* out) {

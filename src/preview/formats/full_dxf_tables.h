@@ -69,16 +69,29 @@ struct DxfNames {
 
 enum LayerFlag : std::uint32_t { kLayerPen = 15, kLayerOff = 16, kLayerFrozen = 32 };
 
+// What a dimension style rules of what is drawn here. Lengths are to be multiplied by the scale.
+struct DxfDimensionStyle {
+    double scale = 1;
+    double arrow = 0.18, text = 0.18, gap = 0.09;
+    double offset = 0.0625, beyond = 0.18;  // of extension lines
+    bool textAbove = false;                 // the line
+    std::uint32_t leaderArrow = 0;          // the owner of its block
+};
+// Takes a value by its code in a style; what else a style holds is left alone.
+void TakeDimensionValue(const DxfForm& form, int code, const DxfPair& value, DxfDimensionStyle* style);
+
 struct DxfTables {
     DxfNames layers;     // value: LayerFlag
     DxfNames lineTypes;  // value: pen
     DxfNames styles;
-    DxfNames blocks;
+    DxfNames dimensionStyles;
+    DxfNames blocks;  // value: the handle of the block's owner, by which others name it too
 
     int version = 0;  // the number in "AC1015"; 0: not stated
     ByteView codePage, title;
-    int units = 0;                   // $INSUNITS
-    std::size_t remarks = kNowhere;  // the first one's pair
+    int units = 0;                     // $INSUNITS
+    DxfDimensionStyle dimensionStyle;  // the header's, where a style does not say otherwise
+    std::size_t remarks = kNowhere;    // the first one's pair
 
     bool hasSections = false;
     std::size_t entities = kNowhere;          // where they begin
