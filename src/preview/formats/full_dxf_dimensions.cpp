@@ -68,9 +68,11 @@ void DrawSegment(DxfDecoder& dxf, Vector3 from, Vector3 to) {
 void DrawDxfArrows(DxfDecoder& dxf, const DxfArrow* arrows, int count, double size, std::uint32_t head) {
     if (!(size > 0) || !IsDrawable(size)) return;
     const PlaneMap map = dxf.map;
+    const unsigned pen = dxf.pen;
     const DxfLook look = LookOfEntityLayer(dxf);
     const DxfNames::Row* const block = FindDxfBlockOf(dxf, head);
     for (int i = 0; i < count; ++i) {
+        dxf.pen = pen;
         const Vector3 along = Toward(arrows[i].from, arrows[i].tip), side = ToLeft(along);
         if (along.x == 0 && along.y == 0) continue;
         if (!block) {
@@ -165,8 +167,8 @@ void DrawExtension(DxfDecoder& dxf, const DxfDimensionStyle& style, Vector3 from
     DrawSegment(dxf, Sum(from, along, style.offset * style.scale), Sum(to, along, style.beyond * style.scale));
 }
 
-// Who writes no block mostly has no style for the drawing either: sizes are kept between what can be read and what would
-// cover the picture.
+// Who writes no block mostly has no style for the drawing either: sizes are kept between what can be read and what
+// would cover the picture.
 DxfDimensionStyle StyleWithoutBlock(const DxfDecoder& dxf) {
     constexpr double kMost = 1.0 / 40;  // of the picture's height
     DxfDimensionStyle style = StyleOfEntity(dxf);
