@@ -398,6 +398,13 @@ std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
     DxfPair pair;
     DxfSteps& steps = dxf.steps;
     bool keeps = !inBlock && dxf.IsMeasuring() && !dxf.paperSpace && steps.behind == kNowhere;
+    // What a block holds costs again each time that it is walked over, whatever it is.
+    std::size_t charged = begin;
+    const auto charge = [&] {
+        const std::size_t bytes = reader.at - charged;
+        charged = reader.at;
+        return dxf.budget.Charge(2 + static_cast<long long>(bytes / 16));
+    };
     for (std::size_t at = reader.at; dxf.MayContinue() && reader.Next(&pair); at = reader.at) {
         if (pair.code != 0) continue;
         const ByteView name = Trimmed(pair.value);
@@ -414,8 +421,7 @@ std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
         if (!inBlock && kind->draw != DrawAttribute) ++dxf.entityCount;
         const std::size_t before = reader.at;
         dxf.groups.Read(&reader);
-        // What a block holds costs again each time that it is drawn.
-        if (inBlock && !dxf.budget.Charge(2 + static_cast<long long>((reader.at - before) / 16))) break;
+        if (inBlock && !charge()) break;
         if (keeps && steps.all.size() >= steps.most) {
             steps.behind = at;
             keeps = false;
@@ -424,7 +430,8 @@ std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
         DrawEntity(dxf, *kind, &reader);
         if (keeps && steps.open) steps.all.push_back(EntityStep(*kind, before));
     }
-    if (!inBlock) steps.open = false;
+    if (inBlock) charge();
+    else steps.open = false;
     return reader.at;
 }
 

@@ -27,6 +27,7 @@ Block ReadBlock(DxfDecoder& dxf, const DxfNames::Row& row) {
     constexpr int kExternal = 4;
     DxfReader reader = {&dxf.form, row.begin};
     dxf.groups.Read(&reader);
+    dxf.budget.Charge(static_cast<long long>((reader.at - row.begin) / 16));
     Block block;
     block.begin = row.begin;
     block.entities = reader.at;

@@ -228,11 +228,26 @@ static std::uint32_t OwnerOfBlock(const DxfForm& form, std::size_t begin) {
     return 0;
 }
 
+// A row that is read again for each entity that refers to it may not be longer than any writer makes it.
+static void DropLongRows(const DxfForm& form, DxfNames* names) {
+    constexpr std::size_t kMostPairs = 256, kMostBytes = 8192;
+    const auto isLong = [&](const DxfNames::Row& row) {
+        DxfReader reader = {&form, row.begin};
+        DxfPair pair;
+        std::size_t pairs = 0;
+        while (NextInRecord(&reader, &pair)) ++pairs;
+        return pairs > kMostPairs || reader.at - row.begin > kMostBytes;
+    };
+    names->rows.erase(std::remove_if(names->rows.begin(), names->rows.end(), isLong), names->rows.end());
+}
+
 // What rows are worth, once all of them are known.
 static void ResolveTables(const DxfForm& form, DxfTables* tables) {
     for (DxfNames* names :
          {&tables->layers, &tables->lineTypes, &tables->styles, &tables->dimensionStyles, &tables->blocks})
         names->Sort();
+    DropLongRows(form, &tables->styles);
+    DropLongRows(form, &tables->dimensionStyles);
     for (DxfNames::Row& row : tables->lineTypes.rows) row.value = PenOfLineType(form, row);
     for (DxfNames::Row& row : tables->layers.rows) row.value = FlagsOfLayer(form, tables->lineTypes, row.begin);
     tables->layerCount = tables->layers.rows.size();
@@ -252,7 +267,7 @@ static std::size_t RowsOf(const DxfTables& tables) {
 }
 
 bool SurveyDxf(const DxfForm& form, std::size_t begin, const std::atomic<std::int32_t>& goOn, DxfTables* out) {
-    constexpr std::size_t kMostSections = 64;
+    constexpr std::size_t kMostSections = 64, kLongestName = 1024;
     constexpr int kMostLoose = 32;  // entities without a section around them that tell a file of nothing else
     const std::size_t rowsBefore = RowsOf(*out);
     Section section = begin == form.begin ? Section::kNone : Section::kOther;
@@ -292,7 +307,8 @@ bool SurveyDxf(const DxfForm& form, std::size_t begin, const std::atomic<std::in
             if (out->moreEntities.size() < kMostSections)
                 out->moreEntities.push_back(static_cast<std::uint32_t>(reader.at));
         } else if (pair.code == 2 && named) {
-            named->Add(pair.value, record, before);
+            // The pair is read again by each search, so nothing else may stand in it.
+            if (reader.at - before <= kLongestName) named->Add(pair.value, record, before);
             named = nullptr;
         } else if (pair.code == 999) {
             if (out->remarks == kNowhere) out->remarks = before;
