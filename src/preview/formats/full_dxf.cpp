@@ -50,14 +50,13 @@ static std::size_t DrawSpace(DxfDecoder& dxf, const DxfSpace& space) {
 }
 
 // The first space that shows something, and its box; null when there is none.
-static const DxfSpace* MeasureDrawing(DxfDecoder& dxf, BoxSink* measure, WorldRect* box) {
+static const DxfSpace* MeasureDrawing(DxfDecoder& dxf, std::size_t stepRoom, BoxSink* measure, WorldRect* box) {
+    ClearDxfSteps(dxf, stepRoom);
     const std::size_t end = DrawSpace(dxf, kSpaces[0]);
     // Files have their tables and blocks in front of the entities. Should some stand behind, all begins anew.
     if (SurveyDxf(dxf.form, end, *measure->goOn, &dxf.tables)) {
         measure->Clear();
-        dxf.steps.all.clear();
-        dxf.steps.behind = kNowhere;
-        for (auto& known : dxf.layers) known.name = {};
+        ClearDxfSteps(dxf, stepRoom);
         DrawSpace(dxf, kSpaces[0]);
     }
     for (const DxfSpace& space : kSpaces) {
@@ -88,9 +87,8 @@ bool DecodeFullDxf(ByteView file, Comment* comment, DrawingSink* sink) {
     dxf.encoding = EncodingOf(dxf.form, dxf.tables);
 
     dxf.sink = dxf.box = &measure;
-    dxf.steps.most = sink ? file.size / 2 / sizeof(DxfStep) : 0;
     WorldRect box = {0, 0, 1, 1};
-    const DxfSpace* const space = MeasureDrawing(dxf, &measure, &box);
+    const DxfSpace* const space = MeasureDrawing(dxf, sink ? file.size / 4 * 3 : 0, &measure, &box);
     if (!measure.MayContinue()) return false;
     if (comment && comment->end) AppendDxfComment(comment, dxf, space ? &measure.all : nullptr);
     if (!sink) return true;
