@@ -1,6 +1,7 @@
 // What the parts of the full DXF decoder share: the run, where an entity stands, and the calls that draw.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <deque>
 #include <string>
@@ -99,11 +100,11 @@ struct DxfParagraphs {
 // What an entity draws, so that it need not be read again: the numbers of a simple one, as they stand in the drawing or
 // in its block, or the place of any other one, which is.
 struct DxfStep {
-    enum What : std::uint8_t { kNothing, kPoint, kLine, kCircle, kPolyline, kSpline, kEntity } what = kNothing;
+    enum What : std::uint8_t { kNothing, kPoint, kLine, kCircle, kPolyline, kSpline, kText, kEntity } what = kNothing;
     std::uint8_t pen = 0;        // kPenOfInsert, kPenOfInsertLayer or its own
     bool onInsertLayer = false;  // it is not drawn where that is hidden
-    std::uint8_t detail = 0;     // an entity's row of the table of kinds; the form of a polyline
-    std::uint32_t begin = 0;     // of an entity's pairs
+    std::uint8_t detail = 0;     // an entity's row of the table of kinds; the form of a polyline, spline or text
+    std::uint32_t begin = 0;     // of an entity's pairs; of a text's bytes
     std::uint32_t cost = 0;      // that a block is charged for it
     std::uint32_t count = 0;
     // point: x, y; line: x1, y1, x2, y2; circle: centre, radius, start, sweep; others are their own functions' matter
@@ -111,12 +112,31 @@ struct DxfStep {
 };
 constexpr std::uint8_t kPenOfInsert = 16, kPenOfInsertLayer = 17;
 
-// Steps and their numbers. All together take at most three quarters of the file's size.
+// Items that stay where they are, in parts that double. What a part takes goes off the room, in bytes, that is left.
+template <typename T>
+struct DxfStore {
+    std::vector<std::vector<T>> parts;  // none grows beyond its capacity
+
+    // Copies so many items, one behind the other; null when there is no room.
+    T* Add(const T* items, std::size_t count, std::size_t* room) {
+        constexpr std::size_t kFirst = 16, kMost = 1 << 13;
+        if (parts.empty() || parts.back().capacity() - parts.back().size() < count) {
+            const std::size_t next = parts.empty() ? kFirst : std::min(parts.back().capacity() * 2, kMost);
+            const std::size_t size = std::max(next, count);
+            if (size > *room / sizeof(T)) return nullptr;
+            *room -= size * sizeof(T);
+            parts.emplace_back().reserve(size);
+        }
+        std::vector<T>& last = parts.back();
+        last.insert(last.end(), items, items + count);
+        return last.data() + last.size() - count;
+    }
+};
+
 struct DxfSteps {
-    std::deque<DxfStep> all;
-    std::vector<std::vector<double>> numbers;  // none grows beyond its capacity, so that they stay where they are
-    bool Add(const DxfStep& step, std::size_t* room);  // copies its numbers; false when there is no room in bytes
-    void Clear();
+    DxfStore<DxfStep> steps;
+    DxfStore<double> numbers;
+    bool Add(DxfStep step, std::size_t* room);  // copies its numbers; false when there is no room
 };
 
 // A block that has been drawn. Most inserts lie where they cannot matter to the drawing's box, and all others draw the
@@ -125,10 +145,10 @@ struct DxfBlock {
     std::uint32_t begin = 0;  // of its record
     std::size_t entities = 0;
     Vector3 base = {};
-    bool external = false;  // stands in another file, which is never opened
-    bool isRead = false;    // what follows is known
-    bool isKept = false;    // as steps; else there was no room
-    std::size_t firstStep = 0, stepCount = 0;
+    bool external = false;                           // stands in another file, which is never opened
+    bool isRead = false;                             // what follows is known
+    bool isKept = false;                             // as steps; else there was no room
+    std::size_t part = 0, first = 0, stepCount = 0;  // among all blocks' steps
     bool isMeasured = false;
     WorldRect box = {};  // in its own coordinates
     std::size_t elements = 0;
@@ -226,8 +246,10 @@ using DxfStepFunction = bool (*)(DxfDecoder& dxf, DxfReader* reader, DxfStep* st
 bool TakeDxfPolyline(DxfDecoder& dxf, DxfReader* reader, DxfStep* step);
 bool TakeDxfLwPolyline(DxfDecoder& dxf, DxfReader* reader, DxfStep* step);
 bool TakeDxfSpline(DxfDecoder& dxf, DxfReader* reader, DxfStep* step);
+bool TakeDxfText(DxfDecoder& dxf, DxfReader* reader, DxfStep* step);
 void DrawDxfPolylineStep(DxfDecoder& dxf, const DxfStep& step);
 void DrawDxfSplineStep(DxfDecoder& dxf, const DxfStep& step);
+void DrawDxfTextStep(DxfDecoder& dxf, const DxfStep& step);
 void DrawDxfPolyline(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfLwPolyline(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfSpline(DxfDecoder& dxf, DxfReader* reader);

@@ -292,7 +292,7 @@ static constexpr DxfKind kKinds[] = {
     {"TRACE", DrawSolid, Space::kObject},
     {"3DFACE", Draw3dFace, Space::kWorld},
     {"3DLINE", DrawLine, Space::kWorld, TakeLine},
-    {"TEXT", DrawDxfTextEntity, Space::kObject},
+    {"TEXT", DrawDxfTextEntity, Space::kObject, TakeDxfText},
     {"MTEXT", DrawDxfMText, Space::kWorld},
     {"ATTRIB", DrawAttribute, Space::kObject},
     {"ATTDEF", DrawAttributeDefinition, Space::kObject},
@@ -344,7 +344,8 @@ static const DxfKind* FindKind(ByteView name) {
     const unsigned slot = SlotOfKind(static_cast<unsigned>(name.size), name.data[0], name.data[1]);
     for (int row = kKindIndex.first[slot]; row >= 0; row = kKindIndex.next[row]) {
         const DxfKind& kind = kKinds[row];
-        if (std::strlen(kind.name) == name.size && MatchAt(name, 0, kind.name, name.size)) return &kind;
+        if (name.size < sizeof(kind.name) && kind.name[name.size] == 0 && MatchAt(name, 0, kind.name, name.size))
+            return &kind;
     }
     return nullptr;
 }
@@ -465,36 +466,19 @@ static void DrawStep(DxfDecoder& dxf, const DxfStep& step) {
         case DxfStep::kCircle: return DrawCircleArc(dxf, {n[0], n[1], 0}, n[2], n[3], n[4]);
         case DxfStep::kPolyline: return DrawDxfPolylineStep(dxf, step);
         case DxfStep::kSpline: return DrawDxfSplineStep(dxf, step);
+        case DxfStep::kText: return DrawDxfTextStep(dxf, step);
         case DxfStep::kEntity:
         case DxfStep::kNothing: return;
     }
 }
 
-bool DxfSteps::Add(const DxfStep& step, std::size_t* room) {
-    constexpr std::size_t kFirst = 512, kMost = 1 << 16;
-    const std::size_t size = sizeof(step) + step.count * sizeof(double);
-    if (size > *room) return false;
-    *room -= size;
-    all.push_back(step);
-    if (step.count == 0) return true;
-    if (numbers.empty() || numbers.back().capacity() - numbers.back().size() < step.count) {
-        const std::size_t next = numbers.empty() ? kFirst : std::min(numbers.back().capacity() * 2, kMost);
-        numbers.emplace_back().reserve(std::max<std::size_t>(next, step.count));
-    }
-    std::vector<double>& last = numbers.back();
-    all.back().numbers = last.data() + last.size();
-    last.insert(last.end(), step.numbers, step.numbers + step.count);
-    return true;
-}
-
-void DxfSteps::Clear() {
-    all.clear();
-    numbers.clear();
+bool DxfSteps::Add(DxfStep step, std::size_t* room) {
+    if (step.count) step.numbers = numbers.Add(step.numbers, step.count, room);
+    return (step.numbers || step.count == 0) && steps.Add(&step, 1, room);
 }
 
 void ClearDxfSteps(DxfDecoder& dxf, std::size_t room) {
-    dxf.steps.Clear();
-    dxf.blockSteps.Clear();
+    dxf.steps = dxf.blockSteps = {};
     dxf.blocks.clear();
     for (DxfNames::Row& row : dxf.tables.blocks.rows) row.value = 0;
     for (auto& known : dxf.layers) known.name = {};
@@ -566,9 +550,11 @@ std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
 }
 
 void DrawDxfSteps(DxfDecoder& dxf) {
-    for (const DxfStep& step : dxf.steps.all) {
-        if (!dxf.MayContinue()) return;
-        DrawStep(dxf, step);
+    for (const std::vector<DxfStep>& part : dxf.steps.steps.parts) {
+        for (const DxfStep& step : part) {
+            if (!dxf.MayContinue()) return;
+            DrawStep(dxf, step);
+        }
     }
     if (dxf.behindSteps != kNowhere) DrawDxfEntities(dxf, dxf.behindSteps);
 }
@@ -577,9 +563,10 @@ void DrawDxfSteps(DxfDecoder& dxf) {
 
 // Reads a block's entities as steps, as far as there is room.
 static void ReadBlock(DxfDecoder& dxf, DxfBlock* block) {
-    std::deque<DxfStep>& all = dxf.blockSteps.all;
+    const auto& parts = dxf.blockSteps.steps.parts;
+    block->part = parts.empty() ? 0 : parts.size() - 1;
+    block->first = parts.empty() ? 0 : parts.back().size();
     block->isRead = block->isKept = true;
-    block->firstStep = all.size();
     EntityWalk walk = {dxf, true, {&dxf.form, block->entities}};
     while (const DxfKind* kind = walk.Next()) {
         DxfStep step;
@@ -587,12 +574,10 @@ static void ReadBlock(DxfDecoder& dxf, DxfBlock* block) {
         if (!TakeStep(dxf, *kind, true, &walk.reader, &step)) step = EntityStep(*kind, walk.begin);
         if (step.what == DxfStep::kNothing) continue;
         step.cost = cost;
-        if (dxf.blockSteps.Add(step, &dxf.stepRoom)) continue;
-        all.resize(block->firstStep);
-        block->isKept = false;
-        break;
+        block->isKept = dxf.blockSteps.Add(step, &dxf.stepRoom);
+        if (!block->isKept) return;
+        ++block->stepCount;
     }
-    block->stepCount = all.size() - block->firstStep;
 }
 
 void DrawDxfBlock(DxfDecoder& dxf, DxfBlock* block) {
@@ -601,8 +586,14 @@ void DrawDxfBlock(DxfDecoder& dxf, DxfBlock* block) {
         DrawDxfEntities(dxf, block->entities);
         return;
     }
-    for (std::size_t i = 0; i < block->stepCount; ++i) {
-        const DxfStep& step = dxf.blockSteps.all[block->firstStep + i];
+    const auto& parts = dxf.blockSteps.steps.parts;  // more may come while a block draws others
+    std::size_t part = block->part, at = block->first;
+    for (std::size_t left = block->stepCount; left > 0; --left) {
+        if (at == parts[part].size()) {
+            ++part;
+            at = 0;
+        }
+        const DxfStep& step = parts[part][at++];
         if (!dxf.MayContinue() || !dxf.budget.Charge(step.cost)) return;
         DrawStep(dxf, step);
     }
