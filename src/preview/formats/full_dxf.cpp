@@ -53,21 +53,18 @@ static std::size_t DrawSpace(DxfDecoder& dxf, const DxfSpace& space) {
     return end;
 }
 
-static std::size_t MeasureModel(DxfDecoder& dxf, BoxSink* measure) {
+static std::size_t MeasureModel(DxfDecoder& dxf, std::size_t stepRoom, BoxSink* measure) {
     measure->Clear();
-    dxf.steps.all.clear();
-    dxf.steps.behind = kNowhere;
-    for (auto& known : dxf.layers) known.name = {};
-    for (DxfBlockBox& known : dxf.blockBoxes) known.block = 0;
+    ClearDxfSteps(dxf, stepRoom);
     return DrawSpace(dxf, kSpaces[0]);
 }
 
 // The first space that shows something, and its box; null when there is none.
-static const DxfSpace* MeasureDrawing(DxfDecoder& dxf, BoxSink* measure, WorldRect* box) {
-    const std::size_t end = MeasureModel(dxf, measure);
+static const DxfSpace* MeasureDrawing(DxfDecoder& dxf, std::size_t stepRoom, BoxSink* measure, WorldRect* box) {
+    const std::size_t end = MeasureModel(dxf, stepRoom, measure);
     // Files have their tables and blocks in front of the entities, and these in one section. Should some stand behind,
     // all begins anew.
-    if (SurveyDxf(dxf.form, end, *measure->goOn, &dxf.tables)) MeasureModel(dxf, measure);
+    if (SurveyDxf(dxf.form, end, *measure->goOn, &dxf.tables)) MeasureModel(dxf, stepRoom, measure);
     for (;;) {
         for (const DxfSpace& space : kSpaces) {
             if (&space != kSpaces) DrawSpace(dxf, space);
@@ -75,7 +72,7 @@ static const DxfSpace* MeasureDrawing(DxfDecoder& dxf, BoxSink* measure, WorldRe
         }
         if (dxf.aside != DxfAside::kMet) return nullptr;
         dxf.aside = DxfAside::kMeasured;  // there is nothing else
-        MeasureModel(dxf, measure);
+        MeasureModel(dxf, stepRoom, measure);
     }
 }
 
@@ -100,9 +97,8 @@ bool DecodeFullDxf(ByteView file, Comment* comment, DrawingSink* sink) {
     dxf.encoding = EncodingOf(dxf.form, dxf.tables);
 
     dxf.sink = dxf.box = &measure;
-    dxf.steps.most = sink ? file.size / 2 / sizeof(DxfStep) : 0;
     WorldRect box = {0, 0, 1, 1};
-    const DxfSpace* const space = MeasureDrawing(dxf, &measure, &box);
+    const DxfSpace* const space = MeasureDrawing(dxf, sink ? file.size / 4 * 3 : 0, &measure, &box);
     if (!measure.MayContinue()) return false;
     if (comment && comment->end) AppendDxfComment(comment, dxf, space ? &measure.all : nullptr);
     if (!sink) return true;

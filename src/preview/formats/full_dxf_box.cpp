@@ -70,8 +70,12 @@ WorldRect BoxOfText(const UnicodeText& text) {
 
 // ---- Elements
 
+static WorldRect BoxOfCircle(const PreviewPrimitive& arc) {
+    return {arc.a - arc.c, arc.b - arc.c, arc.a + arc.c, arc.b + arc.c};
+}
+
 static WorldRect BoxOfArc(const PreviewPrimitive& arc) {
-    if (arc.d == 0 && arc.e.AsDouble() == 360) return {arc.a - arc.c, arc.b - arc.c, arc.a + arc.c, arc.b + arc.c};
+    if (arc.d == 0 && arc.e.AsDouble() == 360) return BoxOfCircle(arc);
     const double start = Radians(arc.d), sweep = Radians(arc.e.AsDouble() - arc.d);
     const auto at = [&](double angle) -> WorldPoint {
         return {arc.a + arc.c * std::cos(angle), arc.b + arc.c * std::sin(angle)};
@@ -81,7 +85,7 @@ static WorldRect BoxOfArc(const PreviewPrimitive& arc) {
     WorldRect box = BoxOfPoints(ends, 2);
     // The ends of the circle's axes that lie on the arc; all of them when it runs round more than once.
     const double quarter = kTurn / 4, first = std::ceil(start / quarter);
-    if (!(turn < kTurn && std::fabs(first) < 1e9)) return {arc.a - arc.c, arc.b - arc.c, arc.a + arc.c, arc.b + arc.c};
+    if (!(turn < kTurn && std::fabs(first) < 1e9)) return BoxOfCircle(arc);
     for (auto axis = static_cast<std::int64_t>(first); static_cast<double>(axis) * quarter < start + turn; ++axis) {
         switch (axis & 3) {
             case 0: box.maxX = arc.a + arc.c; break;
@@ -101,7 +105,10 @@ static void DrawInBox(DrawingSink& sink, PreviewPrimitive& element, unsigned) {
             box.Grow({std::min(element.a, element.c), std::min(element.b, element.d), std::max(element.a, element.c),
                       std::max(element.b, element.d)});
             break;
-        case kArc: box.Grow(BoxOfArc(element)); break;
+        case kArc:  // where even the circle changes nothing, its arc need not be measured
+            if (box.Matters(BoxOfCircle(element))) box.Grow(BoxOfArc(element));
+            else ++box.count;
+            break;
         default: break;
     }
 }

@@ -80,7 +80,7 @@ void DrawDxfArrows(DxfDecoder& dxf, const DxfArrow* arrows, int count, double si
             continue;
         }
         const Axes3 axes = {Sum({}, along, size), Sum({}, side, size), {0, 0, size}};
-        DrawDxfBlock(dxf, *block, Compose(map, axes, arrows[i].tip), look);
+        DrawDxfBlockAt(dxf, *block, Compose(map, axes, arrows[i].tip), look);
     }
 }
 
@@ -231,5 +231,5 @@ void DrawDxfDimension(DxfDecoder& dxf, DxfReader*) {
     const Axes3 axes = AxesOfNormal(NormalOf(dxf.groups)), upright = AxesOfNormal({0, 0, 1});
     const Vector3 p = PointOf(dxf.groups, 12);
     const Vector3 moved = Sum(Sum(Sum({}, axes.x, p.x), axes.y, p.y), axes.z, p.z);
-    DrawDxfBlock(dxf, *block, Compose(dxf.map, upright, moved), LookOfEntityLayer(dxf));
+    DrawDxfBlockAt(dxf, *block, Compose(dxf.map, upright, moved), LookOfEntityLayer(dxf));
 }

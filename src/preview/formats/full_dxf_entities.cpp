@@ -6,58 +6,52 @@
 
 #include "preview/formats/full_dxf_decoder.h"
 
-// ---- Simple kinds
+// ---- Simple kinds: drawn as they stand in space, or taken as steps of the plane
 
-static void DrawStep(DxfDecoder& dxf, const DxfStep& step) {
-    const double* const n = step.numbers;
-    switch (step.what) {
-        case DxfStep::kPoint: DrawDxfPoint(dxf, {n[0], n[1]}); break;
-        case DxfStep::kLine: DrawDxfLine(dxf, {n[0], n[1]}, {n[2], n[3]}); break;
-        case DxfStep::kCircle: DrawDxfConic(dxf, {{n[0], n[1]}, {n[2], 0}, {0, n[2]}}, n[3], n[4]); break;
-        case DxfStep::kEntity: break;
-    }
+// The x and y of a point. Most maps leave the height out, so it is not even read.
+static void TakePlanePoint(DxfDecoder& dxf, int code) {
+    dxf.numbers.push_back(dxf.groups.Number(code));
+    dxf.numbers.push_back(dxf.groups.Number(code + 10));
 }
 
-static std::uint8_t PenByte(const DxfDecoder& dxf) { return static_cast<std::uint8_t>(dxf.pen); }
-
-// A point where it is seen. Most maps leave the height out, so it is not even read.
-static WorldPoint SeenPoint(const DxfDecoder& dxf, int code) {
-    const bool isFlat = dxf.map.xz == 0 && dxf.map.yz == 0;
-    const DxfGroups& groups = dxf.groups;
-    return dxf.map.Point({groups.Number(code), groups.Number(code + 10), isFlat ? 0 : groups.Number(code + 20)});
-}
-
-// Draws an element that is all of its entity.
-static void DrawSimple(DxfDecoder& dxf, const DxfStep& step) {
-    DrawStep(dxf, step);
-    if (!dxf.steps.open || dxf.place->depth > 0) return;
-    dxf.steps.open = false;
-    dxf.steps.all.push_back(step);
-}
+// What a dimension was measured from.
+static bool IsDefinitionPoint(const DxfGroups& groups) { return IsName(Trimmed(groups.Text(8)), "DEFPOINTS"); }
 
 static void DrawPoint(DxfDecoder& dxf, DxfReader*) {
-    if (IsName(Trimmed(dxf.groups.Text(8)), "DEFPOINTS")) return;  // what a dimension was measured from
-    const WorldPoint at = SeenPoint(dxf, 10);
-    DrawSimple(dxf, {DxfStep::kPoint, PenByte(dxf), 0, 0, {at.x, at.y}});
+    if (!IsDefinitionPoint(dxf.groups)) DrawDxfPoint(dxf, dxf.map.Point(PointOf(dxf.groups, 10)));
+}
+static bool TakePoint(DxfDecoder& dxf, DxfReader*, DxfStep* step) {
+    if (IsDefinitionPoint(dxf.groups)) return true;
+    step->what = DxfStep::kPoint;
+    TakePlanePoint(dxf, 10);
+    return true;
 }
 
 static void DrawLine(DxfDecoder& dxf, DxfReader*) {
-    const WorldPoint from = SeenPoint(dxf, 10), to = SeenPoint(dxf, 11);
-    DrawSimple(dxf, {DxfStep::kLine, PenByte(dxf), 0, 0, {from.x, from.y, to.x, to.y}});
+    DrawDxfLine(dxf, dxf.map.Point(PointOf(dxf.groups, 10)), dxf.map.Point(PointOf(dxf.groups, 11)));
+}
+static bool TakeLine(DxfDecoder& dxf, DxfReader*, DxfStep* step) {
+    step->what = DxfStep::kLine;
+    TakePlanePoint(dxf, 10);
+    TakePlanePoint(dxf, 11);
+    return true;
 }
 
-static void DrawCircleArc(DxfDecoder& dxf, double start, double sweep) {
-    const double radius = std::fabs(dxf.groups.Number(40));
-    const Conic conic = {SeenPoint(dxf, 10), dxf.map.Direction({radius, 0, 0}), dxf.map.Direction({0, radius, 0})};
-    if (conic.u.x == radius && conic.u.y == 0 && conic.v.x == 0 && conic.v.y == radius) {
-        const WorldPoint at = conic.centre;
-        DrawSimple(dxf, {DxfStep::kCircle, PenByte(dxf), 0, 0, {at.x, at.y, radius, start, sweep}});
-    } else {
-        DrawDxfConic(dxf, conic, start, sweep);
-    }
+static void DrawCircleArc(DxfDecoder& dxf, Vector3 centre, double radius, double start, double sweep) {
+    const Conic conic = {dxf.map.Point(centre), dxf.map.Direction({radius, 0, 0}), dxf.map.Direction({0, radius, 0})};
+    DrawDxfConic(dxf, conic, start, sweep);
+}
+static bool TakeCircleArc(DxfDecoder& dxf, double start, double sweep, DxfStep* step) {
+    step->what = DxfStep::kCircle;
+    TakePlanePoint(dxf, 10);
+    dxf.numbers.insert(dxf.numbers.end(), {std::fabs(dxf.groups.Number(40)), start, sweep});
+    return true;
 }
 
-static void DrawCircle(DxfDecoder& dxf, DxfReader*) { DrawCircleArc(dxf, 0, kTurn); }
+static void DrawCircle(DxfDecoder& dxf, DxfReader*) {
+    DrawCircleArc(dxf, PointOf(dxf.groups, 10), std::fabs(dxf.groups.Number(40)), 0, kTurn);
+}
+static bool TakeCircle(DxfDecoder& dxf, DxfReader*, DxfStep* step) { return TakeCircleArc(dxf, 0, kTurn, step); }
 
 // The way from one angle to another, counter-clockwise; a whole turn when they are one.
 static double SweepOf(double start, double end) {
@@ -67,9 +61,21 @@ static double SweepOf(double start, double end) {
     return sweep < 1e-9 ? kTurn : sweep;
 }
 
+struct Angles {
+    double start, sweep;
+};
+static Angles AnglesOf(const DxfGroups& groups) {
+    const double start = Radians(groups.Number(50)), end = Radians(groups.Number(51, 360));
+    return {start, SweepOf(start, end)};
+}
+
 static void DrawArc(DxfDecoder& dxf, DxfReader*) {
-    const double start = Radians(dxf.groups.Number(50)), end = Radians(dxf.groups.Number(51, 360));
-    DrawCircleArc(dxf, start, SweepOf(start, end));
+    const Angles angles = AnglesOf(dxf.groups);
+    DrawCircleArc(dxf, PointOf(dxf.groups, 10), std::fabs(dxf.groups.Number(40)), angles.start, angles.sweep);
+}
+static bool TakeArc(DxfDecoder& dxf, DxfReader*, DxfStep* step) {
+    const Angles angles = AnglesOf(dxf.groups);
+    return TakeCircleArc(dxf, angles.start, angles.sweep, step);
 }
 
 // The normal turns the minor axis; all else is the drawing's.
@@ -250,23 +256,24 @@ struct DxfKind {
     char name[24];
     DxfKindFunction draw;
     Space space;
+    DxfStepFunction take = nullptr;
 };
 // What is not here passes by, as do the kinds that show nothing: VIEWPORT, WIPEOUT, proxies.
 static constexpr DxfKind kKinds[] = {
-    {"LINE", DrawLine, Space::kWorld},
-    {"POINT", DrawPoint, Space::kWorld},
-    {"ARC", DrawArc, Space::kObject},
-    {"CIRCLE", DrawCircle, Space::kObject},
+    {"LINE", DrawLine, Space::kWorld, TakeLine},
+    {"POINT", DrawPoint, Space::kWorld, TakePoint},
+    {"ARC", DrawArc, Space::kObject, TakeArc},
+    {"CIRCLE", DrawCircle, Space::kObject, TakeCircle},
     {"ELLIPSE", DrawEllipse, Space::kWorld},
-    {"LWPOLYLINE", DrawDxfLwPolyline, Space::kObject},
-    {"POLYLINE", DrawDxfPolyline, Space::kObject},
-    {"SPLINE", DrawDxfSpline, Space::kWorld},
-    {"HELIX", DrawDxfSpline, Space::kWorld},
+    {"LWPOLYLINE", DrawDxfLwPolyline, Space::kObject, TakeDxfLwPolyline},
+    {"POLYLINE", DrawDxfPolyline, Space::kObject, TakeDxfPolyline},
+    {"SPLINE", DrawDxfSpline, Space::kWorld, TakeDxfSpline},
+    {"HELIX", DrawDxfSpline, Space::kWorld, TakeDxfSpline},
     {"SOLID", DrawSolid, Space::kObject},
     {"TRACE", DrawSolid, Space::kObject},
     {"3DFACE", Draw3dFace, Space::kWorld},
-    {"3DLINE", DrawLine, Space::kWorld},
-    {"TEXT", DrawDxfTextEntity, Space::kObject},
+    {"3DLINE", DrawLine, Space::kWorld, TakeLine},
+    {"TEXT", DrawDxfTextEntity, Space::kObject, TakeDxfText},
     {"MTEXT", DrawDxfMText, Space::kWorld},
     {"ATTRIB", DrawAttribute, Space::kObject},
     {"ATTDEF", DrawAttributeDefinition, Space::kObject},
@@ -318,7 +325,8 @@ static const DxfKind* FindKind(ByteView name) {
     const unsigned slot = SlotOfKind(static_cast<unsigned>(name.size), name.data[0], name.data[1]);
     for (int row = kKindIndex.first[slot]; row >= 0; row = kKindIndex.next[row]) {
         const DxfKind& kind = kKinds[row];
-        if (std::strlen(kind.name) == name.size && MatchAt(name, 0, kind.name, name.size)) return &kind;
+        if (name.size < sizeof(kind.name) && kind.name[name.size] == 0 && MatchAt(name, 0, kind.name, name.size))
+            return &kind;
     }
     return nullptr;
 }
@@ -341,24 +349,24 @@ static DxfLook LookOfLayer(DxfDecoder& dxf, ByteView name) {
     return look;
 }
 
+static bool IsOnInsertLayer(ByteView name) { return name.size == 0 || (name.size == 1 && name.data[0] == '0'); }
+
 DxfLook LookOfEntityLayer(DxfDecoder& dxf) {
     const ByteView name = Trimmed(dxf.groups.Text(8));
-    const bool inherits = dxf.place->depth > 0 && (name.size == 0 || (name.size == 1 && name.data[0] == '0'));
-    return inherits ? dxf.place->layer : LookOfLayer(dxf, name);
+    return dxf.place->depth > 0 && IsOnInsertLayer(name) ? dxf.place->layer : LookOfLayer(dxf, name);
 }
 
-static DxfLook LookOfEntity(DxfDecoder& dxf) {
-    DxfLook look = LookOfEntityLayer(dxf);
+// The pen that an entity names, or else that of its layer.
+static unsigned PenOfEntity(const DxfDecoder& dxf, unsigned ofLayer) {
     const ByteView type = Trimmed(dxf.groups.Text(6));
-    if (type.size == 0 || IsName(type, "BYLAYER")) return look;
-    if (IsName(type, "BYBLOCK")) {
-        look.pen = dxf.place->pen;
-    } else if (const DxfNames::Row* row = dxf.tables.lineTypes.Find(dxf.form, type)) {
-        look.pen = row->value;
-    } else {
-        look.pen = kSolidPen;
-    }
-    return look;
+    if (type.size == 0 || IsName(type, "BYLAYER")) return ofLayer;
+    if (IsName(type, "BYBLOCK")) return kPenOfInsert;
+    const DxfNames::Row* const row = dxf.tables.lineTypes.Find(dxf.form, type);
+    return row ? row->value : kSolidPen;
+}
+
+static unsigned PenAt(const DxfPlace& place, unsigned pen) {
+    return pen == kPenOfInsert ? place.pen : pen == kPenOfInsertLayer ? place.layer.pen : pen;
 }
 
 static bool HasOwnAxes(const DxfGroups& groups) {
@@ -373,10 +381,10 @@ static void DrawEntity(DxfDecoder& dxf, const DxfKind& kind, DxfReader* reader) 
     const bool isInsert = kind.draw == DrawDxfInsert;
     if (isInsert) dxf.attributesHidden = true;
     if (groups.Integer(60) != 0) return;
-    const DxfLook look = LookOfEntity(dxf);
+    const DxfLook look = LookOfEntityLayer(dxf);
     if (look.frozen || (look.off && !isInsert)) return;
     if (isInsert) dxf.attributesHidden = false;
-    dxf.pen = look.pen;
+    dxf.pen = PenAt(*dxf.place, PenOfEntity(dxf, look.pen));
     dxf.map = dxf.place->map;
     if (kind.space == Space::kObject && HasOwnAxes(groups)) {
         dxf.map = Compose(dxf.map, AxesOfNormal(NormalOf(groups)), {0, 0, 0});
@@ -385,71 +393,202 @@ static void DrawEntity(DxfDecoder& dxf, const DxfKind& kind, DxfReader* reader) 
     if (isInsert) dxf.attributesHidden = false;  // whichever inserts its block hides
 }
 
+// ---- Steps
+
+// The step of the entity in dxf.groups, which is nothing for one that is never drawn; false when it is to be drawn as
+// an entity.
+static bool TakeStep(DxfDecoder& dxf, const DxfKind& kind, bool inBlock, DxfReader* reader, DxfStep* step) {
+    const DxfGroups& groups = dxf.groups;
+    if (!kind.take || (kind.space == Space::kObject && HasOwnAxes(groups))) return false;
+    if (!inBlock && (groups.Integer(67) != 0) != dxf.paperSpace) return true;
+    if (groups.Integer(60) != 0) return true;
+    const ByteView layer = Trimmed(groups.Text(8));
+    step->onInsertLayer = inBlock && IsOnInsertLayer(layer);
+    unsigned pen = kPenOfInsertLayer;
+    if (!step->onInsertLayer) {
+        const DxfLook look = LookOfLayer(dxf, layer);
+        if (look.frozen || look.off) return true;
+        pen = look.pen;
+    }
+    step->pen = static_cast<std::uint8_t>(PenOfEntity(dxf, pen));
+    dxf.numbers.clear();
+    const std::size_t begin = groups.begin;
+    if (kind.take(dxf, reader, step)) {
+        step->numbers = dxf.numbers.data();
+        step->count = static_cast<std::uint32_t>(dxf.numbers.size());
+        return true;
+    }
+    reader->at = begin;
+    dxf.groups.Read(reader);
+    return false;
+}
+
+static DxfStep EntityStep(const DxfKind& kind, std::size_t begin) {
+    DxfStep step;
+    step.what = DxfStep::kEntity;
+    step.detail = static_cast<std::uint8_t>(&kind - kKinds);
+    step.begin = static_cast<std::uint32_t>(begin);
+    return step;
+}
+
+static void DrawStep(DxfDecoder& dxf, const DxfStep& step) {
+    const DxfPlace& place = *dxf.place;
+    const double* const n = step.numbers;
+    if (step.what == DxfStep::kEntity) {
+        DxfReader reader = {&dxf.form, step.begin};
+        dxf.groups.Read(&reader);
+        return DrawEntity(dxf, kKinds[step.detail], &reader);
+    }
+    if (step.onInsertLayer && (place.layer.frozen || place.layer.off)) return;
+    dxf.pen = PenAt(place, step.pen);
+    dxf.map = place.map;
+    switch (step.what) {
+        case DxfStep::kPoint: return DrawDxfPoint(dxf, dxf.map.Point({n[0], n[1], 0}));
+        case DxfStep::kLine: return DrawDxfLine(dxf, dxf.map.Point({n[0], n[1], 0}), dxf.map.Point({n[2], n[3], 0}));
+        case DxfStep::kCircle: return DrawCircleArc(dxf, {n[0], n[1], 0}, n[2], n[3], n[4]);
+        case DxfStep::kPolyline: return DrawDxfPolylineStep(dxf, step);
+        case DxfStep::kSpline: return DrawDxfSplineStep(dxf, step);
+        case DxfStep::kText: return DrawDxfTextStep(dxf, step);
+        case DxfStep::kEntity:
+        case DxfStep::kNothing: return;
+    }
+}
+
+bool DxfSteps::Add(DxfStep step, std::size_t* room) {
+    if (step.count) step.numbers = numbers.Add(step.numbers, step.count, room);
+    return (step.numbers || step.count == 0) && steps.Add(&step, 1, room);
+}
+
+void ClearDxfSteps(DxfDecoder& dxf, std::size_t room) {
+    dxf.steps = dxf.blockSteps = {};
+    dxf.blocks.clear();
+    for (DxfNames::Row& row : dxf.tables.blocks.rows) row.value = 0;
+    for (auto& known : dxf.layers) known.name = {};
+    dxf.stepRoom = room;
+    dxf.behindSteps = kNowhere;
+}
+
+// ---- Walks
+
 // Records that belong to the entity before them and may be met without it.
 static bool IsPart(ByteView kind) { return IsName(kind, "VERTEX") || IsName(kind, "SEQEND"); }
 
-static DxfStep EntityStep(const DxfKind& kind, std::size_t begin) {
-    return {DxfStep::kEntity, 0, static_cast<std::uint8_t>(&kind - kKinds), static_cast<std::uint32_t>(begin), {}};
-}
+// The next entity of a kind that is known, in dxf.groups; null at the end. `at` and `begin` are where it and its pairs
+// begin.
+struct EntityWalk {
+    DxfDecoder& dxf;
+    bool inBlock;
+    DxfReader reader;
+    std::size_t charged;  // up to there
+    std::size_t at = 0, begin = 0;
+    const DxfKind* Next();
+};
 
-std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
-    const bool inBlock = dxf.place->depth > 0;
-    DxfReader reader = {&dxf.form, begin};
+const DxfKind* EntityWalk::Next() {
     DxfPair pair;
-    DxfSteps& steps = dxf.steps;
-    bool keeps = !inBlock && dxf.IsMeasuring() && !dxf.paperSpace && steps.behind == kNowhere;
-    // What a block holds costs again each time that it is walked over, whatever it is.
-    std::size_t charged = begin;
-    const auto charge = [&] {
-        const std::size_t bytes = reader.at - charged;
-        charged = reader.at;
-        return dxf.budget.Charge(2 + static_cast<long long>(bytes / 16));
-    };
-    for (std::size_t at = reader.at; dxf.MayContinue() && reader.Next(&pair); at = reader.at) {
+    for (at = reader.at; dxf.MayContinue() && reader.Next(&pair); at = reader.at) {
         if (pair.code != 0) continue;
         const ByteView name = Trimmed(pair.value);
-        const DxfKind* kind = FindKind(name);
+        const DxfKind* const kind = FindKind(name);
         if (!kind) {
-            if (IsName(name, "ENDSEC") || IsName(name, "ENDBLK") || IsName(name, "EOF")) break;
+            if (IsName(name, "ENDSEC") || IsName(name, "ENDBLK") || IsName(name, "EOF")) return nullptr;
             if (IsName(name, "SECTION") || IsName(name, "BLOCK")) {  // an end is missing
                 reader.at = at;
-                break;
+                return nullptr;
             }
             if (!inBlock && !IsPart(name)) ++dxf.entityCount;
             continue;
         }
         if (!inBlock && kind->draw != DrawAttribute) ++dxf.entityCount;
-        const std::size_t before = reader.at;
+        begin = reader.at;
         dxf.groups.Read(&reader);
-        if (inBlock && !charge()) break;
-        if (keeps && steps.all.size() >= steps.most) {
-            steps.behind = at;
+        return kind;
+    }
+    return nullptr;
+}
+
+// What a block holds costs again each time that it is walked over, all that stands between its entities too.
+static std::uint32_t CostOf(EntityWalk* walk) {
+    const std::size_t bytes = walk->reader.at - walk->charged;
+    walk->charged = walk->reader.at;
+    return 2 + static_cast<std::uint32_t>(bytes / 16);
+}
+
+static bool IsFlat(const PlaneMap& map) { return map.xz == 0 && map.yz == 0; }
+
+std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
+    const bool inBlock = dxf.place->depth > 0, isFlat = IsFlat(dxf.place->map);
+    bool keeps = !inBlock && dxf.IsMeasuring() && !dxf.paperSpace && dxf.behindSteps == kNowhere;
+    EntityWalk walk = {dxf, inBlock, {&dxf.form, begin}, begin};
+    while (const DxfKind* kind = walk.Next()) {
+        if (inBlock && !dxf.budget.Charge(CostOf(&walk))) break;
+        DxfStep step;
+        if (isFlat && TakeStep(dxf, *kind, inBlock, &walk.reader, &step)) {
+            if (step.what == DxfStep::kNothing) continue;
+            DrawStep(dxf, step);
+        } else {
+            step = EntityStep(*kind, walk.begin);
+            DrawEntity(dxf, *kind, &walk.reader);
+        }
+        if (keeps && !dxf.steps.Add(step, &dxf.stepRoom)) {
+            dxf.behindSteps = walk.at;
             keeps = false;
         }
-        if (!inBlock) steps.open = keeps;
-        DrawEntity(dxf, *kind, &reader);
-        if (keeps && steps.open) steps.all.push_back(EntityStep(*kind, before));
     }
-    if (inBlock) charge();
-    else steps.open = false;
-    return reader.at;
+    if (inBlock) dxf.budget.Charge(CostOf(&walk));
+    return walk.reader.at;
 }
 
 void DrawDxfSteps(DxfDecoder& dxf) {
-    for (const DxfStep& step : dxf.steps.all) {
-        if (!dxf.MayContinue()) return;
-        if (step.what == DxfStep::kEntity) {
-            DxfReader reader = {&dxf.form, step.begin};
-            dxf.groups.Read(&reader);
-            DrawEntity(dxf, kKinds[step.kind], &reader);
-        } else {
-            dxf.pen = step.pen;
+    for (const std::vector<DxfStep>& part : dxf.steps.steps.parts) {
+        for (const DxfStep& step : part) {
+            if (!dxf.MayContinue()) return;
             DrawStep(dxf, step);
         }
     }
-    if (dxf.steps.behind == kNowhere) return;
-    DrawDxfEntities(dxf, dxf.steps.behind);
+    if (dxf.behindSteps == kNowhere) return;
+    DrawDxfEntities(dxf, dxf.behindSteps);
     for (const std::size_t begin : dxf.tables.moreEntities) {
-        if (begin > dxf.steps.behind) DrawDxfEntities(dxf, begin);
+        if (begin > dxf.behindSteps) DrawDxfEntities(dxf, begin);
+    }
+}
+
+// ---- Blocks
+
+// Reads a block's entities as steps, as far as there is room.
+static void ReadBlock(DxfDecoder& dxf, DxfBlock* block) {
+    const auto& parts = dxf.blockSteps.steps.parts;
+    block->part = parts.empty() ? 0 : parts.size() - 1;
+    block->first = parts.empty() ? 0 : parts.back().size();
+    block->isRead = block->isKept = true;
+    EntityWalk walk = {dxf, true, {&dxf.form, block->entities}, block->entities};
+    while (const DxfKind* kind = walk.Next()) {
+        DxfStep step;
+        const std::uint32_t cost = CostOf(&walk);
+        if (!TakeStep(dxf, *kind, true, &walk.reader, &step)) step = EntityStep(*kind, walk.begin);
+        if (step.what == DxfStep::kNothing) continue;
+        step.cost = cost;
+        block->isKept = dxf.blockSteps.Add(step, &dxf.stepRoom);
+        if (!block->isKept) return;
+        ++block->stepCount;
+    }
+}
+
+void DrawDxfBlock(DxfDecoder& dxf, DxfBlock* block) {
+    if (!block->isRead) ReadBlock(dxf, block);
+    if (!block->isKept || !IsFlat(dxf.place->map)) {
+        DrawDxfEntities(dxf, block->entities);
+        return;
+    }
+    const auto& parts = dxf.blockSteps.steps.parts;  // more may come while a block draws others
+    std::size_t part = block->part, at = block->first;
+    for (std::size_t left = block->stepCount; left > 0; --left) {
+        if (at == parts[part].size()) {
+            ++part;
+            at = 0;
+        }
+        const DxfStep& step = parts[part][at++];
+        if (!dxf.MayContinue() || !dxf.budget.Charge(step.cost)) return;
+        DrawStep(dxf, step);
     }
 }

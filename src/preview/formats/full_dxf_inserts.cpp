@@ -11,29 +11,26 @@
 
 namespace {
 
-struct Block {
-    std::uint32_t begin = 0;  // of its record
-    std::size_t entities = 0;
-    Vector3 base = {};
-    bool external = false;  // stands in another file, which is never opened
-};
-
 struct Grid {
     int columns = 1, rows = 1;
     WorldPoint column = {}, row = {};  // from one to the next, in the drawing's plane
 };
 
-Block ReadBlock(DxfDecoder& dxf, const DxfNames::Row& row) {
+DxfBlock* FindBlock(DxfDecoder& dxf, const DxfNames::Row& row) {
     constexpr int kExternal = 4;
-    DxfReader reader = {&dxf.form, row.begin};
-    dxf.groups.Read(&reader);
-    dxf.budget.Charge(static_cast<long long>((reader.at - row.begin) / 16));
-    Block block;
-    block.begin = row.begin;
-    block.entities = reader.at;
-    block.base = PointOf(dxf.groups, 10);
-    block.external = dxf.groups.Integer(70) & kExternal;
-    return block;
+    std::uint32_t& number =
+        dxf.tables.blocks.rows[static_cast<std::size_t>(&row - dxf.tables.blocks.rows.data())].value;
+    if (number == 0) {
+        DxfReader reader = {&dxf.form, row.begin};
+        dxf.groups.Read(&reader);
+        DxfBlock& block = dxf.blocks.emplace_back();
+        block.begin = row.begin;
+        block.entities = reader.at;
+        block.base = PointOf(dxf.groups, 10);
+        block.external = dxf.groups.Integer(70) & kExternal;
+        number = static_cast<std::uint32_t>(dxf.blocks.size());
+    }
+    return &dxf.blocks[number - 1];
 }
 
 bool IsBeingDrawn(const DxfPlace* place, std::uint32_t block) {
@@ -44,17 +41,17 @@ bool IsBeingDrawn(const DxfPlace* place, std::uint32_t block) {
 }
 
 // Draws a block's entities once, moved in the plane.
-void DrawAt(DxfDecoder& dxf, const Block& block, DxfPlace place, WorldPoint moved) {
+void DrawAt(DxfDecoder& dxf, DxfBlock* block, DxfPlace place, WorldPoint moved) {
     place.map.x0 += moved.x;
     place.map.y0 += moved.y;
     const DxfPlace* const outer = dxf.place;
     dxf.place = &place;
-    DrawDxfEntities(dxf, block.entities);
+    DrawDxfBlock(dxf, block);
     dxf.place = outer;
 }
 
 // What a block covers at its place, and of how many elements.
-std::size_t Measure(DxfDecoder& dxf, const Block& block, const DxfPlace& place, WorldRect* box) {
+std::size_t Measure(DxfDecoder& dxf, DxfBlock* block, const DxfPlace& place, WorldRect* box) {
     BoxSink measure;
     measure.goOn = dxf.sink->goOn;
     DrawingSink* const sink = dxf.sink;
@@ -83,18 +80,17 @@ WorldRect BoxOfMapped(const PlaneMap& map, const WorldRect& box) {
 
 // Whether a block need not be gone through again to measure the drawing. Only upright inserts of the drawing itself
 // have maps that a flat box can go through, and where their layer is off the block shows less than elsewhere.
-bool CannotMatter(DxfDecoder& dxf, const Block& block, const DxfPlace& place) {
+bool CannotMatter(DxfDecoder& dxf, DxfBlock* block, const DxfPlace& place) {
     if (!dxf.IsMeasuring() || place.depth != 1 || place.layer.off || place.map.xz != 0 || place.map.yz != 0)
         return false;
-    DxfBlockBox& known = dxf.blockBoxes[block.begin % std::size(dxf.blockBoxes)];
-    if (known.block != block.begin) {
+    if (!block->isMeasured) {
         DxfPlace upright = place;
         upright.map = kFromAbove;
-        known.count = Measure(dxf, block, upright, &known.box);
-        known.block = block.begin;
+        block->elements = Measure(dxf, block, upright, &block->box);
+        block->isMeasured = true;
     }
-    if (known.count && dxf.box->Matters(BoxOfMapped(place.map, known.box))) return false;
-    dxf.box->count += known.count;
+    if (block->elements && dxf.box->Matters(BoxOfMapped(place.map, block->box))) return false;
+    dxf.box->count += block->elements;
     return true;
 }
 
@@ -111,7 +107,7 @@ Range RangeOf(double low, double high, int count, double spacingPixels) {
 }
 
 // A grid as far as it can be seen. To be measured, its corners are enough.
-void DrawGrid(DxfDecoder& dxf, const Block& block, const DxfPlace& place, const Grid& grid) {
+void DrawGrid(DxfDecoder& dxf, DxfBlock* block, const DxfPlace& place, const Grid& grid) {
     constexpr long long kFewPlaces = 64;
     Range columns = {0, grid.columns - 1, 1}, rows = {0, grid.rows - 1, 1};
     if (dxf.IsMeasuring()) {
@@ -152,13 +148,13 @@ void DrawGrid(DxfDecoder& dxf, const Block& block, const DxfPlace& place, const 
 void DrawBlock(DxfDecoder& dxf, const DxfNames::Row& row, const PlaneMap& map, const DxfLook& look, const Grid& grid) {
     const int depth = dxf.place->depth + 1;
     if (depth > kDeepestInsert || dxf.budget.left == 0) return;
-    const Block block = ReadBlock(dxf, row);
-    if (block.external || IsBeingDrawn(dxf.place, block.begin)) return;
+    DxfBlock* const block = FindBlock(dxf, row);
+    if (block->external || IsBeingDrawn(dxf.place, block->begin)) return;
     const Axes3 upright = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     DxfPlace place;
     place.outer = dxf.place;
-    place.map = Compose(map, upright, {-block.base.x, -block.base.y, -block.base.z});
-    place.block = block.begin;
+    place.map = Compose(map, upright, {-block->base.x, -block->base.y, -block->base.z});
+    place.block = block->begin;
     place.depth = depth;
     place.layer = look;
     place.pen = dxf.pen;
@@ -175,14 +171,14 @@ int CountOf(const DxfGroups& groups, int code, double spacing) {
 
 }  // namespace
 
-void DrawDxfBlock(DxfDecoder& dxf, const DxfNames::Row& row, const PlaneMap& map, const DxfLook& look) {
+void DrawDxfBlockAt(DxfDecoder& dxf, const DxfNames::Row& row, const PlaneMap& map, const DxfLook& look) {
     DrawBlock(dxf, row, map, look, {});
 }
 
 const DxfNames::Row* FindDxfBlockOf(DxfDecoder& dxf, std::uint32_t owner) {
     const std::vector<DxfNames::Row>& rows = dxf.tables.blocks.rows;
     if (owner == 0 || !dxf.budget.Charge(static_cast<long long>(rows.size() / 16))) return nullptr;
-    const auto row = std::find_if(rows.begin(), rows.end(), [&](const DxfNames::Row& at) { return at.value == owner; });
+    const auto row = std::find_if(rows.begin(), rows.end(), [&](const DxfNames::Row& at) { return at.owner == owner; });
     return row == rows.end() ? nullptr : &*row;
 }
 

@@ -180,5 +180,5 @@ void DrawDxfMultiLeader(DxfDecoder& dxf, DxfReader*) {
     const double c = std::cos(walk.blockAngle), s = std::sin(walk.blockAngle);
     const Vector3& scale = walk.blockScale;
     const Axes3 turned = {{scale.x * c, scale.x * s, 0}, {-scale.y * s, scale.y * c, 0}, {0, 0, scale.z}};
-    DrawDxfBlock(dxf, *block, Compose(Compose(map, axes, walk.blockAt), turned, {0, 0, 0}), look);
+    DrawDxfBlockAt(dxf, *block, Compose(Compose(map, axes, walk.blockAt), turned, {0, 0, 0}), look);
 }

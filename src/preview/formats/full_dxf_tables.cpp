@@ -77,7 +77,8 @@ static std::uint32_t HashOfName(ByteView name) {
 
 void DxfNames::Add(ByteView name, std::size_t begin, std::size_t pair) {
     if (rows.size() >= kMostRows) return;
-    rows.push_back({HashOfName(Trimmed(name)), static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(pair), 0});
+    rows.push_back(
+        {HashOfName(Trimmed(name)), static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(pair), 0, 0});
 }
 
 void DxfNames::Sort() {
@@ -253,7 +254,7 @@ static void ResolveTables(const DxfForm& form, DxfTables* tables) {
     tables->layerCount = tables->layers.rows.size();
     tables->blockCount = 0;
     for (DxfNames::Row& row : tables->blocks.rows) {
-        row.value = OwnerOfBlock(form, row.begin);
+        row.owner = OwnerOfBlock(form, row.begin);
         if (!MatchAt(NameOfRow(form, row), 0, "*")) ++tables->blockCount;  // the file's own, as a user counts
     }
 }

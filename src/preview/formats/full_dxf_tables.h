@@ -59,6 +59,7 @@ struct DxfNames {
         std::uint32_t begin;  // of the record's pairs
         std::uint32_t name;   // the pair that names it
         std::uint32_t value;  // what the table's owner makes of it
+        std::uint32_t owner;  // of a block: the handle by which others name it too
     };
     std::vector<Row> rows;  // sorted by hash once the table is whole
 
@@ -85,7 +86,7 @@ struct DxfTables {
     DxfNames lineTypes;  // value: pen
     DxfNames styles;
     DxfNames dimensionStyles;
-    DxfNames blocks;  // value: the handle of the block's owner, by which others name it too
+    DxfNames blocks;
 
     int version = 0;  // the number in "AC1015"; 0: not stated
     ByteView codePage, title;
