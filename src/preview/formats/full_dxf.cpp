@@ -18,11 +18,11 @@ static constexpr DxfSpace kSpaces[] = {
     {"*Paper_Space", true}, {"*Paper_Space0", true}, {"*Paper_Space1", true},
 };
 
-static constexpr long long kLeastBudget = 1'000'000;
+static constexpr long long kLeastBudget = 2'000'000, kBudgetOfByte = 8;
 
 static std::size_t WalkSpace(DxfDecoder& dxf, const DxfSpace& space, DxfPlace* place) {
     dxf.paperSpace = space.paper;
-    dxf.budget.left = kLeastBudget + static_cast<long long>(dxf.form.file.size);
+    dxf.budget.left = kLeastBudget + kBudgetOfByte * static_cast<long long>(dxf.form.file.size);
     if (!space.block) {
         if (&space == kSpaces && !dxf.IsMeasuring()) {
             DrawDxfSteps(dxf);

@@ -564,10 +564,13 @@ static void ReadBlock(DxfDecoder& dxf, DxfBlock* block) {
     EntityWalk walk = {dxf, true, {&dxf.form, block->entities}, block->entities};
     while (const DxfKind* kind = walk.Next()) {
         DxfStep step;
-        const std::uint32_t cost = CostOf(&walk);
-        if (!TakeStep(dxf, *kind, true, &walk.reader, &step)) step = EntityStep(*kind, walk.begin);
-        if (step.what == DxfStep::kNothing) continue;
-        step.cost = cost;
+        if (TakeStep(dxf, *kind, true, &walk.reader, &step)) {
+            if (step.what == DxfStep::kNothing) continue;
+            step.cost = 2;
+        } else {
+            step = EntityStep(*kind, walk.begin);
+            step.cost = 2 + static_cast<std::uint32_t>((walk.reader.at - walk.begin) / 16);  // it is read each time
+        }
         block->isKept = dxf.blockSteps.Add(step, &dxf.stepRoom);
         if (!block->isKept) return;
         ++block->stepCount;
