@@ -164,6 +164,8 @@ TEST(FullDxf, InsertsLayersAndAxes) {
         {"off hides what is on layer 0", "0 INSERT|2 MIXED|8 off|10 4|20 4", Lines("4,6,8,6")},
         {"hidden", "0 LINE|8 off|10 4|11 9|0 LINE|8 frozen|10 4|11 9|0 LINE|60 1|10 4|11 9|0 LINE|67 1|10 4|11 9",
          "999 nothing"},
+        {"a line type that no table has", "0 LINE|6 DASHED2|10 4|20 4|11 44|21 4",
+         "0 LINE|8 dashes|10 4|20 4|11 44|21 4"},
         {"BYLAYER, BYBLOCK", "0 INSERT|2 B|6 own|8 dashes|10 4|20 4",
          "0 LINE|6 own|10 4|20 4|11 10|21 4|0 LINE|8 dashes|10 4|20 4|11 4|21 6"},
         {"circle from below", "0 CIRCLE|10 -20|20 15|40 8|230 -1", "0 CIRCLE|10 20|20 15|40 8"},

@@ -361,8 +361,7 @@ static unsigned PenOfEntity(const DxfDecoder& dxf, unsigned ofLayer) {
     const ByteView type = Trimmed(dxf.groups.Text(6));
     if (type.size == 0 || IsName(type, "BYLAYER")) return ofLayer;
     if (IsName(type, "BYBLOCK")) return kPenOfInsert;
-    const DxfNames::Row* const row = dxf.tables.lineTypes.Find(dxf.form, type);
-    return row ? row->value : kSolidPen;
+    return PenOfLineType(dxf.form, dxf.tables.lineTypes, type);
 }
 
 static unsigned PenAt(const DxfPlace& place, unsigned pen) {

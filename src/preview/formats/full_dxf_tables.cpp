@@ -137,13 +137,19 @@ static unsigned PenOfPattern(const DxfForm& form, std::size_t begin) {
     return dots == 0 ? 2 : dots == 1 ? 3 : 4;
 }
 
-static unsigned PenOfLineType(const DxfForm& form, const DxfNames::Row& type) {
-    const ByteView name = NameOfRow(form, type);
+// Null where the name tells nothing.
+static const PenName* FindPenName(ByteView name) {
     for (const PenName& row : kPenNames) {
         const std::size_t length = std::strlen(row.name);
-        if (name.size >= length && IsName({name.data, length}, row.name)) return row.pen;
+        if (name.size >= length && IsName({name.data, length}, row.name)) return &row;
     }
-    return PenOfPattern(form, type.begin);
+    return nullptr;
+}
+
+unsigned PenOfLineType(const DxfForm& form, const DxfNames& lineTypes, ByteView name) {
+    if (const DxfNames::Row* const row = lineTypes.Find(form, name)) return row->value;
+    const PenName* const known = FindPenName(name);
+    return known ? known->pen : 0;
 }
 
 static std::uint32_t FlagsOfLayer(const DxfForm& form, const DxfNames& lineTypes, std::size_t begin) {
@@ -153,8 +159,7 @@ static std::uint32_t FlagsOfLayer(const DxfForm& form, const DxfNames& lineTypes
     std::uint32_t flags = 0;
     if (layer.Integer(62) < 0) flags |= kLayerOff;
     if (layer.Integer(70) & 1) flags |= kLayerFrozen;
-    if (const DxfNames::Row* lineType = lineTypes.Find(form, layer.Text(6))) flags |= lineType->value;
-    return flags;
+    return flags | PenOfLineType(form, lineTypes, Trimmed(layer.Text(6)));
 }
 
 // ---- The walk
@@ -249,7 +254,10 @@ static void ResolveTables(const DxfForm& form, DxfTables* tables) {
         names->Sort();
     DropLongRows(form, &tables->styles);
     DropLongRows(form, &tables->dimensionStyles);
-    for (DxfNames::Row& row : tables->lineTypes.rows) row.value = PenOfLineType(form, row);
+    for (DxfNames::Row& row : tables->lineTypes.rows) {
+        const PenName* const known = FindPenName(NameOfRow(form, row));
+        row.value = known ? known->pen : PenOfPattern(form, row.begin);
+    }
     for (DxfNames::Row& row : tables->layers.rows) row.value = FlagsOfLayer(form, tables->lineTypes, row.begin);
     tables->layerCount = tables->layers.rows.size();
     tables->blockCount = 0;

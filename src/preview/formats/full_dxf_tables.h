@@ -70,6 +70,9 @@ struct DxfNames {
 
 enum LayerFlag : std::uint32_t { kLayerPen = 15, kLayerOff = 16, kLayerFrozen = 32 };
 
+// The pen of a line type, which some files name without having it in their table.
+unsigned PenOfLineType(const DxfForm& form, const DxfNames& lineTypes, ByteView name);
+
 // What a dimension style rules of what is drawn here. Lengths are to be multiplied by the scale.
 struct DxfDimensionStyle {
     double scale = 1;
