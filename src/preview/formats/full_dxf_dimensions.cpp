@@ -142,7 +142,8 @@ std::string TextOfDimension(const DxfGroups& groups, int kind, double measured) 
     number.append(digits, end);
     if (isAngle) number += "%%d";
     const ByteView own = groups.Text(1);
-    std::string text(reinterpret_cast<const char*>(own.data), own.size);
+    constexpr std::size_t kMostBytes = 1024;
+    std::string text(reinterpret_cast<const char*>(own.data), std::min(own.size, kMostBytes));
     const std::size_t mark = text.find("<>");
     if (text.empty()) return number;
     return mark == std::string::npos ? text : text.replace(mark, 2, number);

@@ -58,6 +58,7 @@ void LeaderWalk::Flush() {
     if (points == 0) first = point;
     if (points == 1) second = point;
     ++points;
+    if (style.lines == 0) return;
     if (style.lines == 2 && dxf.spline.fits.size() < kMostSplinePoints) dxf.spline.fits.push_back(dxf.map.Point(point));
     else PathTo(dxf, dxf.map.Point(point));
 }
@@ -68,7 +69,7 @@ void LeaderWalk::EndLine() {
     open = true;
     Flush();
     if (style.lines == 2) PathAlong(dxf, &dxf.spline);
-    if (style.lines != 0) EndOutline(dxf);
+    EndOutline(dxf);
     if (style.lines != 0 && points > 1 && arrowCount < kMostArrows) arrows[arrowCount++] = {first, second};
     points = 0;
     part = kLeader;
