@@ -483,6 +483,7 @@ void ClearDxfSteps(DxfDecoder& dxf, std::size_t room) {
     for (DxfNames::Row& row : dxf.tables.blocks.rows) row.value = 0;
     for (auto& known : dxf.layers) known.name = {};
     dxf.stepRoom = room;
+    dxf.blockBytes = dxf.form.file.size;
     dxf.behindSteps = kNowhere;
 }
 
@@ -491,19 +492,22 @@ void ClearDxfSteps(DxfDecoder& dxf, std::size_t room) {
 // Records that belong to the entity before them and may be met without it.
 static bool IsPart(ByteView kind) { return IsName(kind, "VERTEX") || IsName(kind, "SEQEND"); }
 
-// The next entity of a kind that is known, in dxf.groups; null at the end. `at` and `begin` are where it and its pairs
-// begin.
 struct EntityWalk {
     DxfDecoder& dxf;
     bool inBlock;
     DxfReader reader;
-    std::size_t at = 0, begin = 0;
+    std::size_t from = 0;           // where the last step began
+    std::size_t at = 0, begin = 0;  // where the entity and its pairs begin
+    // The next entity of a kind that is known, in dxf.groups; null at the end.
     const DxfKind* Next();
+    // What it costs each time that it is drawn in a block, with all that was passed on the way to it.
+    std::uint32_t Cost() const { return 2 + static_cast<std::uint32_t>((reader.at - begin + at - from) / 16); }
 };
 
 const DxfKind* EntityWalk::Next() {
     DxfPair pair;
-    for (at = reader.at; dxf.MayContinue() && reader.Next(&pair); at = reader.at) {
+    from = reader.at;
+    for (at = begin = from; dxf.MayContinue() && reader.Next(&pair); at = reader.at) {
         if (pair.code != 0) continue;
         const ByteView name = Trimmed(pair.value);
         const DxfKind* const kind = FindKind(name);
@@ -520,11 +524,6 @@ const DxfKind* EntityWalk::Next() {
     return nullptr;
 }
 
-// What a block holds costs again each time that it is drawn.
-static std::uint32_t CostOf(const EntityWalk& walk) {
-    return 2 + static_cast<std::uint32_t>((walk.reader.at - walk.begin) / 16);
-}
-
 static bool IsFlat(const PlaneMap& map) { return map.xz == 0 && map.yz == 0; }
 
 std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
@@ -532,7 +531,7 @@ std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
     bool keeps = !inBlock && dxf.IsMeasuring() && !dxf.paperSpace;
     EntityWalk walk = {dxf, inBlock, {&dxf.form, begin}};
     while (const DxfKind* kind = walk.Next()) {
-        if (inBlock && !dxf.budget.Charge(CostOf(walk))) break;
+        if (inBlock && !dxf.budget.Charge(walk.Cost())) break;
         DxfStep step;
         if (isFlat && TakeStep(dxf, *kind, inBlock, &walk.reader, &step)) {
             if (step.what == DxfStep::kNothing) continue;
@@ -546,6 +545,7 @@ std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
             keeps = false;
         }
     }
+    if (inBlock) dxf.budget.Charge(static_cast<long long>((walk.reader.at - walk.from) / 16));  // what shows nothing
     return walk.reader.at;
 }
 
@@ -566,18 +566,19 @@ static void ReadBlock(DxfDecoder& dxf, DxfBlock* block) {
     const auto& parts = dxf.blockSteps.steps.parts;
     block->part = parts.empty() ? 0 : parts.size() - 1;
     block->first = parts.empty() ? 0 : parts.back().size();
-    block->isRead = block->isKept = true;
+    block->isRead = true;
+    block->isKept = dxf.blockBytes > 0;
     EntityWalk walk = {dxf, true, {&dxf.form, block->entities}};
-    while (const DxfKind* kind = walk.Next()) {
+    while (const DxfKind* kind = block->isKept ? walk.Next() : nullptr) {
         DxfStep step;
-        const std::uint32_t cost = CostOf(walk);
+        const std::uint32_t cost = walk.Cost();
         if (!TakeStep(dxf, *kind, true, &walk.reader, &step)) step = EntityStep(*kind, walk.begin);
         if (step.what == DxfStep::kNothing) continue;
         step.cost = cost;
         block->isKept = dxf.blockSteps.Add(step, &dxf.stepRoom);
-        if (!block->isKept) return;
         ++block->stepCount;
     }
+    dxf.blockBytes -= std::min(dxf.blockBytes, walk.reader.at - block->entities);
 }
 
 void DrawDxfBlock(DxfDecoder& dxf, DxfBlock* block) {

@@ -229,7 +229,7 @@ bool NextVertex(DxfDecoder& dxf, DxfReader* reader) {
         return false;
     }
     dxf.groups.Read(reader);
-    dxf.budget.Charge(1);
+    dxf.budget.Charge(1 + static_cast<long long>((reader->at - before) / 16));
     return true;
 }
 
