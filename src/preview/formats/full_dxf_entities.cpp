@@ -6,13 +6,7 @@
 
 #include "preview/formats/full_dxf_decoder.h"
 
-// ---- Simple kinds: drawn as they stand in space, or taken as steps of the plane
-
-// The x and y of a point. Most maps leave the height out, so it is not even read.
-static void TakePlanePoint(DxfDecoder& dxf, int code) {
-    dxf.numbers.push_back(dxf.groups.Number(code));
-    dxf.numbers.push_back(dxf.groups.Number(code + 10));
-}
+// ---- Simple kinds: drawn as they stand in space, or taken as steps of the plane, where heights are not even read
 
 // What a dimension was measured from.
 static bool IsDefinitionPoint(const DxfGroups& groups) { return IsName(Trimmed(groups.Text(8)), "DEFPOINTS"); }
@@ -23,7 +17,7 @@ static void DrawPoint(DxfDecoder& dxf, DxfReader*) {
 static bool TakePoint(DxfDecoder& dxf, DxfReader*, DxfStep* step) {
     if (IsDefinitionPoint(dxf.groups)) return true;
     step->what = DxfStep::kPoint;
-    TakePlanePoint(dxf, 10);
+    dxf.numbers = {dxf.groups.Number(10), dxf.groups.Number(20)};
     return true;
 }
 
@@ -31,9 +25,9 @@ static void DrawLine(DxfDecoder& dxf, DxfReader*) {
     DrawDxfLine(dxf, dxf.map.Point(PointOf(dxf.groups, 10)), dxf.map.Point(PointOf(dxf.groups, 11)));
 }
 static bool TakeLine(DxfDecoder& dxf, DxfReader*, DxfStep* step) {
+    const DxfGroups& groups = dxf.groups;
     step->what = DxfStep::kLine;
-    TakePlanePoint(dxf, 10);
-    TakePlanePoint(dxf, 11);
+    dxf.numbers = {groups.Number(10), groups.Number(20), groups.Number(11), groups.Number(21)};
     return true;
 }
 
@@ -42,9 +36,9 @@ static void DrawCircleArc(DxfDecoder& dxf, Vector3 centre, double radius, double
     DrawDxfConic(dxf, conic, start, sweep);
 }
 static bool TakeCircleArc(DxfDecoder& dxf, double start, double sweep, DxfStep* step) {
+    const DxfGroups& groups = dxf.groups;
     step->what = DxfStep::kCircle;
-    TakePlanePoint(dxf, 10);
-    dxf.numbers.insert(dxf.numbers.end(), {std::fabs(dxf.groups.Number(40)), start, sweep});
+    dxf.numbers = {groups.Number(10), groups.Number(20), std::fabs(groups.Number(40)), start, sweep};
     return true;
 }
 
