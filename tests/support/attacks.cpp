@@ -101,6 +101,12 @@ std::string DeepBlocks(std::size_t size) {
     for (int i = 1; i < 1000; ++i) blocks += Block(i, Insert(i - 1));
     return FullOf(size, blocks, "0 POINT|10 300|20 200", [](int i) { return Dxf(Insert(i % 1000)); });
 }
+std::string OpenBlocks(std::size_t size) {  // without an end, of what shows nothing, and seen aslant
+    std::string blocks;
+    for (int i = 0; blocks.size() < size / 2; ++i) blocks += "0 BLOCK|2 B" + std::to_string(i) + "|0 X|0 X|";
+    return FullOf(size, blocks + "0 LINE|11 9|21 5|", "0 POINT|10 300|20 200",
+                  [](int i) { return Dxf(Insert(i) + (i % 2 ? "|210 1" : "")); });
+}
 std::string WideArrays(std::size_t size) {
     return FullOf(size, Block(0, "0 LINE|11 9|21 5") + Block(1, "0 INSERT|2 B0|70 32767|71 32767|44 1e-3|45 1e-3"),
                   "0 POINT|10 300|20 200", [](int i) {
@@ -199,6 +205,7 @@ const Attack kAttacks[] = {
     {"a block bomb", ".dxf", DecodeFullDxf, BlockBomb, {2, 333910, 0, 0, 0}},
     {"blocks that hold themselves", ".dxf", DecodeFullDxf, BlockRings, {2, 198822, 0, 0, 0}},
     {"blocks 1,000 deep", ".dxf", DecodeFullDxf, DeepBlocks, {2, 128, 0, 0, 0}},
+    {"blocks without an end", ".dxf", DecodeFullDxf, OpenBlocks, {2, 0, 0, 0, 0}},
     {"arrays of 32,767 x 32,767", ".dxf", DecodeFullDxf, WideArrays, {275659, 0, 0, 0, 0}},
     {"blocks of long records", ".dxf", DecodeFullDxf, LongRecords, {1, 2625, 0, 0, 0}},
     {"a spline of degree 1,000,000", ".dxf", DecodeFullDxf, HighDegrees, {1, 6681, 0, 0, 0}},

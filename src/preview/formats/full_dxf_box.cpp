@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "preview/formats/full_dxf_geometry.h"
 
@@ -126,6 +127,7 @@ BoxSink::BoxSink() : DrawingSink() {
     draw = DrawInBox;
     path = PathInBox;
     unicodeText = TextInBox;
+    Clear();
 }
 
 // ---- Strays
@@ -161,9 +163,14 @@ void BoxSink::Keep(Extremes* side, int which, const WorldRect& element) {
     }
     for (; at > 0 && Reach(side->rows[at - 1], which) < reach; --at) side->rows[at] = side->rows[at - 1];
     side->rows[at] = element;
+    if (side->count == kMost) least[which] = Reach(side->rows[kMost - 1], which);
 }
 
 void BoxSink::Grow(const WorldRect& element) {
+    if (!Matters(element)) {  // as most do not, once there are many
+        ++count;
+        return;
+    }
     if (!(IsDrawable(element.minX) && IsDrawable(element.minY) && IsDrawable(element.maxX) &&
           IsDrawable(element.maxY))) {
         return;
@@ -178,16 +185,13 @@ void BoxSink::Grow(const WorldRect& element) {
 }
 
 bool BoxSink::Matters(const WorldRect& box) const {
-    for (int side = 0; side < 4; ++side) {
-        const Extremes& rows = extremes[side];
-        if (rows.count < kMost || !(Reach(box, side) <= Reach(rows.rows[kMost - 1], side))) return true;
-    }
-    return false;
+    return !(-box.minX <= least[0] && box.maxX <= least[1] && -box.minY <= least[2] && box.maxY <= least[3]);
 }
 
 void BoxSink::Clear() {
     count = 0;
     for (Extremes& side : extremes) side.count = 0;
+    std::fill(std::begin(least), std::end(least), -HUGE_VAL);
 }
 
 bool BoxSink::Box(WorldRect* box) {

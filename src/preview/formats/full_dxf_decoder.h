@@ -172,7 +172,8 @@ struct DxfDecoder {
     // What the first walk has met in the drawing itself, so that the second need not go through the file again, and
     // what stands in blocks. What was beyond the room is read again.
     DxfSteps steps, blockSteps;
-    std::size_t stepRoom = 0;            // bytes that are left
+    std::size_t stepRoom = 0;    // bytes that are left
+    std::size_t blockBytes = 0;  // that may still be read as steps: blocks that hold more than the file have no end
     std::size_t behindSteps = kNowhere;  // where the entities begin that are not among the steps
     std::deque<DxfBlock> blocks;         // a block's row of the table holds its number here, from 1
     DxfAside aside = DxfAside::kNone;

@@ -6,13 +6,7 @@
 
 #include "preview/formats/full_dxf_decoder.h"
 
-// ---- Simple kinds: drawn as they stand in space, or taken as steps of the plane
-
-// The x and y of a point. Most maps leave the height out, so it is not even read.
-static void TakePlanePoint(DxfDecoder& dxf, int code) {
-    dxf.numbers.push_back(dxf.groups.Number(code));
-    dxf.numbers.push_back(dxf.groups.Number(code + 10));
-}
+// ---- Simple kinds: drawn as they stand in space, or taken as steps of the plane, where heights are not even read
 
 // What a dimension was measured from.
 static bool IsDefinitionPoint(const DxfGroups& groups) { return IsName(Trimmed(groups.Text(8)), "DEFPOINTS"); }
@@ -23,7 +17,7 @@ static void DrawPoint(DxfDecoder& dxf, DxfReader*) {
 static bool TakePoint(DxfDecoder& dxf, DxfReader*, DxfStep* step) {
     if (IsDefinitionPoint(dxf.groups)) return true;
     step->what = DxfStep::kPoint;
-    TakePlanePoint(dxf, 10);
+    dxf.numbers = {dxf.groups.Number(10), dxf.groups.Number(20)};
     return true;
 }
 
@@ -31,9 +25,9 @@ static void DrawLine(DxfDecoder& dxf, DxfReader*) {
     DrawDxfLine(dxf, dxf.map.Point(PointOf(dxf.groups, 10)), dxf.map.Point(PointOf(dxf.groups, 11)));
 }
 static bool TakeLine(DxfDecoder& dxf, DxfReader*, DxfStep* step) {
+    const DxfGroups& groups = dxf.groups;
     step->what = DxfStep::kLine;
-    TakePlanePoint(dxf, 10);
-    TakePlanePoint(dxf, 11);
+    dxf.numbers = {groups.Number(10), groups.Number(20), groups.Number(11), groups.Number(21)};
     return true;
 }
 
@@ -42,9 +36,9 @@ static void DrawCircleArc(DxfDecoder& dxf, Vector3 centre, double radius, double
     DrawDxfConic(dxf, conic, start, sweep);
 }
 static bool TakeCircleArc(DxfDecoder& dxf, double start, double sweep, DxfStep* step) {
+    const DxfGroups& groups = dxf.groups;
     step->what = DxfStep::kCircle;
-    TakePlanePoint(dxf, 10);
-    dxf.numbers.insert(dxf.numbers.end(), {std::fabs(dxf.groups.Number(40)), start, sweep});
+    dxf.numbers = {groups.Number(10), groups.Number(20), std::fabs(groups.Number(40)), start, sweep};
     return true;
 }
 
@@ -464,6 +458,7 @@ void ClearDxfSteps(DxfDecoder& dxf, std::size_t room) {
     for (DxfNames::Row& row : dxf.tables.blocks.rows) row.value = 0;
     for (auto& known : dxf.layers) known.name = {};
     dxf.stepRoom = room;
+    dxf.blockBytes = dxf.form.file.size;
     dxf.behindSteps = kNowhere;
 }
 
@@ -472,20 +467,22 @@ void ClearDxfSteps(DxfDecoder& dxf, std::size_t room) {
 // Records that belong to the entity before them and may be met without it.
 static bool IsPart(ByteView kind) { return IsName(kind, "VERTEX") || IsName(kind, "SEQEND"); }
 
-// The next entity of a kind that is known, in dxf.groups; null at the end. `at` and `begin` are where it and its pairs
-// begin.
 struct EntityWalk {
     DxfDecoder& dxf;
     bool inBlock;
     DxfReader reader;
-    std::size_t charged;  // up to there
-    std::size_t at = 0, begin = 0;
+    std::size_t from = 0;           // where the last step began
+    std::size_t at = 0, begin = 0;  // where the entity and its pairs begin
+    // The next entity of a kind that is known, in dxf.groups; null at the end.
     const DxfKind* Next();
+    // What it costs each time that it is drawn in a block, with all that was passed on the way to it.
+    std::uint32_t Cost() const { return 2 + static_cast<std::uint32_t>((reader.at - begin + at - from) / 16); }
 };
 
 const DxfKind* EntityWalk::Next() {
     DxfPair pair;
-    for (at = reader.at; dxf.MayContinue() && reader.Next(&pair); at = reader.at) {
+    from = reader.at;
+    for (at = begin = from; dxf.MayContinue() && reader.Next(&pair); at = reader.at) {
         if (pair.code != 0) continue;
         const ByteView name = Trimmed(pair.value);
         const DxfKind* const kind = FindKind(name);
@@ -506,21 +503,14 @@ const DxfKind* EntityWalk::Next() {
     return nullptr;
 }
 
-// What a block holds costs again each time that it is walked over, all that stands between its entities too.
-static std::uint32_t CostOf(EntityWalk* walk) {
-    const std::size_t bytes = walk->reader.at - walk->charged;
-    walk->charged = walk->reader.at;
-    return 2 + static_cast<std::uint32_t>(bytes / 16);
-}
-
 static bool IsFlat(const PlaneMap& map) { return map.xz == 0 && map.yz == 0; }
 
 std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
     const bool inBlock = dxf.place->depth > 0, isFlat = IsFlat(dxf.place->map);
     bool keeps = !inBlock && dxf.IsMeasuring() && !dxf.paperSpace && dxf.behindSteps == kNowhere;
-    EntityWalk walk = {dxf, inBlock, {&dxf.form, begin}, begin};
+    EntityWalk walk = {dxf, inBlock, {&dxf.form, begin}};
     while (const DxfKind* kind = walk.Next()) {
-        if (inBlock && !dxf.budget.Charge(CostOf(&walk))) break;
+        if (inBlock && !dxf.budget.Charge(walk.Cost())) break;
         DxfStep step;
         if (isFlat && TakeStep(dxf, *kind, inBlock, &walk.reader, &step)) {
             if (step.what == DxfStep::kNothing) continue;
@@ -534,7 +524,7 @@ std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
             keeps = false;
         }
     }
-    if (inBlock) dxf.budget.Charge(CostOf(&walk));
+    if (inBlock) dxf.budget.Charge(static_cast<long long>((walk.reader.at - walk.from) / 16));  // what shows nothing
     return walk.reader.at;
 }
 
@@ -559,21 +549,23 @@ static void ReadBlock(DxfDecoder& dxf, DxfBlock* block) {
     const auto& parts = dxf.blockSteps.steps.parts;
     block->part = parts.empty() ? 0 : parts.size() - 1;
     block->first = parts.empty() ? 0 : parts.back().size();
-    block->isRead = block->isKept = true;
-    EntityWalk walk = {dxf, true, {&dxf.form, block->entities}, block->entities};
-    while (const DxfKind* kind = walk.Next()) {
+    block->isRead = true;
+    block->isKept = dxf.blockBytes > 0;
+    EntityWalk walk = {dxf, true, {&dxf.form, block->entities}};
+    while (const DxfKind* kind = block->isKept ? walk.Next() : nullptr) {
         DxfStep step;
+        const std::uint32_t cost = walk.Cost();
         if (TakeStep(dxf, *kind, true, &walk.reader, &step)) {
             if (step.what == DxfStep::kNothing) continue;
             step.cost = 2;
         } else {
             step = EntityStep(*kind, walk.begin);
-            step.cost = 2 + static_cast<std::uint32_t>((walk.reader.at - walk.begin) / 16);  // it is read each time
+            step.cost = cost;  // it is read each time
         }
         block->isKept = dxf.blockSteps.Add(step, &dxf.stepRoom);
-        if (!block->isKept) return;
         ++block->stepCount;
     }
+    dxf.blockBytes -= std::min(dxf.blockBytes, walk.reader.at - block->entities);
 }
 
 void DrawDxfBlock(DxfDecoder& dxf, DxfBlock* block) {
