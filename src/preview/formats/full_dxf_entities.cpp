@@ -479,6 +479,14 @@ struct EntityWalk {
     std::uint32_t Cost() const { return 2 + static_cast<std::uint32_t>((reader.at - begin + at - from) / 16); }
 };
 
+// Whether a section or a block begins, the end of the one before being missing. There are entities called so, too, but
+// what follows them is no name.
+static bool BeginsAnother(ByteView kind, DxfReader reader) {
+    DxfPair pair;
+    if (IsName(kind, "BLOCK")) return true;
+    return IsName(kind, "SECTION") && reader.Next(&pair) && pair.code == 2;
+}
+
 const DxfKind* EntityWalk::Next() {
     DxfPair pair;
     from = reader.at;
@@ -487,8 +495,8 @@ const DxfKind* EntityWalk::Next() {
         const ByteView name = Trimmed(pair.value);
         const DxfKind* const kind = FindKind(name);
         if (!kind) {
-            if (IsName(name, "ENDSEC") || IsName(name, "ENDBLK") || IsName(name, "EOF")) return nullptr;
-            if (IsName(name, "SECTION") || IsName(name, "BLOCK")) {  // an end is missing
+            if (IsName(name, "ENDSEC") || IsName(name, "EOF") || (inBlock && IsName(name, "ENDBLK"))) return nullptr;
+            if (BeginsAnother(name, reader)) {
                 reader.at = at;
                 return nullptr;
             }
