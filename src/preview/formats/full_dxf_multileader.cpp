@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int kMostArrows = 64;
+constexpr int kMostArrows = 16;
 
 // What stands outside of all parts, mostly behind them.
 struct LeaderStyle {
