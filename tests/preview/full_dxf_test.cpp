@@ -200,8 +200,9 @@ TEST(FullDxf, Texts) {
         {"0 INSERT|2 B|8 frozen|0 ATTRIB|40 3|1 a", ""},
         {"0 MTEXT|10 20|20 15|40 3|71 1|7 wide|3 {\\fArial;one}\\P|1 \\C1;two\\~\\{\\\\",
          "21,20 left base 3 x 2 (0) 0 0 one\n21,25 left base 3 x 2 (0) 0 0 two<00a0>{\\\n"},
-        {"0 MTEXT|10 20|20 15|40 3|71 1|1 \\H1xa\\C1b\\Nc^Id\\Pe|101 Embedded Object|71 1|72 2|44 12|45 2|41 4",
-         "21,20 left base 3 x 1 (0) 0 0 ab\n35,20 left base 3 x 1 (0) 0 0 c    d\n35,25 left base 3 x 1 (0) 0 0 e\n"},
+        {"0 MTEXT|10 20|20 15|40 3|71 1|1 \\H1xa\\C1b\\Nc^Id\\P\\T\\f|101 Embedded Object|71 1|72 2|44 12|45 2|41 4",
+         "21,20 left base 3 x 1 (0) 0 0 ab\n35,20 left base 3 x 1 (0) 0 0 c    d\n35,25 left base 3 x 1 (0) 0 0 "
+         "\\T\\f\n"},
         {"0 MTEXT|10 20|20 15|40 3|71 9|41 20|50 90|11 1|21 0|1 wrapped words",
          "21,11 right base 3 x 1 (0) 0 0 wrapped\n"
          "21,16 right base 3 x 1 (0) 0 0 words\n"},

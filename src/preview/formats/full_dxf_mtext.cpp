@@ -33,8 +33,10 @@ private:
     void Put(char16_t c);
     void PutTab();
     void TakeCode();
+    void TakeNumberCode(char16_t code, std::u16string_view text);
     void TakeFraction(std::u16string_view parts);
     bool TakePercent();
+    void PutCode(char16_t code);
     std::u16string_view Parameter();
     std::u16string_view NumberParameter();
 };
@@ -56,6 +58,12 @@ void CodeReader::PutTab() {
     for (int i = 0; i < 4; ++i) Put(u' ');
 }
 
+// What is no code after all is shown as it stands.
+void CodeReader::PutCode(char16_t code) {
+    Put(u'\\');
+    Put(code);
+}
+
 // Up to the semicolon that ends a code; an unended one reaches to the end.
 std::u16string_view CodeReader::Parameter() {
     const std::size_t end = std::min(s.find(u';', at), s.size());
@@ -68,7 +76,8 @@ std::u16string_view CodeReader::Parameter() {
 std::u16string_view CodeReader::NumberParameter() {
     const std::size_t begin = at;
     while (at < s.size() && ((s[at] >= u'0' && s[at] <= u'9') || s[at] == u'.' || s[at] == u'+' || s[at] == u'-')) ++at;
-    if (at > begin && at < s.size() && (s[at] == u'x' || s[at] == u'X')) ++at;
+    if (at == begin) return {};
+    if (at < s.size() && (s[at] == u'x' || s[at] == u'X')) ++at;
     const std::u16string_view out = std::u16string_view(s).substr(begin, at - begin);
     if (at < s.size() && s[at] == u';') ++at;
     return out;
@@ -104,8 +113,19 @@ void CodeReader::TakeFraction(std::u16string_view parts) {
     look = before;
 }
 
-void CodeReader::TakeCode() {
+void CodeReader::TakeNumberCode(char16_t code, std::u16string_view text) {
     constexpr double kMostFactor = 1000;
+    const double value = NumberIn(text);
+    const bool relative = text.back() == u'x' || text.back() == u'X';
+    const auto isFactor = [](double factor) { return factor > 1 / kMostFactor && factor < kMostFactor; };
+    const double height = relative ? look.height * value : value / textHeight;
+    if (code == u'H' && isFactor(height)) look.height = height;
+    if (code == u'W' && isFactor(value)) look.widthFactor = value;
+    if (code == u'Q') look.obliqueDegrees = std::clamp(value, -85.0, 85.0);
+}
+
+void CodeReader::TakeCode() {
+    constexpr std::size_t kLongestFont = 256;
     const char16_t code = s[at++];
     switch (code) {
         case u'P':
@@ -121,26 +141,23 @@ void CodeReader::TakeCode() {
         case u'o': look.overlined = false; break;
         case u'K': look.struckOut = true; break;
         case u'k': look.struckOut = false; break;
+        case u'F':
+        case u'f':
+            if (std::u16string_view(s).substr(at, kLongestFont).find(u';') == std::u16string_view::npos) PutCode(code);
+            else Parameter();
+            break;
         case u'A':
         case u'C':
         case u'c':
-        case u'T': NumberParameter(); break;
-        case u'F':
-        case u'f': Parameter(); break;
-        case u'H': {
+        case u'T':
+        case u'H':
+        case u'W':
+        case u'Q': {
             const std::u16string_view text = NumberParameter();
-            const double value = NumberIn(text);
-            const bool relative = !text.empty() && (text.back() == u'x' || text.back() == u'X');
-            const double factor = relative ? look.height * value : value / textHeight;
-            if (factor > 1 / kMostFactor && factor < kMostFactor) look.height = factor;
+            if (text.empty()) PutCode(code);
+            else TakeNumberCode(code, text);
             break;
         }
-        case u'W': {
-            const double factor = NumberIn(NumberParameter());
-            if (factor > 1 / kMostFactor && factor < kMostFactor) look.widthFactor = factor;
-            break;
-        }
-        case u'Q': look.obliqueDegrees = std::clamp(NumberIn(NumberParameter()), -85.0, 85.0); break;
         case u'p': {
             const std::u16string_view text = Parameter();
             const std::size_t q = text.find(u'q');
@@ -151,9 +168,7 @@ void CodeReader::TakeCode() {
             break;
         }
         case u'S': TakeFraction(Parameter()); break;
-        default:  // no code: shown as it stands
-            Put(u'\\');
-            Put(code);
+        default: PutCode(code);
     }
 }
 
@@ -346,7 +361,7 @@ void Frame::DrawLine(const DxfParagraphs::Line& line, int horizontal) const {
 double PlaceLines(DxfParagraphs* p, const DxfParagraphPlace& place, int horizontal) {
     const DxfTextColumns& columns = place.columns;
     const double distance = kLineDistance * (place.spacing > 0.1 && place.spacing < 10 ? place.spacing : 1);
-    const double step = (place.width + columns.gutter) / place.height;
+    const double step = columns.count > 1 ? (place.width + columns.gutter) / place.height : 0;
     double y = 0, deepest = 0;
     int column = 0;
     bool first = true;  // of its column
