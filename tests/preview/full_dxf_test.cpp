@@ -286,6 +286,8 @@ TEST(FullDxf, Forms) {
 TEST(FullDxf, Strays) {
     EXPECT_EQ(Shown(kTriangle + "|0 CIRCLE|10 1e7|20 -1e7|40 5|0 POINT|10 1e20|20 0"), Shown(kTriangle));
     EXPECT_NE(Shown(kTriangle + "|0 CIRCLE|10 400|20 9|40 5"), Shown(kTriangle));
+    EXPECT_EQ(Shown("0 INSERT|2 B|8 off|0 INSERT|2 B|10 90|20 9"), Shown("0 INSERT|2 B|10 90|20 9"))
+        << "a block that was hidden where it stood first";
     EXPECT_EQ(PlotOf(DecodeFullDxf, Pairs("0 SECTION|2 ENTITIES|0 LINE|67 1|10 0|20 0|11 8|21 4"), 16, 8, false),
               PlotOf(DecodeFullDxf, Pairs("0 LINE|10 0|20 0|11 8|21 4"), 16, 8, false))
         << "the paper space, where the model space is empty";

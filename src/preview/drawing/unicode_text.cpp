@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <optional>
 #include <tuple>
 #include <utility>
 
@@ -23,7 +24,7 @@ static UniqueFont MakeFont(std::int32_t em) {
 }
 
 // Null when there is none. The font that was asked for before this one stays among the entries.
-static const UnicodeTexts::Entry* EntryOf(HDC dc, UnicodeTexts* texts, std::int32_t em) {
+static UnicodeTexts::Entry* EntryOf(UnicodeTexts* texts, std::int32_t em) {
     auto& entries = texts->entries;
     const auto found = std::find_if(std::begin(entries), std::end(entries),
                                     [&](const UnicodeTexts::Entry& entry) { return entry.font && entry.em == em; });
@@ -31,25 +32,28 @@ static const UnicodeTexts::Entry* EntryOf(HDC dc, UnicodeTexts* texts, std::int3
         if (found != std::begin(entries)) std::rotate(std::begin(entries), found, found + 1);
         return entries;
     }
-    UnicodeTexts::Entry entry = {em, {}, MakeFont(em)};
-    if (!entry.font) return nullptr;
-    const Selection selected(dc, entry.font.get());
-    if (!GetCharWidth32W(dc, ' ', '~', entry.advances)) return nullptr;
+    UniqueFont font = MakeFont(em);
+    if (!font) return nullptr;
     std::rotate(std::begin(entries), std::end(entries) - 1, std::end(entries));
-    entries[0] = std::move(entry);
+    entries[0] = {em, {}, std::move(font)};
     return entries;
 }
 
-// Font pixels.
-static int WidthOf(HDC dc, const UnicodeTexts::Entry& entry, const wchar_t* characters, int length) {
+// Font pixels. The font is asked for each character once: to select it takes as long as the text.
+static int WidthOf(HDC dc, UnicodeTexts::Entry* entry, const wchar_t* characters, int length) {
+    std::optional<Selection> selected;
     int width = 0;
     for (int i = 0; i < length; ++i) {
-        if (characters[i] < ' ' || characters[i] > '~') {  // how others are combined only the system knows
-            const Selection selected(dc, entry.font.get());
+        const wchar_t c = characters[i];
+        const bool isPlain = c >= ' ' && c <= '~';  // how others are combined only the system knows
+        INT* const advance = isPlain ? &entry->advances[c - ' '] : nullptr;
+        if (!isPlain || *advance == 0) {
+            if (!selected) selected.emplace(dc, entry->font.get());
             SIZE size = {};
-            return GetTextExtentPoint32W(dc, characters, length, &size) ? size.cx : 0;
+            if (!isPlain) return GetTextExtentPoint32W(dc, characters, length, &size) ? size.cx : 0;
+            GetCharWidth32W(dc, c, c, advance);
         }
-        width += entry.advances[characters[i] - ' '];
+        width += *advance;
     }
     return width;
 }
@@ -76,7 +80,7 @@ bool KeepUnicodeText(HDC dc, const ViewTransform& view, const UnicodeText& text,
     const double em = capitalPixels / CapitalOf(dc, texts);
     if (!(capitalPixels >= 0.5) || !(em <= kMaxTextPixels)) return false;
     const auto whole = std::max(static_cast<std::int32_t>(std::lround(em)), 4);
-    const UnicodeTexts::Entry* const entry = EntryOf(dc, texts, whole);
+    UnicodeTexts::Entry* const entry = EntryOf(texts, whole);
     if (!entry) return false;
     const auto* const characters = reinterpret_cast<const wchar_t*>(text.text);
     const int length = static_cast<int>(std::min(text.length, kMostLength));
@@ -84,7 +88,7 @@ bool KeepUnicodeText(HDC dc, const ViewTransform& view, const UnicodeText& text,
     constexpr double kMostArea = 1e9;  // 60 characters of the largest size, 4,000 of 500 pixels
     texts->area += em * em * length;
     if (texts->area > kMostArea) return false;
-    const int width = WidthOf(dc, *entry, characters, length);
+    const int width = WidthOf(dc, entry, characters, length);
     if (width <= 0) return false;
 
     const double scaleY = em / whole;
@@ -141,8 +145,7 @@ void DrawUnicodeTexts(HDC dc, const DrawingSink& run, UnicodeTexts* texts) {
     for (const UnicodeTexts::Waiting& text : waiting) {
         if (!run.MayContinue()) break;
         if (text.em != selected) {
-            ModifyWorldTransform(dc, nullptr, MWT_IDENTITY);  // a new font is measured in its own pixels
-            const UnicodeTexts::Entry* const entry = EntryOf(dc, texts, text.em);
+            const UnicodeTexts::Entry* const entry = EntryOf(texts, text.em);
             if (!entry) break;
             SelectObject(dc, entry->font.get());
             selected = text.em;

@@ -18,7 +18,7 @@ struct UnicodeTexts {
     // The fonts of the last texts, the last one first. None stays selected.
     struct Entry {
         std::int32_t em = 0;          // pixels
-        INT advances[127 - 32] = {};  // of the printable ASCII characters
+        INT advances[127 - 32] = {};  // of the printable ASCII characters that have come
         UniqueFont font;
     };
     Entry entries[8];

@@ -86,6 +86,7 @@ bool CannotMatter(DxfDecoder& dxf, DxfBlock* block, const DxfPlace& place) {
     if (!block->isMeasured) {
         DxfPlace upright = place;
         upright.map = kFromAbove;
+        upright.layer = {};  // another insert may show what this one's layer hides
         block->elements = Measure(dxf, block, upright, &block->box);
         block->isMeasured = true;
     }
