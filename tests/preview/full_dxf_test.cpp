@@ -51,7 +51,7 @@ const std::string kHead =
     "0 BLOCK|2 OTHER|0 INSERT|2 RING|10 9|20 9|0 ENDBLK|0 BLOCK|2 FAR|70 4|1 other.dxf|0 LINE|10 0|20 0|11 9|21 9|0 "
     "ENDBLK|"
     "0 BLOCK|2 MIXED|0 LINE|8 0|10 0|20 0|11 4|21 0|0 LINE|8 X|10 0|20 2|11 4|21 2|0 ENDBLK|"
-    "0 BLOCK|2 LONG|0 LINE|8 0|10 0|20 9|11 90|21 9|0 ENDBLK|0 BLOCK|2 HIDES|0 INSERT|2 B|60 1|0 ENDBLK|0 ENDSEC|"
+    "0 BLOCK|2 HIDES|0 INSERT|2 B|60 1|0 ENDBLK|0 ENDSEC|"
     "0 SECTION|2 ENTITIES|";
 
 std::string Drawing(const std::string& entities) { return kHead + kCorners + entities + "|0 ENDSEC|0 EOF"; }
@@ -157,7 +157,6 @@ TEST(FullDxf, InsertsLayersAndAxes) {
         {"a count of 0, a grid without spacing", "0 INSERT|2 B|10 4|20 4|70 0|71 30000", Lines("4,4,10,4 4,4,4,6")},
         {"nested", "0 INSERT|2 TWICE|10 4|20 4", Lines("4,4,10,4 4,4,4,6 14,4,20,4 14,4,14,6")},
         {"a ring is cut", "0 INSERT|2 RING|10 4|20 4", Lines("4,4,8,4")},
-        {"its first insert shows nothing", "0 INSERT|2 LONG|8 off|0 INSERT|2 LONG", "0 LINE|10 0|20 9|11 90|21 9"},
         {"a hidden insert in a block, attribute", "0 INSERT|2 HIDES|0 ATTRIB|40 3|1 a", "0 TEXT|40 3|1 a"},
         {"another file's block, none", "0 INSERT|2 FAR|10 4|20 4|0 INSERT|2 NONE|10 4|20 4", "999 nothing"},
         {"frozen hides all", "0 INSERT|2 MIXED|8 FROZEN|10 4|20 4", "999 nothing"},
@@ -325,5 +324,5 @@ TEST(FullDxf, Comment) {
     EXPECT_TRUE(DecodeFullDxf(block.View(), &comment, nullptr));
     EXPECT_STREQ(text,
                  "a remark\r\r\nanother\r\r\n<51> DXF AC1015 (2000)\r\r\n<53> 62 x 30\r\r\n<54> 6\r\r\n<55> "
-                 "3\r\r\n<56> 8\r\r\n");
+                 "3\r\r\n<56> 7\r\r\n");
 }
