@@ -18,7 +18,7 @@ static constexpr DxfSpace kSpaces[] = {
     {"*Paper_Space", true}, {"*Paper_Space0", true}, {"*Paper_Space1", true},
 };
 
-static constexpr long long kLeastBudget = 2'000'000, kBudgetOfByte = 8;
+static constexpr long long kLeastBudget = 2'000'000, kBudgetOfByte = 3;
 
 static std::size_t WalkSpace(DxfDecoder& dxf, const DxfSpace& space, DxfPlace* place) {
     dxf.paperSpace = space.paper;

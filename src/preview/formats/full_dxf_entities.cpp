@@ -565,7 +565,7 @@ static void ReadBlock(DxfDecoder& dxf, DxfBlock* block) {
         const std::uint32_t cost = walk.Cost();
         if (TakeStep(dxf, *kind, true, &walk.reader, &step)) {
             if (step.what == DxfStep::kNothing) continue;
-            step.cost = 2;
+            step.cost = 1;  // and what it draws
         } else {
             step = EntityStep(*kind, walk.begin);
             step.cost = cost;  // it is read each time
