@@ -44,12 +44,14 @@ const std::string kCorners = "0 POINT|10 0|20 0|0 POINT|10 62|20 30|";
 const std::string kHead =
     "0 SECTION|2 HEADER|9 $ACADVER|1 AC1015|0 ENDSEC|0 SECTION|2 TABLES|0 LAYER|2 dashes|6 dashed|62 7|70 0|"
     "0 LAYER|2 OFF|62 -7|0 LAYER|2 Frozen|70 1|0 LTYPE|2 Dashed|0 LTYPE|2 own|49 3|49 -1|49 0|49 -1|"
-    "0 STYLE|2 wide|41 2|0 ENDSEC|0 SECTION|2 BLOCKS|0 BLOCK|2 B|10 1|20 1|0 LINE|8 0|6 BYBLOCK|10 1|20 1|11 7|21 1|"
+    "0 STYLE|2 wide|41 2|0 DIMSTYLE|2 OWN|40 2|41 3|42 0|44 0|0 ENDSEC|0 SECTION|2 BLOCKS|0 BLOCK|2 B|10 1|20 1|0 "
+    "LINE|8 0|6 BYBLOCK|10 1|20 1|11 7|21 1|"
     "0 LINE|10 1|20 1|11 1|21 3|0 ATTDEF|10 1|20 1|40 2|2 TAG|0 ENDBLK|0 BLOCK|2 TWICE|0 INSERT|2 B|10 0|20 0|"
     "0 INSERT|2 b|10 10|20 0|0 ENDBLK|0 BLOCK|2 RING|0 LINE|10 0|20 0|11 4|21 0|0 INSERT|2 OTHER|0 ENDBLK|"
     "0 BLOCK|2 OTHER|0 INSERT|2 RING|10 9|20 9|0 ENDBLK|0 BLOCK|2 FAR|70 4|1 other.dxf|0 LINE|10 0|20 0|11 9|21 9|0 "
     "ENDBLK|"
-    "0 BLOCK|2 MIXED|0 LINE|8 0|10 0|20 0|11 4|21 0|0 LINE|8 X|10 0|20 2|11 4|21 2|0 ENDBLK|0 ENDSEC|"
+    "0 BLOCK|2 MIXED|0 LINE|8 0|10 0|20 0|11 4|21 0|0 LINE|8 X|10 0|20 2|11 4|21 2|0 ENDBLK|"
+    "0 BLOCK|2 HIDES|0 INSERT|2 B|60 1|0 ENDBLK|0 ENDSEC|"
     "0 SECTION|2 ENTITIES|";
 
 std::string Drawing(const std::string& entities) { return kHead + kCorners + entities + "|0 ENDSEC|0 EOF"; }
@@ -131,6 +133,12 @@ TEST(FullDxf, KindsLookLikeTheirLines) {
         {"MESH",
          "0 MESH|92 3|10 4|20 4|30 0|10 14|20 4|30 0|10 14|20 10|30 0|93 4|90 3|90 0|90 1|90 2|90 3|90 0|90 1|90 77",
          kTriangle + "|" + Lines("4,4,14,4")},
+        {"LEADER", "9 $DIMASZ|40 1|0 LEADER|3 own|10 4|20 4|10 14|20 4|10 14|20 10",
+         "0 LINE|10 4|20 4|11 14|21 4|0 LINE|10 14|20 4|11 14|21 10|0 SOLID|10 4|20 4|11 10|21 3|12 10|22 5"},
+        {"DIMENSION without a block", "0 DIMENSION|3 own|70 0|1  |10 4|20 10|13 4|23 4|14 14|24 4",
+         Lines("4,4,4,10 14,4,14,10 4,10,14,10")},
+        {"a second section",
+         "0 LINE|10 4|20 4|11 14|21 4|0 ENDSEC|0 SECTION|2 ENTITIES|" + Lines("14,4,14,10 14,10,4,4"), kTriangle},
         {"what passes by", "0 WIPEOUT|10 4|20 4|0 VIEWPORT|10 9|20 9|40 5|0 ACAD_PROXY_ENTITY|0 NEW|10 3",
          "999 nothing"},
     };
@@ -149,11 +157,14 @@ TEST(FullDxf, InsertsLayersAndAxes) {
         {"a count of 0, a grid without spacing", "0 INSERT|2 B|10 4|20 4|70 0|71 30000", Lines("4,4,10,4 4,4,4,6")},
         {"nested", "0 INSERT|2 TWICE|10 4|20 4", Lines("4,4,10,4 4,4,4,6 14,4,20,4 14,4,14,6")},
         {"a ring is cut", "0 INSERT|2 RING|10 4|20 4", Lines("4,4,8,4")},
+        {"a hidden insert in a block, attribute", "0 INSERT|2 HIDES|0 ATTRIB|40 3|1 a", "0 TEXT|40 3|1 a"},
         {"another file's block, none", "0 INSERT|2 FAR|10 4|20 4|0 INSERT|2 NONE|10 4|20 4", "999 nothing"},
         {"frozen hides all", "0 INSERT|2 MIXED|8 FROZEN|10 4|20 4", "999 nothing"},
         {"off hides what is on layer 0", "0 INSERT|2 MIXED|8 off|10 4|20 4", Lines("4,6,8,6")},
         {"hidden", "0 LINE|8 off|10 4|11 9|0 LINE|8 frozen|10 4|11 9|0 LINE|60 1|10 4|11 9|0 LINE|67 1|10 4|11 9",
          "999 nothing"},
+        {"a line type that no table has", "0 LINE|6 DASHED2|10 4|20 4|11 44|21 4",
+         "0 LINE|8 dashes|10 4|20 4|11 44|21 4"},
         {"BYLAYER, BYBLOCK", "0 INSERT|2 B|6 own|8 dashes|10 4|20 4",
          "0 LINE|6 own|10 4|20 4|11 10|21 4|0 LINE|8 dashes|10 4|20 4|11 4|21 6"},
         {"circle from below", "0 CIRCLE|10 -20|20 15|40 8|230 -1", "0 CIRCLE|10 20|20 15|40 8"},
@@ -188,6 +199,9 @@ TEST(FullDxf, Texts) {
         {"0 INSERT|2 B|8 frozen|0 ATTRIB|40 3|1 a", ""},
         {"0 MTEXT|10 20|20 15|40 3|71 1|7 wide|3 {\\fArial;one}\\P|1 \\C1;two\\~\\{\\\\",
          "21,20 left base 3 x 2 (0) 0 0 one\n21,25 left base 3 x 2 (0) 0 0 two<00a0>{\\\n"},
+        {"0 MTEXT|10 20|20 15|40 3|71 1|1 \\H1xa\\C1b\\Nc^Id\\P\\T\\f|101 Embedded Object|71 1|72 2|44 12|45 2|41 4",
+         "21,20 left base 3 x 1 (0) 0 0 ab\n35,20 left base 3 x 1 (0) 0 0 c    d\n35,25 left base 3 x 1 (0) 0 0 "
+         "\\T\\f\n"},
         {"0 MTEXT|10 20|20 15|40 3|71 9|41 20|50 90|11 1|21 0|1 wrapped words",
          "21,11 right base 3 x 1 (0) 0 0 wrapped\n"
          "21,16 right base 3 x 1 (0) 0 0 words\n"},
@@ -215,7 +229,7 @@ TEST(FullDxf, EveryKind) {
         "0 LEADER|10 0|20 6|10 6|20 0|10 9|20 0",
         "0 HATCH|70 1|92 3|10 0|20 0|10 9|20 0|10 9|20 6|10 0|20 6|92 2|10 3|20 2|10 6|20 2|10 6|20 4|10 3|20 4|75 0",
         "0 HATCH|70 0|92 3|10 0|20 0|10 9|20 0|10 9|20 6|10 0|20 6|75 0|53 45|43 0|44 0|45 -2|46 2",
-        "0 MPOLYGON|70 1|92 3|10 0|20 0|10 8|20 0|10 4|20 6|75 0",
+        "0 MPOLYGON|70 0|71 1|92 3|10 0|20 0|10 8|20 0|10 4|20 6|75 0",
         "0 IMAGE|10 2|20 0|11 1|21 .5|12 -.5|22 1|13 6|23 4",
         "0 OLEFRAME|10 0|20 6|11 4|21 3",
         "0 OLE2FRAME|10 0|20 6|11 8|21 0",
@@ -271,6 +285,8 @@ TEST(FullDxf, Forms) {
 TEST(FullDxf, Strays) {
     EXPECT_EQ(Shown(kTriangle + "|0 CIRCLE|10 1e7|20 -1e7|40 5|0 POINT|10 1e20|20 0"), Shown(kTriangle));
     EXPECT_NE(Shown(kTriangle + "|0 CIRCLE|10 400|20 9|40 5"), Shown(kTriangle));
+    EXPECT_EQ(Shown("0 INSERT|2 B|8 off|0 INSERT|2 B|10 90|20 9"), Shown("0 INSERT|2 B|10 90|20 9"))
+        << "a block that was hidden where it stood first";
     EXPECT_EQ(PlotOf(DecodeFullDxf, Pairs("0 SECTION|2 ENTITIES|0 LINE|67 1|10 0|20 0|11 8|21 4"), 16, 8, false),
               PlotOf(DecodeFullDxf, Pairs("0 LINE|10 0|20 0|11 8|21 4"), 16, 8, false))
         << "the paper space, where the model space is empty";
@@ -308,5 +324,5 @@ TEST(FullDxf, Comment) {
     EXPECT_TRUE(DecodeFullDxf(block.View(), &comment, nullptr));
     EXPECT_STREQ(text,
                  "a remark\r\r\nanother\r\r\n<51> DXF AC1015 (2000)\r\r\n<53> 62 x 30\r\r\n<54> 6\r\r\n<55> "
-                 "3\r\r\n<56> 6\r\r\n");
+                 "3\r\r\n<56> 7\r\r\n");
 }

@@ -101,11 +101,23 @@ std::string DeepBlocks(std::size_t size) {
     for (int i = 1; i < 1000; ++i) blocks += Block(i, Insert(i - 1));
     return FullOf(size, blocks, "0 POINT|10 300|20 200", [](int i) { return Dxf(Insert(i % 1000)); });
 }
+std::string OpenBlocks(std::size_t size) {  // without an end, of what shows nothing, and seen aslant
+    std::string blocks;
+    for (int i = 0; blocks.size() < size / 2; ++i) blocks += "0 BLOCK|2 B" + std::to_string(i) + "|0 X|0 X|";
+    return FullOf(size, blocks + "0 LINE|11 9|21 5|", "0 POINT|10 300|20 200",
+                  [](int i) { return Dxf(Insert(i) + (i % 2 ? "|210 1" : "")); });
+}
 std::string WideArrays(std::size_t size) {
     return FullOf(size, Block(0, "0 LINE|11 9|21 5") + Block(1, "0 INSERT|2 B0|70 32767|71 32767|44 1e-3|45 1e-3"),
                   "0 POINT|10 300|20 200", [](int i) {
                       return Dxf(Insert(i % 2) + "|70 32767|71 32767|44 0.0" + std::to_string(i % 9) + "1|45 9");
                   });
+}
+std::string LongRecords(std::size_t size) {  // that each insert would walk over
+    std::string blocks = Block(0, "0 LINE|11 9|21 5");
+    blocks.insert(blocks.find("|0 LINE"),
+                  "|1000 " + std::string(size / 4, 'x') + "|0 NEW|1 " + std::string(size / 4, 'x'));
+    return FullOf(size, blocks, "0 POINT|10 300|20 200", [](int) { return Dxf(Insert(0)); });
 }
 std::string HighDegrees(std::size_t size) {
     return FullOf(size, "", "0 SPLINE|71 1000000", [](int i) {
@@ -190,10 +202,12 @@ const Attack kAttacks[] = {
     {"extents of 1e308", ".dxf", DecodeDxf, OddExtents<kHuge>, {}},
     {"circles of 32,766 pixels", ".dxf", DecodeDxf, Circles, {0, 0, 4759, 0, 0}},
     {"texts of a new angle each", ".dxf", DecodeDxf, Texts, {0, 0, 0, 0, 2955}},
-    {"a block bomb", ".dxf", DecodeFullDxf, BlockBomb, {2, 101802, 0, 0, 0}},
-    {"blocks that hold themselves", ".dxf", DecodeFullDxf, BlockRings, {2, 70591, 0, 0, 0}},
+    {"a block bomb", ".dxf", DecodeFullDxf, BlockBomb, {2, 265798, 0, 0, 0}},
+    {"blocks that hold themselves", ".dxf", DecodeFullDxf, BlockRings, {2, 173333, 0, 0, 0}},
     {"blocks 1,000 deep", ".dxf", DecodeFullDxf, DeepBlocks, {2, 128, 0, 0, 0}},
-    {"arrays of 32,767 x 32,767", ".dxf", DecodeFullDxf, WideArrays, {82468, 0, 0, 0, 0}},
+    {"blocks without an end", ".dxf", DecodeFullDxf, OpenBlocks, {2, 0, 0, 0, 0}},
+    {"arrays of 32,767 x 32,767", ".dxf", DecodeFullDxf, WideArrays, {225108, 0, 0, 0, 0}},
+    {"blocks of long records", ".dxf", DecodeFullDxf, LongRecords, {1, 2625, 0, 0, 0}},
     {"a spline of degree 1,000,000", ".dxf", DecodeFullDxf, HighDegrees, {1, 6681, 0, 0, 0}},
     {"knots that are no numbers", ".dxf", DecodeFullDxf, OddKnots, {2, 0, 0, 0, 0}},
     {"hatches denser than pixels", ".dxf", DecodeFullDxf, DenseHatches, {22, 6141, 0, 0, 0}},

@@ -71,6 +71,8 @@ static SectionInfo InfoOf(const Canvas& canvas) {
 static void WipeCanvas(Canvas* canvas) {
     canvas->strokes->texts.clear();
     canvas->strokes->characters.clear();
+    canvas->unicodeTexts.waiting.clear();
+    canvas->unicodeTexts.characters.clear();
     FillRect(canvas->dc.get(), &canvas->target, canvas->white.get());
     GdiFlush();  // before any ink that GDI does not know of
 }
@@ -125,7 +127,8 @@ static void PathOnCanvas(DrawingSink& sink, const Path& path, unsigned pen) {
 
 static void UnicodeTextOnCanvas(DrawingSink& sink, const UnicodeText& text) {
     auto& canvas = static_cast<Canvas&>(sink);
-    DrawUnicodeText(canvas.dc.get(), sink.view, text, &canvas.unicodeFonts);
+    const HDC dc = canvas.dc.get();
+    if (KeepUnicodeText(dc, sink.view, text, &canvas.unicodeTexts)) DrawUnicodeTexts(dc, sink, &canvas.unicodeTexts);
 }
 
 Canvas::Canvas(DWORD mode, const RECT& rect)
@@ -138,6 +141,7 @@ Canvas::Canvas(DWORD mode, const RECT& rect)
 HBITMAP TakeCanvasBitmap(Canvas* canvas) {
     if (!canvas->strokes) return nullptr;
     DrawWaitingTexts(*canvas->strokes);
+    DrawUnicodeTexts(canvas->dc.get(), *canvas, &canvas->unicodeTexts);
     const WindowDc screen(nullptr);
     if (!screen.dc || !canvas->MayContinue()) return nullptr;
     UniqueBitmap bitmap(CreatePreviewBitmap(screen.dc, canvas->renderMode, canvas->target));

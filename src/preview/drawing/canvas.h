@@ -46,7 +46,7 @@ struct Canvas : DrawingSink {
     UniqueBrush white, black;
     UniquePen pens[kPenCount];
     TextFonts textFonts;
-    UnicodeFonts unicodeFonts;
+    UnicodeTexts unicodeTexts;
     std::vector<PixelPoint> pixels;  // of a path, used again
     UniqueDc dc;
     std::optional<CanvasStrokes> strokes;  // once it is open

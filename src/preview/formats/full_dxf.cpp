@@ -14,21 +14,25 @@ struct DxfSpace {
     bool paper;
 };
 static constexpr DxfSpace kSpaces[] = {
-    {nullptr, false}, {nullptr, true}, {"*Model_Space", false}, {"*Paper_Space", true}, {"*Paper_Space0", true},
+    {nullptr, false},       {nullptr, true},         {"*Model_Space", false},
+    {"*Paper_Space", true}, {"*Paper_Space0", true}, {"*Paper_Space1", true},
 };
 
-static constexpr long long kLeastBudget = 1'000'000;
+static constexpr long long kLeastBudget = 2'000'000, kBudgetOfByte = 3;
 
 static std::size_t WalkSpace(DxfDecoder& dxf, const DxfSpace& space, DxfPlace* place) {
     dxf.paperSpace = space.paper;
-    dxf.budget.left = kLeastBudget + static_cast<long long>(dxf.form.file.size);
+    dxf.budget.left = kLeastBudget + kBudgetOfByte * static_cast<long long>(dxf.form.file.size);
     if (!space.block) {
         if (&space == kSpaces && !dxf.IsMeasuring()) {
             DrawDxfSteps(dxf);
             return dxf.form.file.size;
         }
         dxf.entityCount = 0;
-        return dxf.tables.entities == kNowhere ? dxf.form.file.size : DrawDxfEntities(dxf, dxf.tables.entities);
+        if (dxf.tables.entities == kNowhere) return dxf.form.file.size;
+        const std::size_t end = DrawDxfEntities(dxf, dxf.tables.entities);
+        for (const std::size_t begin : dxf.tables.moreEntities) DrawDxfEntities(dxf, begin);
+        return end;
     }
     const ByteView name = {reinterpret_cast<const std::uint8_t*>(space.block), std::strlen(space.block)};
     const DxfNames::Row* const row = dxf.tables.blocks.Find(dxf.form, name);
@@ -49,22 +53,27 @@ static std::size_t DrawSpace(DxfDecoder& dxf, const DxfSpace& space) {
     return end;
 }
 
+static std::size_t MeasureModel(DxfDecoder& dxf, std::size_t stepRoom, BoxSink* measure) {
+    measure->Clear();
+    ClearDxfSteps(dxf, stepRoom);
+    return DrawSpace(dxf, kSpaces[0]);
+}
+
 // The first space that shows something, and its box; null when there is none.
-static const DxfSpace* MeasureDrawing(DxfDecoder& dxf, BoxSink* measure, WorldRect* box) {
-    const std::size_t end = DrawSpace(dxf, kSpaces[0]);
-    // Files have their tables and blocks in front of the entities. Should some stand behind, all begins anew.
-    if (SurveyDxf(dxf.form, end, *measure->goOn, &dxf.tables)) {
-        measure->Clear();
-        dxf.steps.all.clear();
-        dxf.steps.behind = kNowhere;
-        for (auto& known : dxf.layers) known.name = {};
-        DrawSpace(dxf, kSpaces[0]);
+static const DxfSpace* MeasureDrawing(DxfDecoder& dxf, std::size_t stepRoom, BoxSink* measure, WorldRect* box) {
+    const std::size_t end = MeasureModel(dxf, stepRoom, measure);
+    // Files have their tables and blocks in front of the entities, and these in one section. Should some stand behind,
+    // all begins anew.
+    if (SurveyDxf(dxf.form, end, *measure->goOn, &dxf.tables)) MeasureModel(dxf, stepRoom, measure);
+    for (;;) {
+        for (const DxfSpace& space : kSpaces) {
+            if (&space != kSpaces) DrawSpace(dxf, space);
+            if (measure->Box(box)) return &space;
+        }
+        if (dxf.aside != DxfAside::kMet) return nullptr;
+        dxf.aside = DxfAside::kMeasured;  // there is nothing else
+        MeasureModel(dxf, stepRoom, measure);
     }
-    for (const DxfSpace& space : kSpaces) {
-        if (&space != kSpaces) DrawSpace(dxf, space);
-        if (measure->Box(box)) return &space;
-    }
-    return nullptr;
 }
 
 // With a margin, and never without area.
@@ -88,9 +97,8 @@ bool DecodeFullDxf(ByteView file, Comment* comment, DrawingSink* sink) {
     dxf.encoding = EncodingOf(dxf.form, dxf.tables);
 
     dxf.sink = dxf.box = &measure;
-    dxf.steps.most = sink ? file.size / 2 / sizeof(DxfStep) : 0;
     WorldRect box = {0, 0, 1, 1};
-    const DxfSpace* const space = MeasureDrawing(dxf, &measure, &box);
+    const DxfSpace* const space = MeasureDrawing(dxf, sink ? file.size / 4 * 3 : 0, &measure, &box);
     if (!measure.MayContinue()) return false;
     if (comment && comment->end) AppendDxfComment(comment, dxf, space ? &measure.all : nullptr);
     if (!sink) return true;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "preview/formats/full_dxf_geometry.h"
 
@@ -70,8 +71,12 @@ WorldRect BoxOfText(const UnicodeText& text) {
 
 // ---- Elements
 
+static WorldRect BoxOfCircle(const PreviewPrimitive& arc) {
+    return {arc.a - arc.c, arc.b - arc.c, arc.a + arc.c, arc.b + arc.c};
+}
+
 static WorldRect BoxOfArc(const PreviewPrimitive& arc) {
-    if (arc.d == 0 && arc.e.AsDouble() == 360) return {arc.a - arc.c, arc.b - arc.c, arc.a + arc.c, arc.b + arc.c};
+    if (arc.d == 0 && arc.e.AsDouble() == 360) return BoxOfCircle(arc);
     const double start = Radians(arc.d), sweep = Radians(arc.e.AsDouble() - arc.d);
     const auto at = [&](double angle) -> WorldPoint {
         return {arc.a + arc.c * std::cos(angle), arc.b + arc.c * std::sin(angle)};
@@ -81,7 +86,7 @@ static WorldRect BoxOfArc(const PreviewPrimitive& arc) {
     WorldRect box = BoxOfPoints(ends, 2);
     // The ends of the circle's axes that lie on the arc; all of them when it runs round more than once.
     const double quarter = kTurn / 4, first = std::ceil(start / quarter);
-    if (!(turn < kTurn && std::fabs(first) < 1e9)) return {arc.a - arc.c, arc.b - arc.c, arc.a + arc.c, arc.b + arc.c};
+    if (!(turn < kTurn && std::fabs(first) < 1e9)) return BoxOfCircle(arc);
     for (auto axis = static_cast<std::int64_t>(first); static_cast<double>(axis) * quarter < start + turn; ++axis) {
         switch (axis & 3) {
             case 0: box.maxX = arc.a + arc.c; break;
@@ -101,7 +106,10 @@ static void DrawInBox(DrawingSink& sink, PreviewPrimitive& element, unsigned) {
             box.Grow({std::min(element.a, element.c), std::min(element.b, element.d), std::max(element.a, element.c),
                       std::max(element.b, element.d)});
             break;
-        case kArc: box.Grow(BoxOfArc(element)); break;
+        case kArc:  // where even the circle changes nothing, its arc need not be measured
+            if (box.Matters(BoxOfCircle(element))) box.Grow(BoxOfArc(element));
+            else ++box.count;
+            break;
         default: break;
     }
 }
@@ -119,6 +127,7 @@ BoxSink::BoxSink() : DrawingSink() {
     draw = DrawInBox;
     path = PathInBox;
     unicodeText = TextInBox;
+    Clear();
 }
 
 // ---- Strays
@@ -154,9 +163,14 @@ void BoxSink::Keep(Extremes* side, int which, const WorldRect& element) {
     }
     for (; at > 0 && Reach(side->rows[at - 1], which) < reach; --at) side->rows[at] = side->rows[at - 1];
     side->rows[at] = element;
+    if (side->count == kMost) least[which] = Reach(side->rows[kMost - 1], which);
 }
 
 void BoxSink::Grow(const WorldRect& element) {
+    if (!Matters(element)) {  // as most do not, once there are many
+        ++count;
+        return;
+    }
     if (!(IsDrawable(element.minX) && IsDrawable(element.minY) && IsDrawable(element.maxX) &&
           IsDrawable(element.maxY))) {
         return;
@@ -171,16 +185,13 @@ void BoxSink::Grow(const WorldRect& element) {
 }
 
 bool BoxSink::Matters(const WorldRect& box) const {
-    for (int side = 0; side < 4; ++side) {
-        const Extremes& rows = extremes[side];
-        if (rows.count < kMost || !(Reach(box, side) <= Reach(rows.rows[kMost - 1], side))) return true;
-    }
-    return false;
+    return !(-box.minX <= least[0] && box.maxX <= least[1] && -box.minY <= least[2] && box.maxY <= least[3]);
 }
 
 void BoxSink::Clear() {
     count = 0;
     for (Extremes& side : extremes) side.count = 0;
+    std::fill(std::begin(least), std::end(least), -HUGE_VAL);
 }
 
 bool BoxSink::Box(WorldRect* box) {

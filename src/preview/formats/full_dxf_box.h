@@ -26,7 +26,8 @@ private:
     struct Extremes {
         WorldRect rows[kMost] = {};
         int count = 0;
-    } extremes[4];  // left, right, bottom, top
+    } extremes[4];    // left, right, bottom, top
+    double least[4];  // how far an element must reach to become one; below all until there are enough
 
     void Keep(Extremes* side, int which, const WorldRect& element);
 };

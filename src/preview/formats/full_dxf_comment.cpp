@@ -42,8 +42,9 @@ static void AppendCount(Comment* comment, unsigned label, std::size_t count) {
     AppendLine(comment, label, std::to_string(count).c_str());
 }
 
-// Six digits, with a point in every locale.
+// Six digits or whole units, with a point in every locale.
 static char* PutNumber(char* at, char* end, double value) {
+    if (value >= 1e6) return std::to_chars(at, end, value, std::chars_format::fixed, 0).ptr;
     return std::to_chars(at, end, value, std::chars_format::general, 6).ptr;
 }
 

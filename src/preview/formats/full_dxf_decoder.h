@@ -1,6 +1,7 @@
 // What the parts of the full DXF decoder share: the run, where an entity stands, and the calls that draw.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <deque>
 #include <string>
@@ -69,13 +70,6 @@ struct DxfSpline {
     void Clear();
 };
 
-// What a block of the drawing covers in its own coordinates, measured once: most inserts lie where they cannot matter.
-struct DxfBlockBox {
-    std::uint32_t block = 0;
-    WorldRect box = {};
-    std::size_t count = 0;
-};
-
 // Where a line of a hatch pattern crosses the boundary.
 struct DxfCrossing {
     long long line;
@@ -94,7 +88,9 @@ struct DxfParagraphs {
     };
     struct Line {
         std::size_t begin, end;
-        double height;  // of its largest capital, as a Look's
+        double height;   // of its largest capital, as a Look's
+        bool newColumn;  // begins one
+        double x, y;     // of its base
     };
     std::string bytes;  // as the file holds it
     std::u16string characters;
@@ -103,22 +99,65 @@ struct DxfParagraphs {
     std::vector<Line> lines;
 };
 
-// What the first walk has met in the drawing itself, so that the second need not go through the file again: the simple
-// elements as they go to the strokes, and the places of all others, which are read again. The list takes at most half
-// of the file's size; what stands behind it in the file is walked over a second time.
+// What an entity draws, so that it need not be read again: the numbers of a simple one, as they stand in the drawing or
+// in its block, or the place of any other one, which is.
 struct DxfStep {
-    enum What : std::uint8_t { kPoint, kLine, kCircle, kEntity } what;
-    std::uint8_t pen;
-    std::uint8_t kind;    // of an entity, a row of the table of kinds
-    std::uint32_t begin;  // of an entity's pairs
-    double numbers[5];    // point: x, y; line: x1, y1, x2, y2; circle: centre, radius, start, sweep
+    enum What : std::uint8_t { kNothing, kPoint, kLine, kCircle, kPolyline, kSpline, kText, kEntity } what = kNothing;
+    std::uint8_t pen = 0;        // kPenOfInsert, kPenOfInsertLayer or its own
+    bool onInsertLayer = false;  // it is not drawn where that is hidden
+    std::uint8_t detail = 0;     // an entity's row of the table of kinds; the form of a polyline, spline or text
+    std::uint32_t begin = 0;     // of an entity's pairs; of a text's bytes
+    std::uint32_t cost = 0;      // that a block is charged for it
+    std::uint32_t count = 0;
+    // point: x, y; line: x1, y1, x2, y2; circle: centre, radius, start, sweep; others are their own functions' matter
+    const double* numbers = nullptr;
 };
+constexpr std::uint8_t kPenOfInsert = 16, kPenOfInsertLayer = 17;
+
+// Items that stay where they are, in parts that double. What a part takes goes off the room, in bytes, that is left.
+template <typename T>
+struct DxfStore {
+    std::vector<std::vector<T>> parts;  // none grows beyond its capacity
+
+    // Copies so many items, one behind the other; null when there is no room.
+    T* Add(const T* items, std::size_t count, std::size_t* room) {
+        constexpr std::size_t kFirst = 16, kMost = 1 << 13;
+        if (parts.empty() || parts.back().capacity() - parts.back().size() < count) {
+            const std::size_t next = parts.empty() ? kFirst : std::min(parts.back().capacity() * 2, kMost);
+            const std::size_t size = std::max(next, count);
+            if (size > *room / sizeof(T)) return nullptr;
+            *room -= size * sizeof(T);
+            parts.emplace_back().reserve(size);
+        }
+        std::vector<T>& last = parts.back();
+        last.insert(last.end(), items, items + count);
+        return last.data() + last.size() - count;
+    }
+};
+
 struct DxfSteps {
-    std::deque<DxfStep> all;
-    std::size_t most = 0;
-    std::size_t behind = kNowhere;  // where the entities begin that are not among them
-    bool open = false;              // the entity that is being drawn has no step yet
+    DxfStore<DxfStep> steps;
+    DxfStore<double> numbers;
+    bool Add(DxfStep step, std::size_t* room);  // copies its numbers; false when there is no room
 };
+
+// A block that has been drawn. Most inserts lie where they cannot matter to the drawing's box, and all others draw the
+// same steps again.
+struct DxfBlock {
+    std::uint32_t begin = 0;  // of its record
+    std::size_t entities = 0;
+    Vector3 base = {};
+    bool external = false;                           // stands in another file, which is never opened
+    bool isRead = false;                             // what follows is known
+    bool isKept = false;                             // as steps; else there was no room
+    std::size_t part = 0, first = 0, stepCount = 0;  // among all blocks' steps
+    bool isMeasured = false;
+    WorldRect box = {};  // in its own coordinates
+    std::size_t elements = 0;
+};
+
+// Lines without end and dimensions without a block do not count when a drawing is measured, unless it has nothing else.
+enum class DxfAside { kNone, kMet, kMeasured };
 
 struct DxfDecoder {
     DxfForm form;
@@ -130,7 +169,14 @@ struct DxfDecoder {
     double pixel = 0;             // drawing units; 0 while the drawing is measured
     bool paperSpace = false;      // which of the two is drawn
     std::size_t entityCount = 0;  // of the drawing itself, met so far
-    DxfSteps steps;
+    // What the first walk has met in the drawing itself, so that the second need not go through the file again, and
+    // what stands in blocks. What was beyond the room is read again.
+    DxfSteps steps, blockSteps;
+    std::size_t stepRoom = 0;    // bytes that are left
+    std::size_t blockBytes = 0;  // that may still be read as steps: blocks that hold more than the file have no end
+    std::size_t behindSteps = kNowhere;  // where the entities begin that are not among the steps
+    std::deque<DxfBlock> blocks;         // a block's row of the table holds its number here, from 1
+    DxfAside aside = DxfAside::kNone;
 
     const DxfPlace* place = nullptr;
     PlaneMap map = kFromAbove;      // of the current entity's coordinates
@@ -142,9 +188,9 @@ struct DxfDecoder {
     PreviewPrimitive element;
     DxfPoints path;
     DxfSpline spline;
+    std::vector<double> numbers;      // of a step
     std::vector<WorldPoint> corners;  // of meshes
-    DxfBlockBox blockBoxes[64];
-    std::vector<int> outlineFlags;  // of hatches
+    std::vector<int> outlineFlags;    // of hatches
     std::vector<DxfCrossing> crossings;
     std::u16string text;
     DxfParagraphs paragraphs;
@@ -155,6 +201,12 @@ struct DxfDecoder {
 
     bool MayContinue() const { return sink->MayContinue(); }
     bool IsMeasuring() const { return box != nullptr; }
+    // Whether an entity is passed by as it is such a one.
+    bool PassesAside() {
+        if (!IsMeasuring() || aside == DxfAside::kMeasured) return false;
+        aside = DxfAside::kMet;
+        return true;
+    }
 };
 
 // ---- What draws (full_dxf_strokes.cpp); all in the drawing's plane
@@ -183,6 +235,12 @@ std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin);
 // Draws the entities of the drawing itself once more, as dxf.steps has kept them.
 void DrawDxfSteps(DxfDecoder& dxf);
 
+// Draws a block's entities where dxf.place stands.
+void DrawDxfBlock(DxfDecoder& dxf, DxfBlock* block);
+
+// Forgets all steps and blocks, with so much room for new ones.
+void ClearDxfSteps(DxfDecoder& dxf, std::size_t room);
+
 // What the layer of the entity in dxf.groups says; layer 0 of a block is that of the insert.
 DxfLook LookOfEntityLayer(DxfDecoder& dxf);
 
@@ -195,10 +253,21 @@ inline Vector3 NormalOf(const DxfGroups& groups) {
 
 // The kinds that have a file of their own. The reader stands behind the entity in dxf.groups.
 using DxfKindFunction = void (*)(DxfDecoder& dxf, DxfReader* reader);
+// Instead, makes a step of it, with its numbers in dxf.numbers; false when it cannot be one. Then dxf.groups may be
+// lost.
+using DxfStepFunction = bool (*)(DxfDecoder& dxf, DxfReader* reader, DxfStep* step);
+bool TakeDxfPolyline(DxfDecoder& dxf, DxfReader* reader, DxfStep* step);
+bool TakeDxfLwPolyline(DxfDecoder& dxf, DxfReader* reader, DxfStep* step);
+bool TakeDxfSpline(DxfDecoder& dxf, DxfReader* reader, DxfStep* step);
+bool TakeDxfText(DxfDecoder& dxf, DxfReader* reader, DxfStep* step);
+void DrawDxfPolylineStep(DxfDecoder& dxf, const DxfStep& step);
+void DrawDxfSplineStep(DxfDecoder& dxf, const DxfStep& step);
+void DrawDxfTextStep(DxfDecoder& dxf, const DxfStep& step);
 void DrawDxfPolyline(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfLwPolyline(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfSpline(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfHatch(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfMPolygon(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfTextEntity(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfAttribute(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfAttributeDefinition(DxfDecoder& dxf, DxfReader* reader);
@@ -206,7 +275,19 @@ void DrawDxfMText(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfInsert(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfDimension(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfTable(DxfDecoder& dxf, DxfReader* reader);
+void DrawDxfLeader(DxfDecoder& dxf, DxfReader* reader);
 void DrawDxfMultiLeader(DxfDecoder& dxf, DxfReader* reader);
+
+// Draws a block where `map` maps its coordinates; `look` is that of the layer of what it stands for. The groups, the
+// map and the pen are no longer those of the entity afterwards. (full_dxf_inserts.cpp)
+void DrawDxfBlockAt(DxfDecoder& dxf, const DxfNames::Row& row, const PlaneMap& map, const DxfLook& look);
+const DxfNames::Row* FindDxfBlockOf(DxfDecoder& dxf, std::uint32_t owner);  // null where there is none
+
+// Arrowheads of the current entity, the last that is drawn of it: the block that `head` owns, or a triangle.
+struct DxfArrow {
+    Vector3 tip, from;  // where its line comes from
+};
+void DrawDxfArrows(DxfDecoder& dxf, const DxfArrow* arrows, int count, double size, std::uint32_t head);
 
 // ---- Texts (full_dxf_texts.cpp, full_dxf_mtext.cpp)
 
@@ -218,6 +299,7 @@ struct DxfTextPlace {
 struct DxfTextStyle {
     double widthFactor = 1;
     double height = 0;  // 0: each text has its own
+    double obliqueDegrees = 0;
 };
 DxfTextStyle TextStyleOf(const DxfDecoder& dxf, ByteView name);
 
@@ -225,13 +307,23 @@ DxfTextStyle TextStyleOf(const DxfDecoder& dxf, ByteView name);
 bool PlaceText(const DxfDecoder& dxf, const DxfTextPlace& place, double height, double widthFactor, double fitWidth,
                double obliqueDegrees, UnicodeText* out);
 
+// Columns that the lines of a text go through; a height of 0 has room for all.
+constexpr int kMostTextColumns = 16;
+struct DxfTextColumns {
+    int count = 1;
+    double gutter = 0;
+    double heights[kMostTextColumns] = {};
+    bool reversed = false;  // from right to left
+};
+
 // Lays out and draws dxf.paragraphs.bytes.
 struct DxfParagraphPlace {
     DxfTextPlace place;
     double height = 1;   // of a capital
     double width = 0;    // that lines are wrapped at; 0: they are not
     double spacing = 1;  // times the usual distance of lines
-    double widthFactor = 1;
+    double widthFactor = 1, obliqueDegrees = 0;
+    DxfTextColumns columns = {};
     int attachment = 1;  // the place stands 1 to 9: at the upper left to the lower right of the lines, row by row
 };
 void DrawParagraphs(DxfDecoder& dxf, const DxfParagraphPlace& place);

@@ -6,58 +6,46 @@
 
 #include "preview/formats/full_dxf_decoder.h"
 
-// ---- Simple kinds
+// ---- Simple kinds: drawn as they stand in space, or taken as steps of the plane, where heights are not even read
 
-static void DrawStep(DxfDecoder& dxf, const DxfStep& step) {
-    const double* const n = step.numbers;
-    switch (step.what) {
-        case DxfStep::kPoint: DrawDxfPoint(dxf, {n[0], n[1]}); break;
-        case DxfStep::kLine: DrawDxfLine(dxf, {n[0], n[1]}, {n[2], n[3]}); break;
-        case DxfStep::kCircle: DrawDxfConic(dxf, {{n[0], n[1]}, {n[2], 0}, {0, n[2]}}, n[3], n[4]); break;
-        case DxfStep::kEntity: break;
-    }
-}
-
-static std::uint8_t PenByte(const DxfDecoder& dxf) { return static_cast<std::uint8_t>(dxf.pen); }
-
-// A point where it is seen. Most maps leave the height out, so it is not even read.
-static WorldPoint SeenPoint(const DxfDecoder& dxf, int code) {
-    const bool isFlat = dxf.map.xz == 0 && dxf.map.yz == 0;
-    const DxfGroups& groups = dxf.groups;
-    return dxf.map.Point({groups.Number(code), groups.Number(code + 10), isFlat ? 0 : groups.Number(code + 20)});
-}
-
-// Draws an element that is all of its entity.
-static void DrawSimple(DxfDecoder& dxf, const DxfStep& step) {
-    DrawStep(dxf, step);
-    if (!dxf.steps.open || dxf.place->depth > 0) return;
-    dxf.steps.open = false;
-    dxf.steps.all.push_back(step);
-}
+// What a dimension was measured from.
+static bool IsDefinitionPoint(const DxfGroups& groups) { return IsName(Trimmed(groups.Text(8)), "DEFPOINTS"); }
 
 static void DrawPoint(DxfDecoder& dxf, DxfReader*) {
-    if (IsName(Trimmed(dxf.groups.Text(8)), "DEFPOINTS")) return;  // what a dimension was measured from
-    const WorldPoint at = SeenPoint(dxf, 10);
-    DrawSimple(dxf, {DxfStep::kPoint, PenByte(dxf), 0, 0, {at.x, at.y}});
+    if (!IsDefinitionPoint(dxf.groups)) DrawDxfPoint(dxf, dxf.map.Point(PointOf(dxf.groups, 10)));
+}
+static bool TakePoint(DxfDecoder& dxf, DxfReader*, DxfStep* step) {
+    if (IsDefinitionPoint(dxf.groups)) return true;
+    step->what = DxfStep::kPoint;
+    dxf.numbers = {dxf.groups.Number(10), dxf.groups.Number(20)};
+    return true;
 }
 
 static void DrawLine(DxfDecoder& dxf, DxfReader*) {
-    const WorldPoint from = SeenPoint(dxf, 10), to = SeenPoint(dxf, 11);
-    DrawSimple(dxf, {DxfStep::kLine, PenByte(dxf), 0, 0, {from.x, from.y, to.x, to.y}});
+    DrawDxfLine(dxf, dxf.map.Point(PointOf(dxf.groups, 10)), dxf.map.Point(PointOf(dxf.groups, 11)));
+}
+static bool TakeLine(DxfDecoder& dxf, DxfReader*, DxfStep* step) {
+    const DxfGroups& groups = dxf.groups;
+    step->what = DxfStep::kLine;
+    dxf.numbers = {groups.Number(10), groups.Number(20), groups.Number(11), groups.Number(21)};
+    return true;
 }
 
-static void DrawCircleArc(DxfDecoder& dxf, double start, double sweep) {
-    const double radius = std::fabs(dxf.groups.Number(40));
-    const Conic conic = {SeenPoint(dxf, 10), dxf.map.Direction({radius, 0, 0}), dxf.map.Direction({0, radius, 0})};
-    if (conic.u.x == radius && conic.u.y == 0 && conic.v.x == 0 && conic.v.y == radius) {
-        const WorldPoint at = conic.centre;
-        DrawSimple(dxf, {DxfStep::kCircle, PenByte(dxf), 0, 0, {at.x, at.y, radius, start, sweep}});
-    } else {
-        DrawDxfConic(dxf, conic, start, sweep);
-    }
+static void DrawCircleArc(DxfDecoder& dxf, Vector3 centre, double radius, double start, double sweep) {
+    const Conic conic = {dxf.map.Point(centre), dxf.map.Direction({radius, 0, 0}), dxf.map.Direction({0, radius, 0})};
+    DrawDxfConic(dxf, conic, start, sweep);
+}
+static bool TakeCircleArc(DxfDecoder& dxf, double start, double sweep, DxfStep* step) {
+    const DxfGroups& groups = dxf.groups;
+    step->what = DxfStep::kCircle;
+    dxf.numbers = {groups.Number(10), groups.Number(20), std::fabs(groups.Number(40)), start, sweep};
+    return true;
 }
 
-static void DrawCircle(DxfDecoder& dxf, DxfReader*) { DrawCircleArc(dxf, 0, kTurn); }
+static void DrawCircle(DxfDecoder& dxf, DxfReader*) {
+    DrawCircleArc(dxf, PointOf(dxf.groups, 10), std::fabs(dxf.groups.Number(40)), 0, kTurn);
+}
+static bool TakeCircle(DxfDecoder& dxf, DxfReader*, DxfStep* step) { return TakeCircleArc(dxf, 0, kTurn, step); }
 
 // The way from one angle to another, counter-clockwise; a whole turn when they are one.
 static double SweepOf(double start, double end) {
@@ -67,9 +55,21 @@ static double SweepOf(double start, double end) {
     return sweep < 1e-9 ? kTurn : sweep;
 }
 
+struct Angles {
+    double start, sweep;
+};
+static Angles AnglesOf(const DxfGroups& groups) {
+    const double start = Radians(groups.Number(50)), end = Radians(groups.Number(51, 360));
+    return {start, SweepOf(start, end)};
+}
+
 static void DrawArc(DxfDecoder& dxf, DxfReader*) {
-    const double start = Radians(dxf.groups.Number(50)), end = Radians(dxf.groups.Number(51, 360));
-    DrawCircleArc(dxf, start, SweepOf(start, end));
+    const Angles angles = AnglesOf(dxf.groups);
+    DrawCircleArc(dxf, PointOf(dxf.groups, 10), std::fabs(dxf.groups.Number(40)), angles.start, angles.sweep);
+}
+static bool TakeArc(DxfDecoder& dxf, DxfReader*, DxfStep* step) {
+    const Angles angles = AnglesOf(dxf.groups);
+    return TakeCircleArc(dxf, angles.start, angles.sweep, step);
 }
 
 // The normal turns the minor axis; all else is the drawing's.
@@ -113,15 +113,15 @@ static void Draw3dFace(DxfDecoder& dxf, DxfReader*) {
     EndPath(dxf);
 }
 
-// Lines without end do not count when the drawing is measured.
 static void DrawEndless(DxfDecoder& dxf, bool bothWays) {
-    if (dxf.IsMeasuring()) return;
+    if (dxf.PassesAside()) return;
     const ViewTransform& view = dxf.sink->view;
     const WorldPoint base = dxf.map.Point(PointOf(dxf.groups, 10)), along = dxf.map.Direction(PointOf(dxf.groups, 11));
     const double length = Length(along.x, along.y);
     // Far enough to leave the window whichever way it goes.
-    const double reach = Length(view.worldMaxX - view.worldMinX, view.worldMaxY - view.worldMinY) +
-                         Length(base.x - view.worldMinX, base.y - view.worldMinY);
+    const double reach = dxf.IsMeasuring() ? 1
+                                           : Length(view.worldMaxX - view.worldMinX, view.worldMaxY - view.worldMinY) +
+                                                 Length(base.x - view.worldMinX, base.y - view.worldMinY);
     if (!(length > 0) || !IsDrawable(length) || !IsDrawable(reach)) return;
     const WorldPoint step = {along.x / length * reach, along.y / length * reach};
     DrawDxfLine(dxf, bothWays ? WorldPoint{base.x - step.x, base.y - step.y} : base,
@@ -129,26 +129,6 @@ static void DrawEndless(DxfDecoder& dxf, bool bothWays) {
 }
 static void DrawRay(DxfDecoder& dxf, DxfReader*) { DrawEndless(dxf, false); }
 static void DrawXLine(DxfDecoder& dxf, DxfReader*) { DrawEndless(dxf, true); }
-
-// Lines from point to point; the first segment of a leader has an arrowhead at its begin.
-static void DrawLeader(DxfDecoder& dxf, DxfReader*) {
-    DxfRecordWalk record(dxf.groups);
-    DxfPair pair;
-    Vector3 point = {};
-    bool open = false;
-    BeginPath(dxf);
-    while (record.Next(&pair)) {
-        if (pair.code == 10) {
-            if (open) PathTo(dxf, dxf.map.Point(point));
-            open = true;
-            point = {DxfNumber(dxf.form, 10, pair.value), 0, 0};
-        }
-        if (pair.code == 20) point.y = DxfNumber(dxf.form, 20, pair.value);
-        if (pair.code == 30) point.z = DxfNumber(dxf.form, 30, pair.value);
-    }
-    if (open) PathTo(dxf, dxf.map.Point(point));
-    EndPath(dxf);
-}
 
 // One line for each element of its style: a vertex tells each one's distance along its miter.
 static void DrawMLine(DxfDecoder& dxf, DxfReader*) {
@@ -207,6 +187,7 @@ static void DrawImage(DxfDecoder& dxf, DxfReader*) {
 }
 
 static void DrawOleFrame(DxfDecoder& dxf, DxfReader*) {
+    if (!dxf.groups.Has(10)) return;  // the oldest ones keep their place in their data
     const Vector3 a = PointOf(dxf.groups, 10), b = PointOf(dxf.groups, 11);
     const Vector3 corners[] = {a, {b.x, a.y, a.z}, b, {a.x, b.y, b.z}};
     DrawOutline(dxf, corners, 4);
@@ -269,23 +250,24 @@ struct DxfKind {
     char name[24];
     DxfKindFunction draw;
     Space space;
+    DxfStepFunction take = nullptr;
 };
 // What is not here passes by, as do the kinds that show nothing: VIEWPORT, WIPEOUT, proxies.
 static constexpr DxfKind kKinds[] = {
-    {"LINE", DrawLine, Space::kWorld},
-    {"POINT", DrawPoint, Space::kWorld},
-    {"ARC", DrawArc, Space::kObject},
-    {"CIRCLE", DrawCircle, Space::kObject},
+    {"LINE", DrawLine, Space::kWorld, TakeLine},
+    {"POINT", DrawPoint, Space::kWorld, TakePoint},
+    {"ARC", DrawArc, Space::kObject, TakeArc},
+    {"CIRCLE", DrawCircle, Space::kObject, TakeCircle},
     {"ELLIPSE", DrawEllipse, Space::kWorld},
-    {"LWPOLYLINE", DrawDxfLwPolyline, Space::kObject},
-    {"POLYLINE", DrawDxfPolyline, Space::kObject},
-    {"SPLINE", DrawDxfSpline, Space::kWorld},
-    {"HELIX", DrawDxfSpline, Space::kWorld},
+    {"LWPOLYLINE", DrawDxfLwPolyline, Space::kObject, TakeDxfLwPolyline},
+    {"POLYLINE", DrawDxfPolyline, Space::kObject, TakeDxfPolyline},
+    {"SPLINE", DrawDxfSpline, Space::kWorld, TakeDxfSpline},
+    {"HELIX", DrawDxfSpline, Space::kWorld, TakeDxfSpline},
     {"SOLID", DrawSolid, Space::kObject},
     {"TRACE", DrawSolid, Space::kObject},
     {"3DFACE", Draw3dFace, Space::kWorld},
-    {"3DLINE", DrawLine, Space::kWorld},
-    {"TEXT", DrawDxfTextEntity, Space::kObject},
+    {"3DLINE", DrawLine, Space::kWorld, TakeLine},
+    {"TEXT", DrawDxfTextEntity, Space::kObject, TakeDxfText},
     {"MTEXT", DrawDxfMText, Space::kWorld},
     {"ATTRIB", DrawAttribute, Space::kObject},
     {"ATTDEF", DrawAttributeDefinition, Space::kObject},
@@ -294,11 +276,11 @@ static constexpr DxfKind kKinds[] = {
     {"ARC_DIMENSION", DrawDxfDimension, Space::kWorld},
     {"LARGE_RADIAL_DIMENSION", DrawDxfDimension, Space::kWorld},
     {"ACAD_TABLE", DrawDxfTable, Space::kWorld},
-    {"LEADER", DrawLeader, Space::kWorld},
+    {"LEADER", DrawDxfLeader, Space::kWorld},
     {"MULTILEADER", DrawDxfMultiLeader, Space::kWorld},
     {"MLEADER", DrawDxfMultiLeader, Space::kWorld},
     {"HATCH", DrawDxfHatch, Space::kObject},
-    {"MPOLYGON", DrawDxfHatch, Space::kObject},
+    {"MPOLYGON", DrawDxfMPolygon, Space::kObject},
     {"MLINE", DrawMLine, Space::kWorld},
     {"RAY", DrawRay, Space::kWorld},
     {"XLINE", DrawXLine, Space::kWorld},
@@ -337,7 +319,8 @@ static const DxfKind* FindKind(ByteView name) {
     const unsigned slot = SlotOfKind(static_cast<unsigned>(name.size), name.data[0], name.data[1]);
     for (int row = kKindIndex.first[slot]; row >= 0; row = kKindIndex.next[row]) {
         const DxfKind& kind = kKinds[row];
-        if (std::strlen(kind.name) == name.size && MatchAt(name, 0, kind.name, name.size)) return &kind;
+        if (name.size < sizeof(kind.name) && kind.name[name.size] == 0 && MatchAt(name, 0, kind.name, name.size))
+            return &kind;
     }
     return nullptr;
 }
@@ -360,24 +343,23 @@ static DxfLook LookOfLayer(DxfDecoder& dxf, ByteView name) {
     return look;
 }
 
+static bool IsOnInsertLayer(ByteView name) { return name.size == 0 || (name.size == 1 && name.data[0] == '0'); }
+
 DxfLook LookOfEntityLayer(DxfDecoder& dxf) {
     const ByteView name = Trimmed(dxf.groups.Text(8));
-    const bool inherits = dxf.place->depth > 0 && (name.size == 0 || (name.size == 1 && name.data[0] == '0'));
-    return inherits ? dxf.place->layer : LookOfLayer(dxf, name);
+    return dxf.place->depth > 0 && IsOnInsertLayer(name) ? dxf.place->layer : LookOfLayer(dxf, name);
 }
 
-static DxfLook LookOfEntity(DxfDecoder& dxf) {
-    DxfLook look = LookOfEntityLayer(dxf);
+// The pen that an entity names, or else that of its layer.
+static unsigned PenOfEntity(const DxfDecoder& dxf, unsigned ofLayer) {
     const ByteView type = Trimmed(dxf.groups.Text(6));
-    if (type.size == 0 || IsName(type, "BYLAYER")) return look;
-    if (IsName(type, "BYBLOCK")) {
-        look.pen = dxf.place->pen;
-    } else if (const DxfNames::Row* row = dxf.tables.lineTypes.Find(dxf.form, type)) {
-        look.pen = row->value;
-    } else {
-        look.pen = kSolidPen;
-    }
-    return look;
+    if (type.size == 0 || IsName(type, "BYLAYER")) return ofLayer;
+    if (IsName(type, "BYBLOCK")) return kPenOfInsert;
+    return PenOfLineType(dxf.form, dxf.tables.lineTypes, type);
+}
+
+static unsigned PenAt(const DxfPlace& place, unsigned pen) {
+    return pen == kPenOfInsert ? place.pen : pen == kPenOfInsertLayer ? place.layer.pen : pen;
 }
 
 static bool HasOwnAxes(const DxfGroups& groups) {
@@ -392,67 +374,223 @@ static void DrawEntity(DxfDecoder& dxf, const DxfKind& kind, DxfReader* reader) 
     const bool isInsert = kind.draw == DrawDxfInsert;
     if (isInsert) dxf.attributesHidden = true;
     if (groups.Integer(60) != 0) return;
-    const DxfLook look = LookOfEntity(dxf);
+    const DxfLook look = LookOfEntityLayer(dxf);
     if (look.frozen || (look.off && !isInsert)) return;
     if (isInsert) dxf.attributesHidden = false;
-    dxf.pen = look.pen;
+    dxf.pen = PenAt(*dxf.place, PenOfEntity(dxf, look.pen));
     dxf.map = dxf.place->map;
     if (kind.space == Space::kObject && HasOwnAxes(groups)) {
         dxf.map = Compose(dxf.map, AxesOfNormal(NormalOf(groups)), {0, 0, 0});
     }
     kind.draw(dxf, reader);
+    if (isInsert) dxf.attributesHidden = false;  // whichever inserts its block hides
 }
+
+// ---- Steps
+
+// The step of the entity in dxf.groups, which is nothing for one that is never drawn; false when it is to be drawn as
+// an entity.
+static bool TakeStep(DxfDecoder& dxf, const DxfKind& kind, bool inBlock, DxfReader* reader, DxfStep* step) {
+    const DxfGroups& groups = dxf.groups;
+    if (!kind.take || (kind.space == Space::kObject && HasOwnAxes(groups))) return false;
+    if (!inBlock && (groups.Integer(67) != 0) != dxf.paperSpace) return true;
+    if (groups.Integer(60) != 0) return true;
+    const ByteView layer = Trimmed(groups.Text(8));
+    step->onInsertLayer = inBlock && IsOnInsertLayer(layer);
+    unsigned pen = kPenOfInsertLayer;
+    if (!step->onInsertLayer) {
+        const DxfLook look = LookOfLayer(dxf, layer);
+        if (look.frozen || look.off) return true;
+        pen = look.pen;
+    }
+    step->pen = static_cast<std::uint8_t>(PenOfEntity(dxf, pen));
+    dxf.numbers.clear();
+    const std::size_t begin = groups.begin;
+    if (kind.take(dxf, reader, step)) {
+        step->numbers = dxf.numbers.data();
+        step->count = static_cast<std::uint32_t>(dxf.numbers.size());
+        return true;
+    }
+    reader->at = begin;
+    dxf.groups.Read(reader);
+    return false;
+}
+
+static DxfStep EntityStep(const DxfKind& kind, std::size_t begin) {
+    DxfStep step;
+    step.what = DxfStep::kEntity;
+    step.detail = static_cast<std::uint8_t>(&kind - kKinds);
+    step.begin = static_cast<std::uint32_t>(begin);
+    return step;
+}
+
+static void DrawStep(DxfDecoder& dxf, const DxfStep& step) {
+    const DxfPlace& place = *dxf.place;
+    const double* const n = step.numbers;
+    if (step.what == DxfStep::kEntity) {
+        DxfReader reader = {&dxf.form, step.begin};
+        dxf.groups.Read(&reader);
+        return DrawEntity(dxf, kKinds[step.detail], &reader);
+    }
+    if (step.onInsertLayer && (place.layer.frozen || place.layer.off)) return;
+    dxf.pen = PenAt(place, step.pen);
+    dxf.map = place.map;
+    switch (step.what) {
+        case DxfStep::kPoint: return DrawDxfPoint(dxf, dxf.map.Point({n[0], n[1], 0}));
+        case DxfStep::kLine: return DrawDxfLine(dxf, dxf.map.Point({n[0], n[1], 0}), dxf.map.Point({n[2], n[3], 0}));
+        case DxfStep::kCircle: return DrawCircleArc(dxf, {n[0], n[1], 0}, n[2], n[3], n[4]);
+        case DxfStep::kPolyline: return DrawDxfPolylineStep(dxf, step);
+        case DxfStep::kSpline: return DrawDxfSplineStep(dxf, step);
+        case DxfStep::kText: return DrawDxfTextStep(dxf, step);
+        case DxfStep::kEntity:
+        case DxfStep::kNothing: return;
+    }
+}
+
+bool DxfSteps::Add(DxfStep step, std::size_t* room) {
+    if (step.count) step.numbers = numbers.Add(step.numbers, step.count, room);
+    return (step.numbers || step.count == 0) && steps.Add(&step, 1, room);
+}
+
+void ClearDxfSteps(DxfDecoder& dxf, std::size_t room) {
+    dxf.steps = dxf.blockSteps = {};
+    dxf.blocks.clear();
+    for (DxfNames::Row& row : dxf.tables.blocks.rows) row.value = 0;
+    for (auto& known : dxf.layers) known.name = {};
+    dxf.stepRoom = room;
+    dxf.blockBytes = dxf.form.file.size;
+    dxf.behindSteps = kNowhere;
+}
+
+// ---- Walks
 
 // Records that belong to the entity before them and may be met without it.
 static bool IsPart(ByteView kind) { return IsName(kind, "VERTEX") || IsName(kind, "SEQEND"); }
 
-static DxfStep EntityStep(const DxfKind& kind, std::size_t begin) {
-    return {DxfStep::kEntity, 0, static_cast<std::uint8_t>(&kind - kKinds), static_cast<std::uint32_t>(begin), {}};
+struct EntityWalk {
+    DxfDecoder& dxf;
+    bool inBlock;
+    DxfReader reader;
+    std::size_t from = 0;           // where the last step began
+    std::size_t at = 0, begin = 0;  // where the entity and its pairs begin
+    // The next entity of a kind that is known, in dxf.groups; null at the end.
+    const DxfKind* Next();
+    // What it costs each time that it is drawn in a block, with all that was passed on the way to it.
+    std::uint32_t Cost() const { return 2 + static_cast<std::uint32_t>((reader.at - begin + at - from) / 16); }
+};
+
+// Whether a section or a block begins, the end of the one before being missing. There are entities called so, too, but
+// what follows them is no name.
+static bool BeginsAnother(ByteView kind, DxfReader reader) {
+    DxfPair pair;
+    if (IsName(kind, "BLOCK")) return true;
+    return IsName(kind, "SECTION") && reader.Next(&pair) && pair.code == 2;
 }
 
-std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
-    const bool inBlock = dxf.place->depth > 0;
-    DxfReader reader = {&dxf.form, begin};
+const DxfKind* EntityWalk::Next() {
     DxfPair pair;
-    DxfSteps& steps = dxf.steps;
-    bool keeps = !inBlock && dxf.IsMeasuring() && !dxf.paperSpace;
-    for (std::size_t at = reader.at; dxf.MayContinue() && reader.Next(&pair); at = reader.at) {
+    from = reader.at;
+    for (at = begin = from; dxf.MayContinue() && reader.Next(&pair); at = reader.at) {
         if (pair.code != 0) continue;
         const ByteView name = Trimmed(pair.value);
-        const DxfKind* kind = FindKind(name);
+        const DxfKind* const kind = FindKind(name);
         if (!kind) {
-            if (IsName(name, "ENDSEC") || IsName(name, "ENDBLK") || IsName(name, "EOF")) break;
+            if (IsName(name, "ENDSEC") || IsName(name, "EOF") || (inBlock && IsName(name, "ENDBLK"))) return nullptr;
+            if (BeginsAnother(name, reader)) {
+                reader.at = at;
+                return nullptr;
+            }
             if (!inBlock && !IsPart(name)) ++dxf.entityCount;
             continue;
         }
         if (!inBlock && kind->draw != DrawAttribute) ++dxf.entityCount;
-        const std::size_t before = reader.at;
+        begin = reader.at;
         dxf.groups.Read(&reader);
-        // What a block holds costs again each time that it is drawn.
-        if (inBlock && !dxf.budget.Charge(2 + static_cast<long long>((reader.at - before) / 16))) break;
-        if (keeps && steps.all.size() >= steps.most) {
-            steps.behind = at;
+        return kind;
+    }
+    return nullptr;
+}
+
+static bool IsFlat(const PlaneMap& map) { return map.xz == 0 && map.yz == 0; }
+
+std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin) {
+    const bool inBlock = dxf.place->depth > 0, isFlat = IsFlat(dxf.place->map);
+    bool keeps = !inBlock && dxf.IsMeasuring() && !dxf.paperSpace && dxf.behindSteps == kNowhere;
+    EntityWalk walk = {dxf, inBlock, {&dxf.form, begin}};
+    while (const DxfKind* kind = walk.Next()) {
+        if (inBlock && !dxf.budget.Charge(walk.Cost())) break;
+        DxfStep step;
+        if (isFlat && TakeStep(dxf, *kind, inBlock, &walk.reader, &step)) {
+            if (step.what == DxfStep::kNothing) continue;
+            DrawStep(dxf, step);
+        } else {
+            step = EntityStep(*kind, walk.begin);
+            DrawEntity(dxf, *kind, &walk.reader);
+        }
+        if (keeps && !dxf.steps.Add(step, &dxf.stepRoom)) {
+            dxf.behindSteps = walk.at;
             keeps = false;
         }
-        if (!inBlock) steps.open = keeps;
-        DrawEntity(dxf, *kind, &reader);
-        if (keeps && steps.open) steps.all.push_back(EntityStep(*kind, before));
     }
-    if (!inBlock) steps.open = false;
-    return reader.at;
+    if (inBlock) dxf.budget.Charge(static_cast<long long>((walk.reader.at - walk.from) / 16));  // what shows nothing
+    return walk.reader.at;
 }
 
 void DrawDxfSteps(DxfDecoder& dxf) {
-    for (const DxfStep& step : dxf.steps.all) {
-        if (!dxf.MayContinue()) return;
-        if (step.what == DxfStep::kEntity) {
-            DxfReader reader = {&dxf.form, step.begin};
-            dxf.groups.Read(&reader);
-            DrawEntity(dxf, kKinds[step.kind], &reader);
-        } else {
-            dxf.pen = step.pen;
+    for (const std::vector<DxfStep>& part : dxf.steps.steps.parts) {
+        for (const DxfStep& step : part) {
+            if (!dxf.MayContinue()) return;
             DrawStep(dxf, step);
         }
     }
-    if (dxf.steps.behind != kNowhere) DrawDxfEntities(dxf, dxf.steps.behind);
+    if (dxf.behindSteps == kNowhere) return;
+    DrawDxfEntities(dxf, dxf.behindSteps);
+    for (const std::size_t begin : dxf.tables.moreEntities) {
+        if (begin > dxf.behindSteps) DrawDxfEntities(dxf, begin);
+    }
+}
+
+// ---- Blocks
+
+// Reads a block's entities as steps, as far as there is room.
+static void ReadBlock(DxfDecoder& dxf, DxfBlock* block) {
+    const auto& parts = dxf.blockSteps.steps.parts;
+    block->part = parts.empty() ? 0 : parts.size() - 1;
+    block->first = parts.empty() ? 0 : parts.back().size();
+    block->isRead = true;
+    block->isKept = dxf.blockBytes > 0;
+    EntityWalk walk = {dxf, true, {&dxf.form, block->entities}};
+    while (const DxfKind* kind = block->isKept ? walk.Next() : nullptr) {
+        DxfStep step;
+        const std::uint32_t cost = walk.Cost();
+        if (TakeStep(dxf, *kind, true, &walk.reader, &step)) {
+            if (step.what == DxfStep::kNothing) continue;
+            step.cost = 1;  // and what it draws
+        } else {
+            step = EntityStep(*kind, walk.begin);
+            step.cost = cost;  // it is read each time
+        }
+        block->isKept = dxf.blockSteps.Add(step, &dxf.stepRoom);
+        ++block->stepCount;
+    }
+    dxf.blockBytes -= std::min(dxf.blockBytes, walk.reader.at - block->entities);
+}
+
+void DrawDxfBlock(DxfDecoder& dxf, DxfBlock* block) {
+    if (!block->isRead) ReadBlock(dxf, block);
+    if (!block->isKept || !IsFlat(dxf.place->map)) {
+        DrawDxfEntities(dxf, block->entities);
+        return;
+    }
+    const auto& parts = dxf.blockSteps.steps.parts;  // more may come while a block draws others
+    std::size_t part = block->part, at = block->first;
+    for (std::size_t left = block->stepCount; left > 0; --left) {
+        if (at == parts[part].size()) {
+            ++part;
+            at = 0;
+        }
+        const DxfStep& step = parts[part][at++];
+        if (!dxf.MayContinue() || !dxf.budget.Charge(step.cost)) return;
+        DrawStep(dxf, step);
+    }
 }

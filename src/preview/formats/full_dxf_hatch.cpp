@@ -24,6 +24,7 @@ struct PatternLine {
 
 struct Hatch {
     bool solid = false;
+    int solidCode = 70;  // the group that says so
     int style = 0;
     int lineCount = 0;
     PatternLine lines[kMostPatternLines];
@@ -210,10 +211,11 @@ void HatchWalk::TakePatternGroup(const DxfPair& pair) {
 }
 
 void HatchWalk::Take(const DxfPair& pair) {
+    if (part == kHead && pair.code == hatch->solidCode) {
+        hatch->solid = DxfInteger(dxf.form, pair.code, pair.value) != 0;
+        return;
+    }
     switch (pair.code) {
-        case 70:
-            if (part == kHead) hatch->solid = DxfInteger(dxf.form, 70, pair.value) != 0;
-            return;
         case 92:
             EndOfOutline();
             flags = static_cast<int>(DxfInteger(dxf.form, 92, pair.value) & 0xFF);
@@ -375,8 +377,9 @@ void DrawBoundary(DxfDecoder& dxf) {
 
 }  // namespace
 
-void DrawDxfHatch(DxfDecoder& dxf, DxfReader*) {
+static void DrawHatch(DxfDecoder& dxf, int solidCode) {
     Hatch hatch;
+    hatch.solidCode = solidCode;
     const double z = dxf.groups.Number(30);
     HatchWalk walk = {dxf, &hatch, z};
     DxfRecordWalk record(dxf.groups);
@@ -390,3 +393,6 @@ void DrawDxfHatch(DxfDecoder& dxf, DxfReader*) {
     if (hatch.lineCount == 0) return DrawBoundary(dxf);
     if (!DrawPattern(dxf, hatch, z)) EndPath(dxf);
 }
+
+void DrawDxfHatch(DxfDecoder& dxf, DxfReader*) { DrawHatch(dxf, 70); }
+void DrawDxfMPolygon(DxfDecoder& dxf, DxfReader*) { DrawHatch(dxf, 71); }  // its 70 is a version

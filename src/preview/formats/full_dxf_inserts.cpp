@@ -11,29 +11,26 @@
 
 namespace {
 
-struct Block {
-    std::uint32_t begin = 0;  // of its record
-    std::size_t entities = 0;
-    Vector3 base = {};
-    bool external = false;  // stands in another file, which is never opened
-};
-
 struct Grid {
     int columns = 1, rows = 1;
     WorldPoint column = {}, row = {};  // from one to the next, in the drawing's plane
 };
 
-bool FindBlock(DxfDecoder& dxf, ByteView name, Block* block) {
+DxfBlock* FindBlock(DxfDecoder& dxf, const DxfNames::Row& row) {
     constexpr int kExternal = 4;
-    const DxfNames::Row* const row = dxf.tables.blocks.Find(dxf.form, name);
-    if (!row) return false;
-    DxfReader reader = {&dxf.form, row->begin};
-    dxf.groups.Read(&reader);
-    block->begin = row->begin;
-    block->entities = reader.at;
-    block->base = PointOf(dxf.groups, 10);
-    block->external = dxf.groups.Integer(70) & kExternal;
-    return true;
+    std::uint32_t& number =
+        dxf.tables.blocks.rows[static_cast<std::size_t>(&row - dxf.tables.blocks.rows.data())].value;
+    if (number == 0) {
+        DxfReader reader = {&dxf.form, row.begin};
+        dxf.groups.Read(&reader);
+        DxfBlock& block = dxf.blocks.emplace_back();
+        block.begin = row.begin;
+        block.entities = reader.at;
+        block.base = PointOf(dxf.groups, 10);
+        block.external = dxf.groups.Integer(70) & kExternal;
+        number = static_cast<std::uint32_t>(dxf.blocks.size());
+    }
+    return &dxf.blocks[number - 1];
 }
 
 bool IsBeingDrawn(const DxfPlace* place, std::uint32_t block) {
@@ -44,17 +41,17 @@ bool IsBeingDrawn(const DxfPlace* place, std::uint32_t block) {
 }
 
 // Draws a block's entities once, moved in the plane.
-void DrawAt(DxfDecoder& dxf, const Block& block, DxfPlace place, WorldPoint moved) {
+void DrawAt(DxfDecoder& dxf, DxfBlock* block, DxfPlace place, WorldPoint moved) {
     place.map.x0 += moved.x;
     place.map.y0 += moved.y;
     const DxfPlace* const outer = dxf.place;
     dxf.place = &place;
-    DrawDxfEntities(dxf, block.entities);
+    DrawDxfBlock(dxf, block);
     dxf.place = outer;
 }
 
 // What a block covers at its place, and of how many elements.
-std::size_t Measure(DxfDecoder& dxf, const Block& block, const DxfPlace& place, WorldRect* box) {
+std::size_t Measure(DxfDecoder& dxf, DxfBlock* block, const DxfPlace& place, WorldRect* box) {
     BoxSink measure;
     measure.goOn = dxf.sink->goOn;
     DrawingSink* const sink = dxf.sink;
@@ -82,18 +79,19 @@ WorldRect BoxOfMapped(const PlaneMap& map, const WorldRect& box) {
 }
 
 // Whether a block need not be gone through again to measure the drawing. Only upright inserts of the drawing itself
-// have maps that a flat box can go through.
-bool CannotMatter(DxfDecoder& dxf, const Block& block, const DxfPlace& place) {
-    if (!dxf.IsMeasuring() || place.depth != 1 || place.map.xz != 0 || place.map.yz != 0) return false;
-    DxfBlockBox& known = dxf.blockBoxes[block.begin % std::size(dxf.blockBoxes)];
-    if (known.block != block.begin) {
+// have maps that a flat box can go through, and where their layer is off the block shows less than elsewhere.
+bool CannotMatter(DxfDecoder& dxf, DxfBlock* block, const DxfPlace& place) {
+    if (!dxf.IsMeasuring() || place.depth != 1 || place.layer.off || place.map.xz != 0 || place.map.yz != 0)
+        return false;
+    if (!block->isMeasured) {
         DxfPlace upright = place;
         upright.map = kFromAbove;
-        known.count = Measure(dxf, block, upright, &known.box);
-        known.block = block.begin;
+        upright.layer = {};  // another insert may show what this one's layer hides
+        block->elements = Measure(dxf, block, upright, &block->box);
+        block->isMeasured = true;
     }
-    if (known.count && dxf.box->Matters(BoxOfMapped(place.map, known.box))) return false;
-    dxf.box->count += known.count;
+    if (block->elements && dxf.box->Matters(BoxOfMapped(place.map, block->box))) return false;
+    dxf.box->count += block->elements;
     return true;
 }
 
@@ -110,7 +108,7 @@ Range RangeOf(double low, double high, int count, double spacingPixels) {
 }
 
 // A grid as far as it can be seen. To be measured, its corners are enough.
-void DrawGrid(DxfDecoder& dxf, const Block& block, const DxfPlace& place, const Grid& grid) {
+void DrawGrid(DxfDecoder& dxf, DxfBlock* block, const DxfPlace& place, const Grid& grid) {
     constexpr long long kFewPlaces = 64;
     Range columns = {0, grid.columns - 1, 1}, rows = {0, grid.rows - 1, 1};
     if (dxf.IsMeasuring()) {
@@ -148,17 +146,16 @@ void DrawGrid(DxfDecoder& dxf, const Block& block, const DxfPlace& place, const 
     }
 }
 
-// Draws a block where `map` maps its coordinates; `look` is the insert's layer's.
-void DrawBlock(DxfDecoder& dxf, ByteView name, const PlaneMap& map, const DxfLook& look, const Grid& grid) {
-    Block block;
+void DrawBlock(DxfDecoder& dxf, const DxfNames::Row& row, const PlaneMap& map, const DxfLook& look, const Grid& grid) {
     const int depth = dxf.place->depth + 1;
-    if (depth > kDeepestInsert || dxf.budget.left == 0 || !FindBlock(dxf, name, &block)) return;
-    if (block.external || IsBeingDrawn(dxf.place, block.begin)) return;
+    if (depth > kDeepestInsert || dxf.budget.left == 0) return;
+    DxfBlock* const block = FindBlock(dxf, row);
+    if (block->external || IsBeingDrawn(dxf.place, block->begin)) return;
     const Axes3 upright = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     DxfPlace place;
     place.outer = dxf.place;
-    place.map = Compose(map, upright, {-block.base.x, -block.base.y, -block.base.z});
-    place.block = block.begin;
+    place.map = Compose(map, upright, {-block->base.x, -block->base.y, -block->base.z});
+    place.block = block->begin;
     place.depth = depth;
     place.layer = look;
     place.pen = dxf.pen;
@@ -174,6 +171,17 @@ int CountOf(const DxfGroups& groups, int code, double spacing) {
 }
 
 }  // namespace
+
+void DrawDxfBlockAt(DxfDecoder& dxf, const DxfNames::Row& row, const PlaneMap& map, const DxfLook& look) {
+    DrawBlock(dxf, row, map, look, {});
+}
+
+const DxfNames::Row* FindDxfBlockOf(DxfDecoder& dxf, std::uint32_t owner) {
+    const std::vector<DxfNames::Row>& rows = dxf.tables.blocks.rows;
+    if (owner == 0 || !dxf.budget.Charge(static_cast<long long>(rows.size() / 16))) return nullptr;
+    const auto row = std::find_if(rows.begin(), rows.end(), [&](const DxfNames::Row& at) { return at.owner == owner; });
+    return row == rows.end() ? nullptr : &*row;
+}
 
 void DrawDxfInsert(DxfDecoder& dxf, DxfReader*) {
     const DxfGroups& groups = dxf.groups;
@@ -194,13 +202,9 @@ void DrawDxfInsert(DxfDecoder& dxf, DxfReader*) {
     if (!IsDrawable(grid.column) || !IsDrawable(grid.row)) return;
     const PlaneMap map = Compose(dxf.map, axes, PointOf(groups, 10));
     const DxfLook look = LookOfEntityLayer(dxf);
-    DrawBlock(dxf, groups.Text(2), map, look, grid);
-}
-
-// A dimension's block is drawn where it stands.
-void DrawDxfDimension(DxfDecoder& dxf, DxfReader*) {
-    const DxfLook look = LookOfEntityLayer(dxf);
-    DrawBlock(dxf, dxf.groups.Text(2), dxf.map, look, {});
+    if (const DxfNames::Row* const row = dxf.tables.blocks.Find(dxf.form, groups.Text(2))) {
+        DrawBlock(dxf, *row, map, look, grid);
+    }
 }
 
 // A table's block stands at a point and along a direction.
@@ -209,5 +213,7 @@ void DrawDxfTable(DxfDecoder& dxf, DxfReader*) {
     const double angle = std::atan2(groups.Number(21), groups.Number(11, 1)), c = std::cos(angle), s = std::sin(angle);
     const PlaneMap map = Compose(dxf.map, {{c, s, 0}, {-s, c, 0}, {0, 0, 1}}, PointOf(groups, 10));
     const DxfLook look = LookOfEntityLayer(dxf);
-    DrawBlock(dxf, groups.Text(2), map, look, {});
+    if (const DxfNames::Row* const row = dxf.tables.blocks.Find(dxf.form, groups.Text(2))) {
+        DrawBlock(dxf, *row, map, look, {});
+    }
 }

@@ -13,7 +13,7 @@ namespace {
 using Look = DxfParagraphs::Look;
 
 constexpr std::size_t kMostCharacters = 1 << 15, kMostLooks = 4096;
-constexpr char16_t kBreak = u'\n';
+constexpr char16_t kBreak = u'\n', kColumnBreak = u'\v';
 constexpr double kFractionHeight = 0.7, kLineDistance = 5.0 / 3;
 enum Level { kPlain = 0, kUpper = 1, kLower = 2, kLowerWithBar = 3 };
 
@@ -31,10 +31,14 @@ struct CodeReader {
 
 private:
     void Put(char16_t c);
+    void PutTab();
     void TakeCode();
+    void TakeNumberCode(char16_t code, std::u16string_view text);
     void TakeFraction(std::u16string_view parts);
     bool TakePercent();
+    void PutCode(char16_t code);
     std::u16string_view Parameter();
+    std::u16string_view NumberParameter();
 };
 
 void CodeReader::Put(char16_t c) {
@@ -50,11 +54,32 @@ void CodeReader::Put(char16_t c) {
     out.lookOf.push_back(static_cast<std::uint16_t>(out.looks.size() - 1));
 }
 
+void CodeReader::PutTab() {
+    for (int i = 0; i < 4; ++i) Put(u' ');
+}
+
+// What is no code after all is shown as it stands.
+void CodeReader::PutCode(char16_t code) {
+    Put(u'\\');
+    Put(code);
+}
+
 // Up to the semicolon that ends a code; an unended one reaches to the end.
 std::u16string_view CodeReader::Parameter() {
     const std::size_t end = std::min(s.find(u';', at), s.size());
     const std::u16string_view out = std::u16string_view(s).substr(at, end - at);
     at = std::min(end + 1, s.size());
+    return out;
+}
+
+// A number, and the semicolon behind it where there is one: not every writer ends these codes.
+std::u16string_view CodeReader::NumberParameter() {
+    const std::size_t begin = at;
+    while (at < s.size() && ((s[at] >= u'0' && s[at] <= u'9') || s[at] == u'.' || s[at] == u'+' || s[at] == u'-')) ++at;
+    if (at == begin) return {};
+    if (at < s.size() && (s[at] == u'x' || s[at] == u'X')) ++at;
+    const std::u16string_view out = std::u16string_view(s).substr(begin, at - begin);
+    if (at < s.size() && s[at] == u';') ++at;
     return out;
 }
 
@@ -88,13 +113,24 @@ void CodeReader::TakeFraction(std::u16string_view parts) {
     look = before;
 }
 
-void CodeReader::TakeCode() {
+void CodeReader::TakeNumberCode(char16_t code, std::u16string_view text) {
     constexpr double kMostFactor = 1000;
+    const double value = NumberIn(text);
+    const bool relative = text.back() == u'x' || text.back() == u'X';
+    const auto isFactor = [](double factor) { return factor > 1 / kMostFactor && factor < kMostFactor; };
+    const double height = relative ? look.height * value : value / textHeight;
+    if (code == u'H' && isFactor(height)) look.height = height;
+    if (code == u'W' && isFactor(value)) look.widthFactor = value;
+    if (code == u'Q') look.obliqueDegrees = std::clamp(value, -85.0, 85.0);
+}
+
+void CodeReader::TakeCode() {
+    constexpr std::size_t kLongestFont = 256;
     const char16_t code = s[at++];
     switch (code) {
         case u'P':
-        case u'N':
         case u'X': Put(kBreak); break;
+        case u'N': Put(kColumnBreak); break;
         case u'~': Put(u'\u00A0'); break;
         case u'\\':
         case u'{':
@@ -105,26 +141,23 @@ void CodeReader::TakeCode() {
         case u'o': look.overlined = false; break;
         case u'K': look.struckOut = true; break;
         case u'k': look.struckOut = false; break;
+        case u'F':
+        case u'f':
+            if (std::u16string_view(s).substr(at, kLongestFont).find(u';') == std::u16string_view::npos) PutCode(code);
+            else Parameter();
+            break;
         case u'A':
         case u'C':
         case u'c':
-        case u'F':
-        case u'f':
-        case u'T': Parameter(); break;
-        case u'H': {
-            const std::u16string_view text = Parameter();
-            const double value = NumberIn(text);
-            const bool relative = !text.empty() && (text.back() == u'x' || text.back() == u'X');
-            const double factor = relative ? look.height * value : value / textHeight;
-            if (factor > 1 / kMostFactor && factor < kMostFactor) look.height = factor;
+        case u'T':
+        case u'H':
+        case u'W':
+        case u'Q': {
+            const std::u16string_view text = NumberParameter();
+            if (text.empty()) PutCode(code);
+            else TakeNumberCode(code, text);
             break;
         }
-        case u'W': {
-            const double factor = NumberIn(Parameter());
-            if (factor > 1 / kMostFactor && factor < kMostFactor) look.widthFactor = factor;
-            break;
-        }
-        case u'Q': look.obliqueDegrees = std::clamp(NumberIn(Parameter()), -85.0, 85.0); break;
         case u'p': {
             const std::u16string_view text = Parameter();
             const std::size_t q = text.find(u'q');
@@ -135,9 +168,7 @@ void CodeReader::TakeCode() {
             break;
         }
         case u'S': TakeFraction(Parameter()); break;
-        default:  // no code: shown as it stands
-            Put(u'\\');
-            Put(code);
+        default: PutCode(code);
     }
 }
 
@@ -171,12 +202,13 @@ void CodeReader::Read() {
             at += 2;
             if (next == u'J') Put(kBreak);
             else if (next == u' ') Put(u'^');
-            else if (next == u'I') Put(u'\t');
+            else if (next == u'I') PutTab();
             else if (next != u'M') Put(c), --at;
         } else if (c == u'%' && TakePercent()) {
         } else {
             ++at;
             if (c >= u' ') Put(c);
+            else if (c == u'\t') PutTab();
         }
     }
 }
@@ -184,10 +216,8 @@ void CodeReader::Read() {
 // ---- Lines
 
 double WidthOf(const DxfParagraphs& p, std::size_t i) {
-    constexpr char16_t kSpaces[] = u"    ";
     const Look& look = p.looks[p.lookOf[i]];
-    const bool tab = p.characters[i] == u'\t';
-    return WidthOfText(tab ? kSpaces : &p.characters[i], tab ? 4 : 1, look.height) * look.widthFactor;
+    return WidthOfText(&p.characters[i], 1, look.height) * look.widthFactor;
 }
 
 double HeightOf(const Look& look) { return look.level == kPlain ? look.height : look.height / kFractionHeight; }
@@ -200,19 +230,22 @@ void FindLines(DxfParagraphs* p, double width) {
     std::size_t begin = 0, breakAt = 0;
     double line = 0, sinceBreak = 0;
     double upper = 0;  // of an open fraction
+    bool newColumn = false;
     p->lines.clear();
     const auto end = [&](std::size_t to, std::size_t next) {
-        if (p->lines.size() < kMostLines) p->lines.push_back({begin, to, 0});
+        if (p->lines.size() < kMostLines) p->lines.push_back({begin, to, 0, newColumn, 0, 0});
         begin = breakAt = next;
+        newColumn = false;
     };
     for (std::size_t i = 0; i < p->characters.size(); ++i) {
         const char16_t c = p->characters[i];
-        if (c == kBreak) {
+        if (c == kBreak || c == kColumnBreak) {
             end(i, i + 1);
+            newColumn = c == kColumnBreak;
             line = sinceBreak = 0;
             continue;
         }
-        if (c == u' ' || c == u'\t') {
+        if (c == u' ') {
             breakAt = i + 1;
             sinceBreak = 0;
         } else if (IsWideCharacter(c)) {
@@ -261,7 +294,7 @@ struct Frame {
         return {o.x + a.x * x + u.x * y, o.y + a.y * x + u.y * y, o.z + a.z * x + u.z * y};
     }
     void DrawRun(std::size_t begin, std::size_t end, double x, double y, int horizontal, double fitWidth) const;
-    void DrawLine(const DxfParagraphs::Line& line, double x, double y, int horizontal) const;
+    void DrawLine(const DxfParagraphs::Line& line, int horizontal) const;
 };
 
 void Frame::DrawRun(std::size_t begin, std::size_t end, double x, double y, int horizontal, double fitWidth) const {
@@ -275,15 +308,17 @@ void Frame::DrawRun(std::size_t begin, std::size_t end, double x, double y, int 
     text.struckOut = look.struckOut;
     const DxfTextPlace at = {At(x, y), place.place.along, place.place.up};
     if (PlaceText(dxf, at, look.height * place.height, look.widthFactor * place.widthFactor, fitWidth * place.height,
-                  look.obliqueDegrees, &text)) {
+                  look.obliqueDegrees + place.obliqueDegrees, &text)) {
         DrawDxfText(dxf, text);
     }
 }
 
 // A line of one look is the sink's to align. One of several is laid out by the widths that we know.
-void Frame::DrawLine(const DxfParagraphs::Line& line, double x, double y, int horizontal) const {
+void Frame::DrawLine(const DxfParagraphs::Line& line, int horizontal) const {
     const DxfParagraphs& p = dxf.paragraphs;
     if (line.begin == line.end) return;
+    double x = line.x;
+    const double y = line.y;
     const int own = p.looks[p.lookOf[line.begin]].align;
     if (own >= 0 && own != horizontal && place.width > 0) {
         x += (own - horizontal) * place.width / place.height / 2;
@@ -322,6 +357,34 @@ void Frame::DrawLine(const DxfParagraphs::Line& line, double x, double y, int ho
     }
 }
 
+// Where the lines stand, in heights of the text: from the top down, and from column to column. Tells how deep they go.
+double PlaceLines(DxfParagraphs* p, const DxfParagraphPlace& place, int horizontal) {
+    const DxfTextColumns& columns = place.columns;
+    const double distance = kLineDistance * (place.spacing > 0.1 && place.spacing < 10 ? place.spacing : 1);
+    const double step = columns.count > 1 ? (place.width + columns.gutter) / place.height : 0;
+    double y = 0, deepest = 0;
+    int column = 0;
+    bool first = true;  // of its column
+    for (DxfParagraphs::Line& line : p->lines) {
+        const auto next = [&] { return y - line.height * (first ? 1 : distance); };
+        const double room = columns.heights[std::min(column, kMostTextColumns - 1)] / place.height;
+        const bool isFull = !first && (line.newColumn || (room > 0 && -next() > room * 1.0001));
+        if (isFull && column + 1 < columns.count) {
+            ++column;
+            y = 0;
+            first = true;
+        }
+        y = next();
+        first = false;
+        line.x = (columns.reversed ? columns.count - 1 - column : column) * step;
+        line.y = y;
+        deepest = std::min(deepest, y);
+    }
+    // The place is one of all columns' frame, a line's x one of its own column.
+    for (DxfParagraphs::Line& line : p->lines) line.x -= (columns.count - 1) * step * horizontal / 2;
+    return -deepest;
+}
+
 }  // namespace
 
 void DrawParagraphs(DxfDecoder& dxf, const DxfParagraphPlace& place) {
@@ -339,17 +402,16 @@ void DrawParagraphs(DxfDecoder& dxf, const DxfParagraphPlace& place) {
     if (p.characters.empty()) return;
     FindLines(&p, place.width / place.height / place.widthFactor);
 
-    const double distance = kLineDistance * (place.spacing > 0.1 && place.spacing < 10 ? place.spacing : 1);
-    double total = p.lines[0].height;
-    for (std::size_t i = 1; i < p.lines.size(); ++i) total += p.lines[i].height * distance;
-    const int attachment = std::clamp(place.attachment, 1, 9) - 1;
-    double y = -p.lines[0].height;  // the first line's base
-    if (attachment / 3 == 1) y += total / 2;
-    if (attachment / 3 == 2) y += total + kDescent * p.lines.back().height;
+    const int attachment = std::clamp(place.attachment, 1, 9) - 1, horizontal = attachment % 3;
+    double up = 0;
+    const double total = PlaceLines(&p, place, horizontal);
+    if (attachment / 3 == 1) up = total / 2;
+    if (attachment / 3 == 2) up = total + kDescent * p.lines.back().height;
     const Frame frame = {dxf, place};
-    for (std::size_t i = 0; i < p.lines.size() && dxf.MayContinue(); ++i) {
-        if (i) y -= p.lines[i].height * distance;
-        frame.DrawLine(p.lines[i], 0, y, attachment % 3);
+    for (DxfParagraphs::Line& line : p.lines) {
+        if (!dxf.MayContinue()) return;
+        line.y += up;
+        frame.DrawLine(line, horizontal);
     }
 }
 
@@ -367,6 +429,40 @@ Vector3 AlongText(Vector3 a) {
 
 Vector3 UpFromText(Vector3 n, Vector3 a) {
     return {n.y * a.z - n.z * a.y, n.z * a.x - n.x * a.z, n.x * a.y - n.y * a.x};
+}
+
+static void SetColumns(double count, double width, double gutter, double height, DxfParagraphPlace* place) {
+    if (!(count >= 2) || !(width > 0) || !IsDrawable(width) || !IsDrawable(gutter)) return;
+    place->columns.count = static_cast<int>(std::min(count, 1.0 * kMostTextColumns));
+    place->columns.gutter = gutter;
+    place->width = width;
+    for (double& room : place->columns.heights) {
+        if (!(room > 0)) room = height;
+    }
+}
+
+static void TakeColumns(const DxfGroups& groups, DxfParagraphPlace* place) {
+    place->columns.reversed = groups.Integer(78) != 0;
+    SetColumns(groups.Integer(76), groups.Number(48), groups.Number(49), groups.Number(46), place);
+}
+
+// Newer files keep the columns in an object that is embedded in the text.
+static void TakeEmbeddedColumns(const DxfDecoder& dxf, DxfParagraphPlace* place) {
+    DxfReader reader = {&dxf.form, dxf.groups.embedded};
+    DxfGroups object;
+    object.Read(&reader);
+    if (object.Integer(71) == 0) return;
+    DxfRecordWalk record(object);
+    DxfPair pair;
+    int heights = 0;
+    while (record.Next(&pair) && heights < kMostTextColumns) {
+        if (pair.code == 46) place->columns.heights[heights++] = DxfNumber(dxf.form, 46, pair.value);
+    }
+    const double width = object.Number(44), gutter = object.Number(45), total = object.Number(42);
+    double count = object.Integer(72);
+    if (count == 0 && width + gutter > 0) count = std::round((total + gutter) / (width + gutter));
+    place->columns.reversed = object.Integer(74) != 0;
+    SetColumns(count, width, gutter, object.Number(41), place);
 }
 
 void DrawDxfMText(DxfDecoder& dxf, DxfReader*) {
@@ -389,6 +485,10 @@ void DrawDxfMText(DxfDecoder& dxf, DxfReader*) {
     place.width = std::max(groups.Number(41), 0.0);
     place.spacing = groups.Number(44, 1);
     place.attachment = groups.Integer(71, 1);
-    place.widthFactor = TextStyleOf(dxf, groups.Text(7)).widthFactor;
+    const DxfTextStyle style = TextStyleOf(dxf, groups.Text(7));
+    place.widthFactor = style.widthFactor;
+    place.obliqueDegrees = style.obliqueDegrees;
+    if (groups.embedded != kNowhere) TakeEmbeddedColumns(dxf, &place);
+    else if (groups.Integer(75)) TakeColumns(groups, &place);
     DrawParagraphs(dxf, place);
 }

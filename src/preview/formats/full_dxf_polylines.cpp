@@ -115,10 +115,11 @@ void Polyline::Finish(bool closed) {
 
 }  // namespace
 
-void DrawDxfLwPolyline(DxfDecoder& dxf, DxfReader*) {
+// Calls `add` with vertex after vertex of the LWPOLYLINE in dxf.groups, as long as it wants more.
+template <typename Add>
+static void ForLwVertices(const DxfDecoder& dxf, const Add& add) {
     const DxfGroups& groups = dxf.groups;
     const double elevation = groups.Number(38), width = groups.Number(43);
-    Polyline line = {dxf, true, 0, {}, {}};
     DxfRecordWalk record(groups);
     DxfPair pair;
     Vertex vertex;
@@ -126,10 +127,7 @@ void DrawDxfLwPolyline(DxfDecoder& dxf, DxfReader*) {
     while (record.Next(&pair)) {
         switch (pair.code) {
             case 10:
-                if (open) {
-                    line.Add(vertex);
-                    if (!dxf.MayContinue()) return;
-                }
+                if (open && !add(vertex)) return;
                 open = true;
                 vertex = {DxfNumber(dxf.form, 10, pair.value), 0, elevation, 0, width, width};
                 break;
@@ -140,8 +138,76 @@ void DrawDxfLwPolyline(DxfDecoder& dxf, DxfReader*) {
             default: break;
         }
     }
-    if (open) line.Add(vertex);
-    line.Finish(groups.Integer(70) & 1);
+    if (open) add(vertex);
+}
+
+void DrawDxfLwPolyline(DxfDecoder& dxf, DxfReader*) {
+    Polyline line = {dxf, true, 0, {}, {}};
+    ForLwVertices(dxf, [&](const Vertex& vertex) {
+        line.Add(vertex);
+        return dxf.MayContinue();
+    });
+    line.Finish(dxf.groups.Integer(70) & 1);
+}
+
+// ---- Steps
+
+namespace {
+
+// What a step says of its polyline, and whether its vertices have more than x and y: then bulges, and behind them
+// widths.
+enum PolylineForm : std::uint8_t { kFlatForm = 1, kClosedForm = 2, kBulges = 4, kWidths = 8 };
+
+std::size_t NumbersOfVertex(int form) { return form & kWidths ? 5 : form & kBulges ? 3 : 2; }
+
+// Gathers a polyline's vertices, all with five numbers at first.
+struct PolylineTaker {
+    std::vector<double>& numbers;
+    int form;
+    bool Add(const Vertex& vertex);  // false when it is too long for a step
+    void Finish(DxfStep* step);
+};
+
+bool PolylineTaker::Add(const Vertex& v) {
+    constexpr std::size_t kMost = 1 << 16;
+    if (numbers.size() >= kMost) return false;
+    if (v.bulge != 0) form |= kBulges;
+    if (v.startWidth != 0 || v.endWidth != 0) form |= kWidths;
+    numbers.insert(numbers.end(), {v.x, v.y, v.bulge, v.startWidth, v.endWidth});
+    return true;
+}
+
+void PolylineTaker::Finish(DxfStep* step) {
+    const std::size_t size = NumbersOfVertex(form), count = numbers.size() / 5;
+    for (std::size_t i = 1; i < count; ++i) std::copy_n(&numbers[i * 5], size, &numbers[i * size]);
+    numbers.resize(count * size);
+    step->what = DxfStep::kPolyline;
+    step->detail = static_cast<std::uint8_t>(form);
+}
+
+}  // namespace
+
+bool TakeDxfLwPolyline(DxfDecoder& dxf, DxfReader*, DxfStep* step) {
+    PolylineTaker taker = {dxf.numbers, kFlatForm | (dxf.groups.Integer(70) & 1 ? kClosedForm : 0)};
+    bool fits = true;
+    ForLwVertices(dxf, [&](const Vertex& vertex) { return fits = taker.Add(vertex); });
+    if (fits) taker.Finish(step);
+    return fits;
+}
+
+void DrawDxfPolylineStep(DxfDecoder& dxf, const DxfStep& step) {
+    Polyline line = {dxf, (step.detail & kFlatForm) != 0, 0, {}, {}};
+    const std::size_t size = NumbersOfVertex(step.detail);
+    const double* const end = step.numbers + step.count;
+    Vertex vertex;
+    for (const double* n = step.numbers; n != end && dxf.MayContinue(); n += size) {
+        vertex.x = n[0];
+        vertex.y = n[1];
+        if (size > 2) vertex.bulge = n[2];
+        if (size > 3) vertex.startWidth = n[3], vertex.endWidth = n[4];
+        line.Add(vertex);
+    }
+    line.Finish(step.detail & kClosedForm);
 }
 
 // ---- POLYLINE
@@ -163,7 +229,7 @@ bool NextVertex(DxfDecoder& dxf, DxfReader* reader) {
         return false;
     }
     dxf.groups.Read(reader);
-    dxf.budget.Charge(1);
+    dxf.budget.Charge(1 + static_cast<long long>((reader->at - before) / 16));
     return true;
 }
 
@@ -216,20 +282,46 @@ void DrawFaces(DxfDecoder& dxf, DxfReader* reader) {
 
 }  // namespace
 
+// Calls `add` with vertex after vertex of the POLYLINE in dxf.groups, as long as it wants more.
+template <typename Add>
+static void ForVertices(DxfDecoder& dxf, DxfReader* reader, bool flat, const Add& add) {
+    const DxfGroups& groups = dxf.groups;
+    const double elevation = groups.Number(30), startWidth = groups.Number(40), endWidth = groups.Number(41);
+    while (NextVertex(dxf, reader)) {
+        if (groups.Integer(70) & kFramePoint) continue;  // what a smooth line was made from
+        const Vertex vertex = {groups.Number(10),
+                               groups.Number(20),
+                               flat ? elevation : groups.Number(30),
+                               groups.Number(42),
+                               groups.Number(40, startWidth),
+                               groups.Number(41, endWidth)};
+        if (!add(vertex)) return;
+    }
+}
+
 void DrawDxfPolyline(DxfDecoder& dxf, DxfReader* reader) {
     const DxfGroups& groups = dxf.groups;
     const int flags = groups.Integer(70);
-    const double elevation = groups.Number(30), startWidth = groups.Number(40), endWidth = groups.Number(41);
     const int n = groups.Integer(72), smoothN = groups.Integer(74);
     const bool flat = !(flags & (k3d | kMesh | kFaces));
     if (!flat) dxf.map = dxf.place->map;  // three-dimensional ones are not in their own axes
     if (flags & kFaces) return DrawFaces(dxf, reader);
     if (flags & kMesh) return DrawMesh(dxf, reader, flags, (flags & kSplined) && smoothN > 0 ? smoothN : n);
     Polyline line = {dxf, flat, 0, {}, {}};
-    while (NextVertex(dxf, reader)) {
-        if (groups.Integer(70) & kFramePoint) continue;  // what a smooth line was made from
-        line.Add({groups.Number(10), groups.Number(20), flat ? elevation : groups.Number(30), groups.Number(42),
-                  groups.Number(40, startWidth), groups.Number(41, endWidth)});
-    }
+    ForVertices(dxf, reader, flat, [&](const Vertex& vertex) {
+        line.Add(vertex);
+        return true;
+    });
     line.Finish(flags & kClosed);
+}
+
+bool TakeDxfPolyline(DxfDecoder& dxf, DxfReader* reader, DxfStep* step) {
+    const int flags = dxf.groups.Integer(70);
+    if (flags & (kMesh | kFaces)) return false;
+    const bool flat = !(flags & k3d);
+    PolylineTaker taker = {dxf.numbers, (flat ? kFlatForm : 0) | (flags & kClosed ? kClosedForm : 0)};
+    bool fits = true;
+    ForVertices(dxf, reader, flat, [&](const Vertex& vertex) { return fits = taker.Add(vertex); });
+    if (fits) taker.Finish(step);
+    return fits;
 }

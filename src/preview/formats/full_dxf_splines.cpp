@@ -229,22 +229,24 @@ void PathAlong(DxfDecoder& dxf, DxfSpline* spline) {
 
 // ---- SPLINE
 
-void DrawDxfSpline(DxfDecoder& dxf, DxfReader*) {
+// From dxf.groups to dxf.spline, as the map has it.
+static void ReadSpline(DxfDecoder& dxf, const PlaneMap& map) {
     DxfSpline& spline = dxf.spline;
     spline.Clear();
     spline.degree = dxf.groups.Integer(71, 3);
     spline.closed = dxf.groups.Integer(70) & 1;
-    if (dxf.groups.Has(12)) spline.startTangent = dxf.map.Direction(PointOf(dxf.groups, 12));
-    if (dxf.groups.Has(13)) spline.endTangent = dxf.map.Direction(PointOf(dxf.groups, 13));
+    if (dxf.groups.Has(12)) spline.startTangent = map.Direction(PointOf(dxf.groups, 12));
+    if (dxf.groups.Has(13)) spline.endTangent = map.Direction(PointOf(dxf.groups, 13));
     DxfRecordWalk record(dxf.groups);
     DxfPair pair;
     Vector3 point = {};
     std::vector<WorldPoint>* open = nullptr;
     const auto flush = [&] {
-        if (open && open->size() < kMostSplinePoints) open->push_back(dxf.map.Point(point));
+        if (open && open->size() < kMostSplinePoints) open->push_back(map.Point(point));
         open = nullptr;
     };
     while (record.Next(&pair) && dxf.MayContinue()) {
+        if (pair.code == 100 && IsName(Trimmed(pair.value), "AcDbHelix")) break;  // its axis and turns follow
         if (pair.code < 10 || pair.code > 59) continue;
         const double value = DxfNumber(dxf.form, pair.code, pair.value);
         switch (pair.code) {
@@ -268,7 +270,64 @@ void DrawDxfSpline(DxfDecoder& dxf, DxfReader*) {
         }
     }
     flush();
+}
+
+static void DrawSpline(DxfDecoder& dxf) {
     BeginPath(dxf);
-    PathAlong(dxf, &spline);
+    PathAlong(dxf, &dxf.spline);
     EndPath(dxf);
+}
+
+void DrawDxfSpline(DxfDecoder& dxf, DxfReader*) {
+    ReadSpline(dxf, dxf.map);
+    DrawSpline(dxf);
+}
+
+// A step has the degree, the numbers of control points, fit points and weights, both tangents, and behind them the
+// points, weights and knots.
+static constexpr std::size_t kSplineHead = 8;
+
+bool TakeDxfSpline(DxfDecoder& dxf, DxfReader*, DxfStep* step) {
+    constexpr std::size_t kMost = 1 << 14;
+    ReadSpline(dxf, kFromAbove);
+    const DxfSpline& s = dxf.spline;
+    if (s.controls.size() > kMost || s.fits.size() > kMost || s.knots.size() > kMost) return false;
+    std::vector<double>& out = dxf.numbers;
+    out = {static_cast<double>(s.degree),
+           static_cast<double>(s.controls.size()),
+           static_cast<double>(s.fits.size()),
+           static_cast<double>(s.weights.size()),
+           s.startTangent.x,
+           s.startTangent.y,
+           s.endTangent.x,
+           s.endTangent.y};
+    for (const auto* points : {&s.controls, &s.fits}) {
+        for (const WorldPoint& p : *points) out.insert(out.end(), {p.x, p.y});
+    }
+    out.insert(out.end(), s.weights.begin(), s.weights.end());
+    out.insert(out.end(), s.knots.begin(), s.knots.end());
+    step->what = DxfStep::kSpline;
+    step->detail = s.closed;
+    return true;
+}
+
+void DrawDxfSplineStep(DxfDecoder& dxf, const DxfStep& step) {
+    const double *at = step.numbers + kSplineHead, *const head = step.numbers, *const end = head + step.count;
+    DxfSpline& s = dxf.spline;
+    s.degree = static_cast<int>(head[0]);
+    s.closed = step.detail != 0;
+    s.startTangent = dxf.map.Direction({head[4], head[5], 0});
+    s.endTangent = dxf.map.Direction({head[6], head[7], 0});
+    s.controls.resize(static_cast<std::size_t>(head[1]));
+    s.fits.resize(static_cast<std::size_t>(head[2]));
+    for (auto* points : {&s.controls, &s.fits}) {
+        for (WorldPoint& p : *points) {
+            p = dxf.map.Point({at[0], at[1], 0});
+            at += 2;
+        }
+    }
+    const auto weights = static_cast<std::size_t>(head[3]);
+    s.weights.assign(at, at + weights);
+    s.knots.assign(at + weights, end);
+    DrawSpline(dxf);
 }

@@ -15,7 +15,7 @@ void DxfGroups::Read(DxfReader* reader) {
     form = reader->form;
     begin = reader->at;
     std::fill(std::begin(present), std::end(present), 0);
-    behindKept = kNowhere;
+    behindKept = embedded = kNowhere;
     unsigned count = 0;
     bool open = true;
     for (;;) {
@@ -29,6 +29,7 @@ void DxfGroups::Read(DxfReader* reader) {
         if (!open) continue;
         if (IsEmbeddedObject(pair)) {
             open = false;
+            embedded = reader->at;
             continue;
         }
         const auto code = static_cast<unsigned>(pair.code);
@@ -76,7 +77,8 @@ static std::uint32_t HashOfName(ByteView name) {
 
 void DxfNames::Add(ByteView name, std::size_t begin, std::size_t pair) {
     if (rows.size() >= kMostRows) return;
-    rows.push_back({HashOfName(Trimmed(name)), static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(pair), 0});
+    rows.push_back(
+        {HashOfName(Trimmed(name)), static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(pair), 0, 0});
 }
 
 void DxfNames::Sort() {
@@ -135,13 +137,19 @@ static unsigned PenOfPattern(const DxfForm& form, std::size_t begin) {
     return dots == 0 ? 2 : dots == 1 ? 3 : 4;
 }
 
-static unsigned PenOfLineType(const DxfForm& form, const DxfNames::Row& type) {
-    const ByteView name = NameOfRow(form, type);
+// Null where the name tells nothing.
+static const PenName* FindPenName(ByteView name) {
     for (const PenName& row : kPenNames) {
         const std::size_t length = std::strlen(row.name);
-        if (name.size >= length && IsName({name.data, length}, row.name)) return row.pen;
+        if (name.size >= length && IsName({name.data, length}, row.name)) return &row;
     }
-    return PenOfPattern(form, type.begin);
+    return nullptr;
+}
+
+unsigned PenOfLineType(const DxfForm& form, const DxfNames& lineTypes, ByteView name) {
+    if (const DxfNames::Row* const row = lineTypes.Find(form, name)) return row->value;
+    const PenName* const known = FindPenName(name);
+    return known ? known->pen : 0;
 }
 
 static std::uint32_t FlagsOfLayer(const DxfForm& form, const DxfNames& lineTypes, std::size_t begin) {
@@ -151,8 +159,7 @@ static std::uint32_t FlagsOfLayer(const DxfForm& form, const DxfNames& lineTypes
     std::uint32_t flags = 0;
     if (layer.Integer(62) < 0) flags |= kLayerOff;
     if (layer.Integer(70) & 1) flags |= kLayerFrozen;
-    if (const DxfNames::Row* lineType = lineTypes.Find(form, layer.Text(6))) flags |= lineType->value;
-    return flags;
+    return flags | PenOfLineType(form, lineTypes, Trimmed(layer.Text(6)));
 }
 
 // ---- The walk
@@ -168,6 +175,28 @@ static Section SectionOf(ByteView name) {
     return Section::kOther;
 }
 
+// The header's names of what a dimension style holds.
+static constexpr struct {
+    const char* name;
+    int code;
+} kDimensionNames[] = {{"$DIMSCALE", 40}, {"$DIMASZ", 41},  {"$DIMEXO", 42}, {"$DIMEXE", 44},
+                       {"$DIMTAD", 77},   {"$DIMTXT", 140}, {"$DIMGAP", 147}};
+
+void TakeDimensionValue(const DxfForm& form, int code, const DxfPair& value, DxfDimensionStyle* style) {
+    const auto number = [&] { return DxfNumber(form, value.code, value.value); };
+    switch (code) {
+        case 40: style->scale = number(); break;
+        case 41: style->arrow = number(); break;
+        case 42: style->offset = number(); break;
+        case 44: style->beyond = number(); break;
+        case 77: style->textAbove = number() != 0; break;
+        case 140: style->text = number(); break;
+        case 147: style->gap = number(); break;
+        case 341: style->leaderArrow = DxfHandle(value.value); break;
+        default: break;
+    }
+}
+
 static void TakeVariable(const DxfForm& form, ByteView name, const DxfPair& pair, DxfTables* out) {
     if (IsName(name, "$ACADVER") && pair.code == 1) {
         const ByteView text = Trimmed(pair.value);
@@ -181,6 +210,10 @@ static void TakeVariable(const DxfForm& form, ByteView name, const DxfPair& pair
         out->units = static_cast<int>(std::clamp(DxfInteger(form, pair.code, pair.value), 0ll, 999ll));
     } else if (IsName(name, "$TITLE") && pair.code == 1) {
         out->title = Trimmed(pair.value);
+    } else if (MatchAt(name, 0, "$DIM")) {
+        for (const auto& row : kDimensionNames) {
+            if (IsName(name, row.name)) TakeDimensionValue(form, row.code, pair, &out->dimensionStyle);
+        }
     }
 }
 
@@ -188,27 +221,62 @@ static DxfNames* TableOf(ByteView kind, DxfTables* tables) {
     if (IsName(kind, "LAYER")) return &tables->layers;
     if (IsName(kind, "LTYPE")) return &tables->lineTypes;
     if (IsName(kind, "STYLE")) return &tables->styles;
+    if (IsName(kind, "DIMSTYLE")) return &tables->dimensionStyles;
     return nullptr;
+}
+
+static std::uint32_t OwnerOfBlock(const DxfForm& form, std::size_t begin) {
+    DxfReader reader = {&form, begin};
+    DxfPair pair;
+    while (NextInRecord(&reader, &pair)) {
+        if (pair.code == 330) return DxfHandle(pair.value);
+    }
+    return 0;
+}
+
+// A row that is read again for each entity that refers to it may not be longer than any writer makes it.
+static void DropLongRows(const DxfForm& form, DxfNames* names) {
+    constexpr std::size_t kMostPairs = 256, kMostBytes = 8192;
+    const auto isLong = [&](const DxfNames::Row& row) {
+        DxfReader reader = {&form, row.begin};
+        DxfPair pair;
+        std::size_t pairs = 0;
+        while (NextInRecord(&reader, &pair)) ++pairs;
+        return pairs > kMostPairs || reader.at - row.begin > kMostBytes;
+    };
+    names->rows.erase(std::remove_if(names->rows.begin(), names->rows.end(), isLong), names->rows.end());
 }
 
 // What rows are worth, once all of them are known.
 static void ResolveTables(const DxfForm& form, DxfTables* tables) {
-    for (DxfNames* names : {&tables->layers, &tables->lineTypes, &tables->styles, &tables->blocks}) names->Sort();
-    for (DxfNames::Row& row : tables->lineTypes.rows) row.value = PenOfLineType(form, row);
+    for (DxfNames* names :
+         {&tables->layers, &tables->lineTypes, &tables->styles, &tables->dimensionStyles, &tables->blocks})
+        names->Sort();
+    DropLongRows(form, &tables->styles);
+    DropLongRows(form, &tables->dimensionStyles);
+    for (DxfNames::Row& row : tables->lineTypes.rows) {
+        const PenName* const known = FindPenName(NameOfRow(form, row));
+        row.value = known ? known->pen : PenOfPattern(form, row.begin);
+    }
     for (DxfNames::Row& row : tables->layers.rows) row.value = FlagsOfLayer(form, tables->lineTypes, row.begin);
     tables->layerCount = tables->layers.rows.size();
     tables->blockCount = 0;
-    for (const DxfNames::Row& row : tables->blocks.rows) {
+    for (DxfNames::Row& row : tables->blocks.rows) {
+        row.owner = OwnerOfBlock(form, row.begin);
         if (!MatchAt(NameOfRow(form, row), 0, "*")) ++tables->blockCount;  // the file's own, as a user counts
     }
 }
 
 static std::size_t RowsOf(const DxfTables& tables) {
-    return tables.layers.rows.size() + tables.lineTypes.rows.size() + tables.styles.rows.size() +
-           tables.blocks.rows.size();
+    std::size_t count = tables.moreEntities.size();
+    for (const DxfNames* names :
+         {&tables.layers, &tables.lineTypes, &tables.styles, &tables.dimensionStyles, &tables.blocks})
+        count += names->rows.size();
+    return count;
 }
 
 bool SurveyDxf(const DxfForm& form, std::size_t begin, const std::atomic<std::int32_t>& goOn, DxfTables* out) {
+    constexpr std::size_t kMostSections = 64, kLongestName = 1024;
     constexpr int kMostLoose = 32;  // entities without a section around them that tell a file of nothing else
     const std::size_t rowsBefore = RowsOf(*out);
     Section section = begin == form.begin ? Section::kNone : Section::kOther;
@@ -240,12 +308,16 @@ bool SurveyDxf(const DxfForm& form, std::size_t begin, const std::atomic<std::in
         } else if (pair.code == 2 && expectSection) {
             expectSection = false;
             section = SectionOf(pair.value);
-            if (section == Section::kEntities && begin == form.begin) {
+            if (section != Section::kEntities) continue;
+            if (begin == form.begin) {
                 out->entities = reader.at;
                 break;
             }
+            if (out->moreEntities.size() < kMostSections)
+                out->moreEntities.push_back(static_cast<std::uint32_t>(reader.at));
         } else if (pair.code == 2 && named) {
-            named->Add(pair.value, record, before);
+            // The pair is read again by each search, so nothing else may stand in it.
+            if (reader.at - before <= kLongestName) named->Add(pair.value, record, before);
             named = nullptr;
         } else if (pair.code == 999) {
             if (out->remarks == kNowhere) out->remarks = before;

@@ -14,7 +14,8 @@ constexpr std::size_t kNowhere = SIZE_MAX;
 // mark belong to that object.
 struct DxfGroups {
     const DxfForm* form = nullptr;
-    std::size_t begin = 0;  // of its pairs, behind the one that names it
+    std::size_t begin = 0;            // of its pairs, behind the one that names it
+    std::size_t embedded = kNowhere;  // of those of an embedded object
     bool Has(int code) const { return present[code >> 6] >> (code & 63) & 1; }
     ByteView Text(int code) const { return Has(code) ? Value(code) : ByteView{}; }
     double Number(int code, double missing = 0) const {
@@ -58,6 +59,7 @@ struct DxfNames {
         std::uint32_t begin;  // of the record's pairs
         std::uint32_t name;   // the pair that names it
         std::uint32_t value;  // what the table's owner makes of it
+        std::uint32_t owner;  // of a block: the handle by which others name it too
     };
     std::vector<Row> rows;  // sorted by hash once the table is whole
 
@@ -68,22 +70,39 @@ struct DxfNames {
 
 enum LayerFlag : std::uint32_t { kLayerPen = 15, kLayerOff = 16, kLayerFrozen = 32 };
 
+// The pen of a line type, which some files name without having it in their table.
+unsigned PenOfLineType(const DxfForm& form, const DxfNames& lineTypes, ByteView name);
+
+// What a dimension style rules of what is drawn here. Lengths are to be multiplied by the scale.
+struct DxfDimensionStyle {
+    double scale = 1;
+    double arrow = 0.18, text = 0.18, gap = 0.09;
+    double offset = 0.0625, beyond = 0.18;  // of extension lines
+    bool textAbove = false;                 // the line
+    std::uint32_t leaderArrow = 0;          // the owner of its block
+};
+// Takes a value by its code in a style; what else a style holds is left alone.
+void TakeDimensionValue(const DxfForm& form, int code, const DxfPair& value, DxfDimensionStyle* style);
+
 struct DxfTables {
     DxfNames layers;     // value: LayerFlag
     DxfNames lineTypes;  // value: pen
     DxfNames styles;
+    DxfNames dimensionStyles;
     DxfNames blocks;
 
     int version = 0;  // the number in "AC1015"; 0: not stated
     ByteView codePage, title;
-    int units = 0;                   // $INSUNITS
-    std::size_t remarks = kNowhere;  // the first one's pair
+    int units = 0;                     // $INSUNITS
+    DxfDimensionStyle dimensionStyle;  // the header's, where a style does not say otherwise
+    std::size_t remarks = kNowhere;    // the first one's pair
 
     bool hasSections = false;
-    std::size_t entities = kNowhere;  // where they begin
+    std::size_t entities = kNowhere;          // where they begin
+    std::vector<std::uint32_t> moreEntities;  // where further sections of them do
     std::size_t layerCount = 0, blockCount = 0;
 };
 
 // Goes through the file from `begin`: from its first pair to the entities, or from behind these to the end. False when
-// no row has come in. Ends early when `goOn` is no longer 1.
+// nothing has come in. Ends early when `goOn` is no longer 1.
 bool SurveyDxf(const DxfForm& form, std::size_t begin, const std::atomic<std::int32_t>& goOn, DxfTables* out);

@@ -138,16 +138,28 @@ long long DxfInteger(const DxfForm& form, int code, ByteView value) {
     return BinaryInteger(code, value);
 }
 
+static std::uint8_t Upper(std::uint8_t byte) {
+    return byte >= 'a' && byte <= 'z' ? static_cast<std::uint8_t>(byte - 0x20) : byte;
+}
+
+std::uint32_t DxfHandle(ByteView value) {
+    std::uint32_t handle = 0;
+    value = Trimmed(value);
+    for (std::size_t i = 0; i < value.size; ++i) {
+        const std::uint8_t c = Upper(value.data[i]);
+        const bool digit = c >= '0' && c <= '9';
+        if (!digit && !(c >= 'A' && c <= 'F')) return 0;
+        handle = handle << 4 | static_cast<std::uint32_t>(digit ? c - '0' : c - 'A' + 10);
+    }
+    return handle;
+}
+
 // ---- Names
 
 ByteView Trimmed(ByteView text) {
     while (text.size && text.data[0] <= ' ') ++text.data, --text.size;
     while (text.size && text.data[text.size - 1] <= ' ') --text.size;
     return text;
-}
-
-static std::uint8_t Upper(std::uint8_t byte) {
-    return byte >= 'a' && byte <= 'z' ? static_cast<std::uint8_t>(byte - 0x20) : byte;
 }
 
 bool SameName(ByteView a, ByteView b) {

@@ -45,6 +45,8 @@ inline double DxfNumber(const DxfForm& form, int code, ByteView value) {
 }
 long long DxfInteger(const DxfForm& form, int code, ByteView value);
 
+std::uint32_t DxfHandle(ByteView value);  // hexadecimal in all forms; its last eight digits
+
 // Without blanks at both ends, as names and keywords count.
 ByteView Trimmed(ByteView text);
 
