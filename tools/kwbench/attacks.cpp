@@ -1,5 +1,5 @@
 // Files that are made to cost, at three sizes: how processor time and memory grow with them.
-#include "support/attacks.h"
+#include "generate/attacks.h"
 
 #include <windows.h>
 
