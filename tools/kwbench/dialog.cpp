@@ -11,7 +11,6 @@
 #include "kwdialogs.h"
 #include "resource.h"
 
-static constexpr double kLimit = 1.5;
 static constexpr int kFields = 60, kChecks = 20, kItems = 100;
 static constexpr int kTurn = 5;  // so many dialogs of one work, then the same of the other
 
@@ -35,53 +34,39 @@ static INT_PTR CALLBACK AcceptAtOnce(HWND dialog, UINT message, WPARAM, LPARAM) 
     return 0;
 }
 
-static void FillBare(HWND dialog) {
-    for (int i = 0; i < kItems; ++i) {
+// Sends the controls what the controller sends them.
+static INT_PTR CALLBACK BareProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    const bool isFilled = message == WM_INITDIALOG;
+    if (!isFilled && (message != WM_COMMAND || LOWORD(wParam) != IDOK)) return FALSE;
+    for (int i = 0; i < (isFilled ? kItems : kFields + kChecks); ++i) {
         const HWND control = GetDlgItem(dialog, IDC_BENCH_ITEM + i);
-        char text[64] = "label";
+        char text[256] = "label";
+        if (!isFilled && i < kFields) GetWindowTextA(control, text, sizeof(text));
+        if (!isFilled && i >= kFields) SendMessageA(control, BM_GETCHECK, 0, 0);
+        if (!isFilled) continue;
         if (i < kFields) std::snprintf(text, sizeof(text), "%.3f", values[i]);
         SetWindowTextA(control, text);
         if (i >= kFields && i < kFields + kChecks) SendMessageA(control, BM_SETCHECK, BST_UNCHECKED, 0);
     }
-}
-
-static void ReadBare(HWND dialog) {
-    for (int i = 0; i < kFields + kChecks; ++i) {
-        const HWND control = GetDlgItem(dialog, IDC_BENCH_ITEM + i);
-        char text[256];
-        if (i < kFields) GetWindowTextA(control, text, sizeof(text));
-        else SendMessageA(control, BM_GETCHECK, 0, 0);
-    }
-}
-
-static INT_PTR CALLBACK BareProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_INITDIALOG) {
-        FillBare(dialog);
-        AcceptAtOnce(dialog, message, wParam, lParam);
-        return TRUE;
-    }
-    if (message != WM_COMMAND || LOWORD(wParam) != IDOK) return FALSE;
-    ReadBare(dialog);
-    EndDialog(dialog, 1);
+    if (isFilled) AcceptAtOnce(dialog, message, wParam, lParam);
+    else EndDialog(dialog, 1);
     return TRUE;
 }
 
-bool BenchDialog(Bench* bench) {
+void BenchDialog(Bench* bench) {
     std::vector<DialogItem> items = MakeItems();
     bool good = true;
-    const auto controlled = [&] {
-        for (int i = 0; i < kTurn; ++i) {
-            good &= kwDlgBoxCtrl(ThisModule(), kTemplate, nullptr, items.data(), kItems, AcceptAtOnce) == 1;
-        }
-    };
-    const auto bare = [&] {
-        for (int i = 0; i < kTurn; ++i) good &= DialogBoxParamA(ThisModule(), kTemplate, nullptr, BareProc, 0) == 1;
-    };
-    controlled();  // what the system loads for its first dialogs
-    bare();
-    const Comparison rounds = Compare(
-        bench->quick ? 5 : 15, [&] { return SecondsOf(controlled); }, [&] { return SecondsOf(bare); });
-    if (!good) return Fail("dialog: a dialog could not be shown");
-    bench->rows.push_back(TimeRow(Number(kTurn, 0) + " dialogs of 100 items", rounds, kLimit));
-    return true;
+    const std::vector<Work> works = {
+        Timed([&] {
+            for (int i = 0; i < kTurn; ++i) {
+                good &= kwDlgBoxCtrl(ThisModule(), kTemplate, nullptr, items.data(), kItems, AcceptAtOnce) == 1;
+            }
+        }),
+        Timed([&] {
+            for (int i = 0; i < kTurn; ++i) good &= DialogBoxParamA(ThisModule(), kTemplate, nullptr, BareProc, 0) == 1;
+        })};
+    Measure(1, works);  // what the system loads for its first dialogs
+    const std::vector<Series> times = Measure(bench->quick ? 5 : 15, works);
+    Require(good, "dialog: a dialog could not be shown");
+    bench->rows.push_back(TimeRow(std::to_string(kTurn) + " dialogs of 100 items", times[0], times[1], 1.5));
 }

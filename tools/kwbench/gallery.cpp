@@ -7,15 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "kit/handles.h"
 #include "kwbench.h"
 #include "preview/dispatch.h"
 #include "preview/file_type.h"
 #include "resources/resource.h"
-
-static constexpr double kLimit = 1.2;
-static constexpr double kReactionSeconds = 0.1, kCloseSeconds = 0.05;
-static constexpr UINT kTickMilliseconds = 5;
 
 // One gallery as it is driven. Only one is open at a time, and hooks and timers without a window take no argument.
 static struct GalleryRun {
@@ -63,7 +58,7 @@ static double DriveGallery(const std::string& folder, double cancelAfter) {
     run = {};
     run.cancelAfter = cancelAfter;
     char result[MAX_PATH] = "";
-    const UINT_PTR timer = SetTimer(nullptr, 0, kTickMilliseconds, OnTick);
+    const UINT_PTR timer = SetTimer(nullptr, 0, 5, OnTick);
     const HHOOK hook = SetWindowsHookExA(WH_GETMESSAGE, NoteMessage, nullptr, GetCurrentThreadId());
     ShowGallery(nullptr, 0, folder.c_str(), "*.*", result, sizeof(result));
     const double closed = Now();
@@ -84,42 +79,22 @@ static bool ReadInLoop(const std::vector<std::string>& paths, const RECT& thumbn
     return true;
 }
 
-static std::vector<std::string> WriteSmallDrawings(const std::string& folder, std::size_t count) {
+void BenchGallery(Bench* bench) {
+    static constexpr RECT kThumbnail = {0, 0, 120, 90};
+    const std::uint32_t count = bench->quick ? 250 : 1000;
+    Progress("writing " + std::to_string(count) + " small drawings");
+    const std::string folder = MakeFolder(*bench, "gallery");
     std::vector<std::string> paths;
     Random random{1};
-    for (std::size_t i = 0; i < count; ++i) {
-        Drawing drawing;
-        drawing.format = static_cast<DrawingFormat>(i % kDrawingFormatCount);
-        drawing.path = folder + "part" + std::to_string(i) + ExtensionOf(drawing.format);
-        drawing.seed = kDrawingSeed + i;
-        if (!WriteDrawing(SIZE_MAX, 20 + random.Below(300), &drawing)) break;
-        paths.push_back(drawing.path);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        DrawingPlan plan = {static_cast<DrawingFormat>(i % 4), SIZE_MAX, 20 + random.Below(300)};
+        plan.seed += i;
+        paths.push_back(WriteDrawing(folder + "part" + std::to_string(i), plan).path);
     }
-    return paths;
-}
 
-// ---- The rows
-
-static Row AtMostRow(const std::string& what, std::vector<double> seconds, double limit) {
-    const double worst = *std::max_element(seconds.begin(), seconds.end());
-    return {what, Milliseconds(worst),         Milliseconds(Median(seconds)) + " (median)",
-            "",   "<= " + Milliseconds(limit), worst <= limit ? Row::kMet : Row::kMissed};
-}
-
-bool BenchGallery(Bench* bench) {
-    static constexpr RECT kThumbnail = {0, 0, 120, 90};
-    const std::size_t count = bench->quick ? 250 : 1000;
-    const int roundCount = bench->quick ? 3 : 7;
-    const std::string folder = bench->folder + "gallery\\";
-    Progress("writing " + std::to_string(count) + " small drawings");
-    if (!CreateDirectoryA(folder.c_str(), nullptr)) return Fail("cannot make " + folder);
-    const std::vector<std::string> paths = WriteSmallDrawings(folder, count);
-    if (paths.size() < count || !ReadInLoop(paths, kThumbnail)) return Fail("gallery: no small drawings");
-
-    bool good = true;
-    std::vector<double> gaps, closings;
-    const auto fill = [&] {
-        Progress("gallery: round " + std::to_string(gaps.size() + 1) + " of " + std::to_string(roundCount));
+    bool good = ReadInLoop(paths, kThumbnail);
+    Series gaps, closings;
+    const auto fill = [&](int) {
         const double start = Now();
         DriveGallery(folder, 0);
         good = good && run.finished != 0;
@@ -127,18 +102,15 @@ bool BenchGallery(Bench* bench) {
         return run.finished - start;
     };
     const auto read = [&] { good = ReadInLoop(paths, kThumbnail) && good; };
-    const Comparison rounds = Compare(roundCount, fill, [&] { return SecondsOf(read); });
-    if (!good) return Fail("gallery: the gallery did not finish");
-    Random random{2};
-    const double whole = Median(rounds.measured);
+    const std::vector<Series> times = Measure(bench->quick ? 3 : 7, {fill, Timed(read)});
+    Require(good, "gallery: a drawing gives no picture");
     for (int i = 0; i < (bench->quick ? 10 : 20); ++i) {
-        const double seconds = DriveGallery(folder, 0.01 + 0.7 * whole * random.Below(1000) / 1000);
+        const double seconds = DriveGallery(folder, 0.01 + 0.7 * Median(times[0]) * random.Between(0, 1));
         if (run.finished == 0) closings.push_back(seconds);
     }
-    if (closings.empty()) return Fail("gallery: it always finishes before Cancel");
+    Require(!closings.empty(), "gallery: it always finishes before Cancel");
     const std::string what = "gallery " + std::to_string(count) + " files: ";
-    bench->rows.push_back(TimeRow(what + "complete", rounds, kLimit));
-    bench->rows.push_back(AtMostRow(what + "longest gap between messages", gaps, kReactionSeconds));
-    bench->rows.push_back(AtMostRow(what + "Cancel while it works", closings, kCloseSeconds));
-    return true;
+    bench->rows.push_back(TimeRow(what + "complete", times[0], times[1], 1.2));
+    bench->rows.push_back(WorstRow(what + "longest gap between messages", gaps, 0.1));
+    bench->rows.push_back(WorstRow(what + "Cancel while it works", closings, 0.05));
 }
