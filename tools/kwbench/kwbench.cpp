@@ -14,10 +14,15 @@
 #include <exception>
 #include <iterator>
 
+// Each is in the source of its subject.
+using Benchmark = void(Bench* bench);
+Benchmark BenchDxf, BenchDrawings, BenchFullDxf, BenchCancel, BenchMemory, BenchAttacks, BenchIdentify, BenchExpression,
+    BenchDialog, BenchGallery, BenchList;
+
 static constexpr struct {
     const char* name;
     const char* what;
-    void (*run)(Bench*);
+    Benchmark* run;
 } kBenchmarks[] = {
     {"fulldxf", "the full DXF reader: decoding against a bare scan, previews against the basic one's, memory",
      BenchFullDxf},

@@ -1,8 +1,7 @@
 // What the benchmarks share: the run's settings and table, its drawings, a clock, and the comparison of works.
 //
-// A benchmark is a function of the shape below, named in the table of kwbench.cpp. It measures a piece of the library
-// and, in the same rounds, a floor: the least that any implementation has to do. Machines are noisy, so ratios count
-// and absolute times do not.
+// A benchmark measures a piece of the library and, in the same rounds, a floor: the least that any implementation has
+// to do. Machines are noisy, so ratios count and absolute times do not.
 #pragma once
 
 #include <windows.h>
@@ -34,19 +33,6 @@ struct Bench {
     std::vector<Row> rows = {};
     std::map<std::string, Drawing> drawings = {};  // made so far, by their names
 };
-
-// Each adds its rows.
-void BenchDxf(Bench* bench);
-void BenchFullDxf(Bench* bench);
-void BenchCancel(Bench* bench);
-void BenchMemory(Bench* bench);
-void BenchIdentify(Bench* bench);
-void BenchExpression(Bench* bench);
-void BenchAttacks(Bench* bench);
-void BenchDialog(Bench* bench);
-void BenchDrawings(Bench* bench);
-void BenchGallery(Bench* bench);
-void BenchList(Bench* bench);
 
 // Says on the error stream what is going on.
 void Progress(const std::string& text);
@@ -112,13 +98,19 @@ double Median(Series values);
 
 // ---- Rows
 
-// With a verdict: the measured time may be at most `limit` times the floor; or, as rates of an amount that was worked
-// through, the measured rate must be at least `limit` times the floor's. The ratio is the median of the rounds' own
-// ratios: a round's noise hits both sides, so it mostly leaves the ratio.
-Row TimeRow(const std::string& what, const Series& measured, const Series& floor, double limit);
-using RateCell = std::string (*)(double amount, double seconds);
-Row RateRow(const std::string& what, const Series& measured, const Series& floor, double amount, RateCell cell,
-            double limit);
+// The measured time may be at most `limit` times the floor; or, as rates of an amount that was worked through, the
+// measured rate must be at least `limit` times the floor's. The ratio is the median of the rounds' own ratios: a
+// round's noise hits both sides, so it mostly leaves the ratio.
+struct Amount {
+    double worked = 0;
+    std::string (*cell)(double amount, double seconds) = nullptr;
+};
+Row CompareRow(const std::string& what, const Series& measured, const Series& floor, double limit,
+               const Amount& amount = {});
+// Measures both and adds their row.
+void AddComparison(Bench* bench, const std::string& what, int roundCount, const Work& measured, const Work& floor,
+                   double limit, const Amount& amount = {});
+
 // None of the times may be longer.
 Row WorstRow(const std::string& what, const Series& seconds, double limit);
 

@@ -2,7 +2,6 @@
 #include "filesel/file_list.h"
 
 #include <cstring>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -11,35 +10,14 @@
 #include "kwdialogs.h"
 #include "resources/resource.h"
 
-struct WindowDestroy {
-    using pointer = HWND;
-    void operator()(HWND window) const { DestroyWindow(window); }
-};
-
 static INT_PTR CALLBACK NoMessages(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
 
-static bool FindEach(const std::vector<std::string>& names) {
-    bool good = true;
+static void FindEach(const std::vector<std::string>& names) {
     for (const std::string& name : names) {
         WIN32_FIND_DATAA found;
         const UniqueFind search(FindFirstFileA(name.c_str(), &found));
-        good = search.get() != INVALID_HANDLE_VALUE && good;
+        Require(search.get() != INVALID_HANDLE_VALUE, "list: no " + name);
     }
-    return good;
-}
-
-// Fills the list with bare names, as the system does before the dialog is shown.
-static void Fill(HWND list, const std::vector<std::string>& names) {
-    SendMessageA(list, WM_SETREDRAW, FALSE, 0);
-    for (const std::string& name : names) SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
-    SendMessageA(list, WM_SETREDRAW, TRUE, 0);
-}
-
-// The last line shows that the columns have come.
-static bool HasColumns(HWND list, std::size_t count) {
-    char text[1024] = "";
-    SendMessageA(list, LB_GETTEXT, count - 1, reinterpret_cast<LPARAM>(text));
-    return SendMessageA(list, LB_GETCOUNT, 0, 0) == static_cast<LRESULT>(count) && std::strchr(text, '\t');
 }
 
 void BenchList(Bench* bench) {
@@ -49,30 +27,30 @@ void BenchList(Bench* bench) {
     const std::string folder = MakeFolder(*bench, "list");
     const std::vector<std::string> names = WriteSmallFiles(folder, count);
 
-    const std::unique_ptr<HWND, WindowDestroy> dialog(
-        CreateDialogParamA(ThisModule(), MAKEINTRESOURCEA(IDD_FILE_SELECTION), nullptr, NoMessages, 0));
-    Require(dialog != nullptr, "list: no dialog");
-    ShowWindow(dialog.get(), SW_SHOW);
-    const HWND list = GetDlgItem(dialog.get(), IDC_FILE_LIST);
-    Fill(list, names);
+    const HWND dialog = CreateDialogParamA(ThisModule(), MAKEINTRESOURCEA(IDD_FILE_SELECTION), nullptr, NoMessages, 0);
+    const HWND list = GetDlgItem(dialog, IDC_FILE_LIST);
+    Require(list, "list: no dialog");
+    ShowWindow(dialog, SW_SHOW);
+    SendMessageA(list, WM_SETREDRAW, FALSE, 0);  // bare names come from the system, before the dialog is shown
+    for (const std::string& name : names) SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
+    SendMessageA(list, WM_SETREDRAW, TRUE, 0);
     SubclassFileList(list);
-    char previous[MAX_PATH] = "";
+    char previous[MAX_PATH] = "", last[1024] = "";
     GetCurrentDirectoryA(sizeof(previous), previous);
-    SetCurrentDirectoryA(folder.c_str());                            // the list holds bare names
+    SetCurrentDirectoryA(folder.c_str());
     DisplayOptionBits = KW_SHOW_SIZE | KW_SHOW_DATE | KW_SHOW_TIME;  // all but the comment, which reads files
     SortOptionBits = KW_SORT_NAME;
-    bool good = FindEach(names);  // what the system keeps of a folder
-    const std::vector<Series> times = Measure(bench->quick ? 3 : 5, {Timed([&] {
-                                                                         // What the user waits for who clicks on a
-                                                                         // check box: the list is rebuilt as it stands
-                                                                         // on the screen, and drawn.
-                                                                         SendMessageA(list, WM_SETREDRAW, TRUE, 0);
-                                                                         UpdateWindow(list);
-                                                                     }),
-                                                                     Timed([&] { good = FindEach(names) && good; })});
-    good = good && HasColumns(list, count);
+    // What the user waits for who clicks on a check box: the list is rebuilt as it stands on the screen, and drawn.
+    const auto rebuild = [&] {
+        SendMessageA(list, WM_SETREDRAW, TRUE, 0);
+        UpdateWindow(list);
+    };
+    const auto find = [&] { FindEach(names); };
+    find();  // what the system keeps of a folder
+    AddComparison(bench, "list " + std::to_string(count) + " files", bench->quick ? 3 : 5, Timed(rebuild), Timed(find),
+                  2);
+    SendMessageA(list, LB_GETTEXT, count - 1, reinterpret_cast<LPARAM>(last));
+    Require(std::strchr(last, '\t'), "list: the last line has no columns");
     SetCurrentDirectoryA(previous);  // the folder is to be removed
-    UnsubclassFileList(list);
-    Require(good, "list: a file was not found");
-    bench->rows.push_back(TimeRow("list " + std::to_string(count) + " files", times[0], times[1], 2));
+    DestroyWindow(dialog);
 }

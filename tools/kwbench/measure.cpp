@@ -47,27 +47,26 @@ std::string Rate(double bytes, double seconds) {
     return Number(bytes / seconds / static_cast<double>(kMegabyte), 0) + " MB/s";
 }
 
-static Row::Verdict VerdictOn(bool met) { return met ? Row::kMet : Row::kMissed; }
-
-Row TimeRow(const std::string& what, const Series& measured, const Series& floor, double limit) {
-    const double ratio = MedianRatio(measured, floor);
+Row CompareRow(const std::string& what, const Series& measured, const Series& floor, double limit,
+               const Amount& amount) {
+    // Rates are to each other as the times are the other way round.
+    const double times = MedianRatio(measured, floor), ratio = amount.cell ? 1 / times : times;
+    const auto cell = [&](const Series& series) {
+        return amount.cell ? amount.cell(amount.worked, Median(series)) : Milliseconds(Median(series));
+    };
+    const bool met = amount.cell ? ratio >= limit : ratio <= limit;
     return {what,
-            Milliseconds(Median(measured)),
-            Milliseconds(Median(floor)),
+            cell(measured),
+            cell(floor),
             Number(ratio, 2),
-            "<= " + Number(limit, 2),
-            VerdictOn(ratio <= limit)};
+            (amount.cell ? ">= " : "<= ") + Number(limit, 2),
+            met ? Row::kMet : Row::kMissed};
 }
 
-Row RateRow(const std::string& what, const Series& measured, const Series& floor, double amount, RateCell cell,
-            double limit) {
-    const double ratio = 1 / MedianRatio(measured, floor);  // rates are to each other as times the other way round
-    return {what,
-            cell(amount, Median(measured)),
-            cell(amount, Median(floor)),
-            Number(ratio, 2),
-            ">= " + Number(limit, 2),
-            VerdictOn(ratio >= limit)};
+void AddComparison(Bench* bench, const std::string& what, int roundCount, const Work& measured, const Work& floor,
+                   double limit, const Amount& amount) {
+    const std::vector<Series> times = Measure(roundCount, {measured, floor});
+    bench->rows.push_back(CompareRow(what, times[0], times[1], limit, amount));
 }
 
 Row WorstRow(const std::string& what, const Series& seconds, double limit) {
@@ -77,5 +76,5 @@ Row WorstRow(const std::string& what, const Series& seconds, double limit) {
             Milliseconds(Median(seconds)) + " (median)",
             "",
             "<= " + Milliseconds(limit),
-            VerdictOn(worst <= limit)};
+            worst <= limit ? Row::kMet : Row::kMissed};
 }

@@ -15,6 +15,12 @@ UniqueBitmap Preview(const std::string& path, DWORD renderMode, const RECT& targ
                              comment ? static_cast<DWORD>(comment->size()) : 0));
 }
 
+static UniqueBitmap DrawnPreview(const std::string& path, DWORD renderMode = kRenderColor, const RECT& target = kPane) {
+    UniqueBitmap bitmap = Preview(path, renderMode, target);
+    Require(bitmap != nullptr, "no preview of " + path);
+    return bitmap;
+}
+
 // ---- The bare scan of a text: the mapped file, split into lines, its numbers converted
 
 // Reads numbers as a reader must, and does nothing with them; the sum keeps the conversions from being left out.
@@ -86,30 +92,26 @@ static void BareScan(const Drawing& drawing, NumberScan scan) {
 // ---- The drawings
 
 static constexpr std::size_t kAny = SIZE_MAX;
+static constexpr FontUse kOnce = FontUse::kMadeOnce, kAgain = FontUse::kMadeAtEachChange;
 
 static constexpr struct DrawingRow {
     const char* name;
     DrawingPlan plan;
     int rounds = 0;             // of the preview's measurement
     double preview = 0;         // which may take so many times its floor
-    NumberScan scan = nullptr;  // of a text; the floor is this, or the load of a binary drawing, and the replay
-    double decodeRate = 0;      // at least so many times the bare scan's
-    FontUse replayAlone = FontUse::kMadeOnce;  // or a font at each change, and then the replay is the whole floor
+    FontUse fonts = kOnce;      // of the replay, which is the whole floor with kAgain; else a text's scan or the load
+                                // of a binary drawing comes before it
+    NumberScan scan = nullptr;  // of a text
+    double decodeRate = 0;      // at least so many times the scan's
 } kDrawings[] = {
     {"dxf 1 MB", {DrawingFormat::kDxf, kMegabyte, kAny}},
-    {"dxf 10 MB", {DrawingFormat::kDxf, 10 * kMegabyte, kAny}, 21, 0.55, SumOfGroups, 0.65},
-    {"dxf 100 MB", {DrawingFormat::kDxf, 100 * kMegabyte, kAny}, 7, 0.55, SumOfGroups, 0.65},
+    {"dxf 10 MB", {DrawingFormat::kDxf, 10 * kMegabyte, kAny}, 21, 0.55, kOnce, SumOfGroups, 0.65},
+    {"dxf 100 MB", {DrawingFormat::kDxf, 100 * kMegabyte, kAny}, 7, 0.55, kOnce, SumOfGroups, 0.65},
     {"native 65535", {DrawingFormat::kNative, kAny, 65535}, 15, 0.5},
     {"backup 1000000", {DrawingFormat::kBackup, kAny, 1000000}, 7, 0.5},
-    {"text 10 MB", {DrawingFormat::kText, 10 * kMegabyte, kAny}, 15, 0.65, SumOfValues, 0.4},
-    {"circles 1 MB",
-     {DrawingFormat::kText, kMegabyte, kAny, Mix::kCircles},
-     15,
-     0.2,
-     nullptr,
-     0,
-     FontUse::kMadeAtEachChange},
-    {"10000 texts", {DrawingFormat::kText, kAny, 10000, Mix::kTexts}, 15, 0.35, nullptr, 0, FontUse::kMadeAtEachChange},
+    {"text 10 MB", {DrawingFormat::kText, 10 * kMegabyte, kAny}, 15, 0.65, kOnce, SumOfValues, 0.4},
+    {"circles 1 MB", {DrawingFormat::kText, kMegabyte, kAny, Mix::kCircles}, 15, 0.2, kAgain},
+    {"10000 texts", {DrawingFormat::kText, kAny, 10000, Mix::kTexts}, 15, 0.35, kAgain},
     {"full DXF 10 MB", {DrawingFormat::kFullDxf, 10 * kMegabyte, kAny}},
     {"full DXF 100 MB", {DrawingFormat::kFullDxf, 100 * kMegabyte, kAny}},
 };
@@ -127,7 +129,7 @@ const Drawing& DrawingOf(Bench* bench, const std::string& name) {
 
 static std::vector<std::uint8_t> PixelsOf(HBITMAP bitmap) {
     BITMAP header = {};
-    if (!bitmap || !GetObjectA(bitmap, sizeof(header), &header)) return {};
+    Require(GetObjectA(bitmap, sizeof(header), &header) != 0, "no picture");
     std::vector<std::uint8_t> bits(static_cast<std::size_t>(header.bmWidthBytes * header.bmHeight));
     GetBitmapBits(bitmap, static_cast<LONG>(bits.size()), bits.data());
     return bits;
@@ -137,8 +139,8 @@ static std::vector<std::uint8_t> PixelsOf(HBITMAP bitmap) {
 static Row PictureRow(const std::string& what, const Drawing& drawing, Recording recording) {
     OrderAsCanvas(&recording);
     const auto floor = PixelsOf(ReplayStrokes(recording, FontUse::kMadeOnce).get());
-    const auto measured = PixelsOf(Preview(drawing.path, kRenderColor, recording.target).get());
-    Require(!floor.empty() && floor.size() == measured.size(), "no picture of " + drawing.path);
+    const auto measured = PixelsOf(DrawnPreview(drawing.path, kRenderColor, recording.target).get());
+    Require(floor.size() == measured.size(), "pictures of different sizes of " + drawing.path);
     std::size_t differing = 0;
     for (std::size_t i = 0; i < floor.size(); ++i) differing += measured[i] != floor[i];
     return {what + "replay's picture, " + std::to_string(recording.target.right) + " wide",
@@ -165,13 +167,13 @@ static void AddPreviewRows(Bench* bench, const DrawingRow& row, int roundCount) 
         // Little of a drawing hides the rest there.
         bench->rows.push_back(PictureRow(what, drawing, RecordPreview(drawing, {0, 0, 3000, 2000})));
     }
+    const auto barely = [&] {
+        if (row.scan) BareScan(drawing, row.scan);
+    };
     const std::vector<Series> times =
-        Measure(roundCount, {Timed([&] {
-                                 if (row.scan) BareScan(drawing, row.scan);
-                             }),
-                             Timed([&] { Require(Preview(drawing.path) != nullptr, "no preview of " + drawing.path); }),
-                             Timed([&] { ReplayStrokes(recording, row.replayAlone); }),
-                             Timed([&] { DecodeAlone(drawing); }), Timed([&] { LoadedFile(drawing.path.c_str()); })});
+        Measure(roundCount, {Timed(barely), Timed([&] { DrawnPreview(drawing.path); }),
+                             Timed([&] { ReplayStrokes(recording, row.fonts); }), Timed([&] { DecodeAlone(drawing); }),
+                             Timed([&] { LoadedFile(drawing.path.c_str()); })});
     const Series &scan = times[0], &preview = times[1], &replay = times[2], &decode = times[3], &load = times[4];
     const auto bytes = static_cast<double>(drawing.size);
     const auto addPlain = [&](const char* name, const Series& series) {
@@ -182,11 +184,11 @@ static void AddPreviewRows(Bench* bench, const DrawingRow& row, int roundCount) 
     addPlain("bare calls (replay)", replay);
     addPlain("load and free alone", load);
     if (row.decodeRate > 0) {
-        bench->rows.push_back(RateRow(what + "load and decode", decode, scan, bytes, Rate, row.decodeRate));
+        bench->rows.push_back(CompareRow(what + "load and decode", decode, scan, row.decodeRate, {bytes, Rate}));
     }
-    const bool replayAlone = row.replayAlone == FontUse::kMadeAtEachChange;
-    const Series floor = replayAlone ? replay : Sum(replay, row.scan ? scan : load);
-    bench->rows.push_back(TimeRow(what + "whole preview", preview, floor, row.preview));
+    const bool drawingAlone = row.fonts == FontUse::kMadeAtEachChange;
+    const Series floor = drawingAlone ? replay : Sum(replay, row.scan ? scan : load);
+    bench->rows.push_back(CompareRow(what + "whole preview", preview, floor, row.preview));
 }
 
 static void AddRowsOf(Bench* bench, bool areDxf) {
@@ -202,8 +204,9 @@ void BenchDrawings(Bench* bench) { AddRowsOf(bench, false); }
 
 // ---- The full DXF reader
 
-// A sink that takes everything and draws nothing.
-static DrawingSink BlindSink() {
+// Nothing is drawn.
+static void DecodeFullDxfAlone(ByteView file) {
+    static constexpr std::atomic<std::int32_t> kGoOn = 1;
     DrawingSink sink = {};
     sink.fit = [](DrawingSink& self, const WorldRect& extents, DrawingSink::FitMode) {
         FitViewTransform(extents, {kPane.left, kPane.top, kPane.right, kPane.bottom}, &self.view);
@@ -212,35 +215,25 @@ static DrawingSink BlindSink() {
     sink.draw = [](DrawingSink&, PreviewPrimitive&, unsigned) {};
     sink.path = [](DrawingSink&, const Path&, unsigned) {};
     sink.unicodeText = [](DrawingSink&, const UnicodeText&) {};
-    static constexpr std::atomic<std::int32_t> kGoOn = 1;
     sink.goOn = &kGoOn;
-    return sink;
+    Require(DecodeFullDxf(file, nullptr, &sink), "full DXF: no drawing");
 }
 
 static void AddDecodingRow(Bench* bench, const std::string& name, int roundCount) {
-    const Drawing& drawing = DrawingOf(bench, name);
-    const LoadedFile file(drawing.path.c_str());
-    Require(file.data, "cannot load " + drawing.path);
+    const LoadedFile file(DrawingOf(bench, name).path.c_str());
     const auto* const begin = reinterpret_cast<const char*>(file.data);
-    DrawingSink sink = BlindSink();
-    bool good = true;
-    const std::vector<Series> times =
-        Measure(roundCount, {Timed([&] {
-                                 good = DecodeFullDxf({file.data, file.size}, nullptr, &sink) && good;
-                             }),
-                             Timed([&] { good = SumOfGroups(begin, begin + file.size) != 0 && good; })});
-    Require(good, "no drawing in " + drawing.path);
-    bench->rows.push_back(
-        RateRow(name + ": decode", times[0], times[1], static_cast<double>(drawing.size), Rate, 0.25));
+    const auto decode = [&] { DecodeFullDxfAlone({file.data, file.size}); };
+    const auto scan = [&] { Require(SumOfGroups(begin, begin + file.size) != 0, "full DXF: no numbers"); };
+    AddComparison(bench, name + ": decode", roundCount, Timed(decode), Timed(scan), 0.25,
+                  {static_cast<double>(file.size), Rate});
 }
 
 void BenchFullDxf(Bench* bench) {
     AddMemoryRow(bench, bench->quick ? "full DXF 10 MB" : "full DXF 100 MB", kRenderColor | kRenderFullDxf, 2, 16);
     AddDecodingRow(bench, "full DXF 10 MB", bench->quick ? 9 : 21);
     if (!bench->quick) AddDecodingRow(bench, "full DXF 100 MB", 7);
-    const std::string name = "dxf 10 MB", path = DrawingOf(bench, name).path;
-    const auto times = Measure(bench->quick ? 5 : 15,
-                               {Timed([&] { Require(Preview(path, kRenderColor | kRenderFullDxf) != nullptr, path); }),
-                                Timed([&] { Require(Preview(path) != nullptr, path); })});
-    bench->rows.push_back(TimeRow(name + ": full reader's preview, against the basic one's", times[0], times[1], 1.5));
+    const std::string path = DrawingOf(bench, "dxf 10 MB").path;
+    AddComparison(bench, "dxf 10 MB: full reader's preview, against the basic one's", bench->quick ? 5 : 15,
+                  Timed([&] { DrawnPreview(path, kRenderColor | kRenderFullDxf); }), Timed([&] { DrawnPreview(path); }),
+                  1.5);
 }

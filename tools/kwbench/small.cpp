@@ -3,7 +3,6 @@
 // parser.
 #include <windows.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <iterator>
@@ -27,13 +26,12 @@ void BenchIdentify(Bench* bench) {
     Progress("writing " + std::to_string(count) + " small files");
     const std::string folder = MakeFolder(*bench, "identify");
     const std::vector<std::string> names = WriteSmallFiles(folder, static_cast<std::size_t>(count));
-    bool good = true;
     const auto each = [&](auto open) {
         return Work([&, open](int round) {
-            const auto first = names.begin() + round % turns * kTurn;
             return Timed([&] {
-                std::for_each(first, first + kTurn,
-                              [&](const std::string& name) { good = open(folder + name) && good; });
+                for (int i = round % turns * kTurn, end = i + kTurn; i < end; ++i) {
+                    Require(open(folder + names[static_cast<std::size_t>(i)]), "identify: a file could not be read");
+                }
             })(round);
         });
     };
@@ -46,17 +44,16 @@ void BenchIdentify(Bench* bench) {
         each(BareRead)};
     Measure(turns, works);  // what the system keeps of a file
     const std::vector<Series> times = Measure((bench->quick ? 5 : 11) * turns, works);
-    Require(good, "identify: a file could not be read");
     const std::string what = "identify " + std::to_string(kTurn) + " of " + std::to_string(count) + " files";
-    bench->rows.push_back(TimeRow(what, times[0], times[2], 1.15));
-    bench->rows.push_back(TimeRow(what + ", with comment", times[1], times[2], 1.15));
+    bench->rows.push_back(CompareRow(what, times[0], times[2], 1.15));
+    bench->rows.push_back(CompareRow(what + ", with comment", times[1], times[2], 1.15));
 }
 
 static double Convert(const char* text) {
     return ParseDecimal({reinterpret_cast<const std::uint8_t*>(text), std::strlen(text)});
 }
 
-static constexpr struct {
+static constexpr struct Expression {
     const char* text;
     double (*bare)();
 } kExpressions[] = {
@@ -75,25 +72,21 @@ static constexpr struct {
 void BenchExpression(Bench* bench) {
     const int repeats = bench->quick ? 20000 : 100000;
     volatile double sink = 0;
-    bool good = true;
-    const auto evaluate = [&] {
-        for (int i = 0; i < repeats; ++i) {
-            for (const auto& expression : kExpressions) {
-                const char* position = expression.text;
-                double value = 0;
-                good &= evaluateExpression(&position, &value) != 0;
-                sink = value;
+    const auto all = [&](auto valueOf) {
+        return Timed([&, valueOf] {
+            for (int i = 0; i < repeats; ++i) {
+                for (const Expression& expression : kExpressions) sink = valueOf(expression);
             }
-        }
+        });
     };
-    const auto convert = [&] {
-        for (int i = 0; i < repeats; ++i) {
-            for (const auto& expression : kExpressions) sink = expression.bare();
-        }
+    const auto evaluate = [](const Expression& expression) {
+        const char* position = expression.text;
+        double value = 0;
+        Require(evaluateExpression(&position, &value) != 0, expression.text);
+        return value;
     };
-    const std::vector<Series> times = Measure(bench->quick ? 5 : 15, {Timed(evaluate), Timed(convert)});
-    Require(good, "expression: one of the list failed");
+    const auto convert = [](const Expression& expression) { return expression.bare(); };
     const auto rate = [](double count, double seconds) { return Number(count / seconds / 1e6, 2) + " M/s"; };
     const double count = repeats * static_cast<double>(std::size(kExpressions));
-    bench->rows.push_back(RateRow("expressions", times[0], times[1], count, rate, 0.25));
+    AddComparison(bench, "expressions", bench->quick ? 5 : 15, all(evaluate), all(convert), 0.25, {count, rate});
 }
