@@ -1,7 +1,6 @@
 // What the benchmarks read: files in the run's folder.
-#include <cstdio>
+#include <fstream>
 #include <iterator>
-#include <memory>
 #include <stdexcept>
 
 #include "kwbench.h"
@@ -17,22 +16,19 @@ std::string MakeFolder(const Bench& bench, const char* name) {
 }
 
 void WriteFile(const std::string& path, const std::string& contents) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "wb"), std::fclose);
-    Require(file && std::fwrite(contents.data(), 1, contents.size(), file.get()) == contents.size() &&
-                std::fflush(file.get()) == 0,
-            "cannot write " + path);
+    std::ofstream file(path, std::ios::binary);
+    Require((file << contents << std::flush).good(), "cannot write " + path);
 }
 
 Drawing WriteDrawing(const std::string& path, const DrawingPlan& plan) {
     static constexpr struct {
         const PreviewFormat& format;
         const char* extension;
-    } kKinds[] = {// in the order of DrawingFormat
-                  {kDxfFormat, ".dxf"},
+    } kKinds[] = {{kDxfFormat, ".dxf"},
                   {kNativeFormat, ".drw"},
                   {kBackupFormat, ".bak"},
                   {kTextFormat, ".exf"},
-                  {kFullDxfFormat, ".dxf"}};
+                  {kFullDxfFormat, ".dxf"}};  // in the order of DrawingFormat
     const auto& kind = kKinds[static_cast<int>(plan.format)];
     const std::string contents = MakeDrawing(plan);
     WriteFile(path + kind.extension, contents);

@@ -101,7 +101,8 @@ static std::string MakeTemporaryFolder() {
 }
 
 static void RemoveFolder(std::string folder) {
-    folder.back() = '\0';  // the list of one folder ends with two zeros
+    SetCurrentDirectoryA((folder + "..").c_str());  // a benchmark may have gone into it
+    folder.back() = '\0';                           // the list of one folder ends with two zeros
     SHFILEOPSTRUCTA removal = {};
     removal.wFunc = FO_DELETE;
     removal.pFrom = folder.c_str();

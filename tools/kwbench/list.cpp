@@ -35,8 +35,6 @@ void BenchList(Bench* bench) {
     for (const std::string& name : names) SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
     SendMessageA(list, WM_SETREDRAW, TRUE, 0);
     SubclassFileList(list);
-    char previous[MAX_PATH] = "", last[1024] = "";
-    GetCurrentDirectoryA(sizeof(previous), previous);
     SetCurrentDirectoryA(folder.c_str());
     DisplayOptionBits = KW_SHOW_SIZE | KW_SHOW_DATE | KW_SHOW_TIME;  // all but the comment, which reads files
     SortOptionBits = KW_SORT_NAME;
@@ -49,8 +47,9 @@ void BenchList(Bench* bench) {
     find();  // what the system keeps of a folder
     AddComparison(bench, "list " + std::to_string(count) + " files", bench->quick ? 3 : 5, Timed(rebuild), Timed(find),
                   2);
+    char last[1024] = "";
     SendMessageA(list, LB_GETTEXT, count - 1, reinterpret_cast<LPARAM>(last));
     Require(std::strchr(last, '\t'), "list: the last line has no columns");
-    SetCurrentDirectoryA(previous);  // the folder is to be removed
+    UnsubclassFileList(list);
     DestroyWindow(dialog);
 }
