@@ -197,11 +197,11 @@ static std::string DxfElement(ElementStream* stream) {
     return Dxf(pairs);
 }
 
-static std::string WholeDxf(std::string elements) {
+static std::string WholeDxf(const std::string& elements) {
     const std::string size = TextOf(kSheetWidth) + "|20 " + TextOf(kSheetHeight);
     return Dxf("0 SECTION|2 HEADER|9 $EXTMIN|10 0.0|20 0.0|30 0.0|9 $EXTMAX|10 " + size +
                "|30 0.0|0 ENDSEC|0 SECTION|2 ENTITIES") +
-           std::move(elements) + Dxf("0 ENDSEC|0 EOF");
+           elements + Dxf("0 ENDSEC|0 EOF");
 }
 
 static float FullWidthOf(const Element& text) { return static_cast<float>(2 * text.size * text.widthFactor); }
@@ -225,11 +225,11 @@ static std::string Record(ElementStream* stream) {
     return CountedTextRecord(look, placement, static_cast<unsigned>(std::strlen(e.text)));
 }
 
-static std::string WholeNative(std::string records) {
+static std::string WholeNative(const std::string& records) {
     return NativeFile(kEditionA, kSheetWidth, kSheetHeight, records);
 }
 
-static std::string WholeBackup(std::string records) { return BackupFile(kSheetWidth, kSheetHeight, records); }
+static std::string WholeBackup(const std::string& records) { return BackupFile(kSheetWidth, kSheetHeight, records); }
 
 static std::string TextElement(ElementStream* stream) {
     static constexpr const char* kKeys[] = {"GP ", "GL ", "GA ", "GA ", "GT "};
@@ -252,9 +252,8 @@ static std::string TextElement(ElementStream* stream) {
     return line + "\r\n";
 }
 
-static std::string WholeText(std::string elements) {
-    return "; generated\r\nAR 0.0,0.0," + TextOf(kSheetWidth) + "," + TextOf(kSheetHeight) + "\r\n" +
-           std::move(elements);
+static std::string WholeText(const std::string& elements) {
+    return "; generated\r\nAR 0.0,0.0," + TextOf(kSheetWidth) + "," + TextOf(kSheetHeight) + "\r\n" + elements;
 }
 
 // ---- What only the full DXF reader knows
@@ -294,19 +293,19 @@ static std::string FullDxfElement(ElementStream* stream) {
     return Dxf(pairs);
 }
 
-static std::string WholeFullDxf(std::string elements) {
+static std::string WholeFullDxf(const std::string& elements) {
     std::string layers, lines;
     for (int i = 0; i < 30; ++i) layers += "|0 LAYER|2 LAYER" + std::to_string(i);
     for (int i = 0; i < 10; ++i) lines += "|0 LINE|8 LAYER3" + Point(10, i, i % 3) + Point(11, 2 * i, 9);
     return Dxf("0 SECTION|2 TABLES" + layers + "|0 ENDSEC|0 SECTION|2 BLOCKS|0 BLOCK|2 BLOCK" + lines +
                "|0 ENDBLK|0 ENDSEC|0 SECTION|2 ENTITIES") +
-           std::move(elements) + Dxf("0 ENDSEC|0 EOF");
+           elements + Dxf("0 ENDSEC|0 EOF");
 }
 
 std::string MakeDrawing(const DrawingPlan& plan) {
     static constexpr struct {
         std::string (*next)(ElementStream*);
-        std::string (*whole)(std::string elements);
+        std::string (*whole)(const std::string& elements);
     } kFormats[] = {
         // in the order of DrawingFormat
         {DxfElement, WholeDxf},   {Record<true>, WholeNative},    {Record<false>, WholeBackup},
@@ -316,5 +315,5 @@ std::string MakeDrawing(const DrawingPlan& plan) {
     ElementStream stream = {{plan.seed}, plan.mix};
     std::string elements;
     for (std::size_t i = 0; i < plan.count && elements.size() < plan.size; ++i) elements += format.next(&stream);
-    return format.whole(std::move(elements));
+    return format.whole(elements);
 }

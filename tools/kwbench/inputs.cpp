@@ -10,7 +10,7 @@ void Require(bool holds, const std::string& otherwise) {
 }
 
 std::string MakeFolder(const Bench& bench, const char* name) {
-    const std::string folder = bench.folder + name + "\\";
+    std::string folder = bench.folder + name + "\\";
     Require(CreateDirectoryA(folder.c_str(), nullptr), "cannot make " + folder);
     return folder;
 }
