@@ -51,26 +51,22 @@ struct LineWalk {
     const std::uint8_t* end;
 };
 
-// Looks at the next 32 bytes at once. A line that lies in them with its break, all below 128, is taken with the control
-// bytes behind it; most lines of drawings are such. Looks at nothing behind `end`; false leaves the walk as it was.
+// Looks at the next 32 bytes at once. A line that ends in them at a usual break, with another line behind it, is taken;
+// most lines of drawings are such. Looks at nothing behind `end`; false leaves the walk as it was.
 inline bool TakeShortLine(LineWalk* walk, ByteView* line) {
-    if (walk->end - walk->next < 32) return false;
+    if (walk->end - walk->next < 32 + 2) return false;
     const auto* const at = reinterpret_cast<const __m128i*>(walk->next);
-    const __m128i first = _mm_loadu_si128(at), second = _mm_loadu_si128(at + 1);
-    const auto maskOf = [](__m128i a, __m128i b) {
-        return static_cast<std::uint32_t>(_mm_movemask_epi8(a)) | static_cast<std::uint32_t>(_mm_movemask_epi8(b))
-                                                                      << 16;
+    const auto endsIn = [](__m128i bytes) {  // bytes from 128 up are negative numbers: they too are below a blank
+        return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmplt_epi8(bytes, _mm_set1_epi8(' '))));
     };
-    if (maskOf(first, second) != 0) return false;  // bytes from 128 up
-    const __m128i blank = _mm_set1_epi8(' '), zero = _mm_setzero_si128();
-    const std::uint32_t ends = maskOf(_mm_cmplt_epi8(first, blank), _mm_cmplt_epi8(second, blank));
-    const std::uint32_t others = ~ends | maskOf(_mm_cmpeq_epi8(first, zero), _mm_cmpeq_epi8(second, zero));
+    const std::uint32_t ends = endsIn(_mm_loadu_si128(at)) | endsIn(_mm_loadu_si128(at + 1)) << 16;
     if (ends == 0) return false;
     const unsigned length = LowestBit(ends);
-    const std::uint32_t behind = others & ~std::uint32_t{0} << length;
-    if (behind == 0) return false;
+    const std::uint8_t* behind = walk->next + length;
+    if (*behind == '\r') ++behind;
+    if (*behind != '\n' || *++behind < ' ') return false;
     *line = {walk->next, length};
-    walk->next += LowestBit(behind);
+    walk->next = behind;
     return true;
 }
 

@@ -1,7 +1,8 @@
-#include "support/attacks.h"
+#include "generate/attacks.h"
 
 #include <gtest/gtest.h>
 
+#include "support/checked_canvas.h"
 #include "support/guard_block.h"
 
 void PrintTo(const StrokeCounts& counts, std::ostream* out) {

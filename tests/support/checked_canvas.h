@@ -5,16 +5,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "generate/attacks.h"
 #include "preview/drawing/strokes.h"
 #include "preview/formats/sink.h"
-
-struct StrokeCounts {
-    std::uint32_t pixels, lines, arcs, marks, texts;
-    bool operator==(const StrokeCounts& other) const {
-        return pixels == other.pixels && lines == other.lines && arcs == other.arcs && marks == other.marks &&
-               texts == other.texts;
-    }
-};
 
 struct CheckedCanvas : DrawingSink, StrokeTarget {
     explicit CheckedCanvas(const PixelRect& rect = {0, 0, 189, 126});

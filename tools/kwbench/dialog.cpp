@@ -11,77 +11,57 @@
 #include "kwdialogs.h"
 #include "resource.h"
 
-static constexpr double kLimit = 1.5;
-static constexpr int kFields = 60, kChecks = 20, kItems = 100;
-static constexpr int kTurn = 5;  // so many dialogs of one work, then the same of the other
+static constexpr int kFields = 60, kBoth = 80, kItems = 100;  // with the check boxes, with the labels
+static constexpr int kTurn = 5;                               // so many dialogs of one work, then the same of the other
 
 static double values[kItems];
 static const char* const kTemplate = MAKEINTRESOURCEA(IDD_BENCH);
-
-static std::vector<DialogItem> MakeItems() {
-    std::vector<DialogItem> items;
-    for (int i = 0; i < kItems; ++i) {
-        DialogItem item = {IDC_BENCH_ITEM + i, KW_KIND_LABEL, nullptr, 0, 0, "label"};
-        if (i < kFields) item = {IDC_BENCH_ITEM + i, KW_KIND_EDIT | KW_VALUE_DOUBLE, &values[i], 0, 100, nullptr};
-        else if (i < kFields + kChecks)
-            item = {item.controlId, KW_KIND_CHECK | KW_VALUE_DOUBLE, &values[i], 0, 0, "on"};
-        items.push_back(item);
-    }
-    return items;
-}
 
 static INT_PTR CALLBACK AcceptAtOnce(HWND dialog, UINT message, WPARAM, LPARAM) {
     if (message == WM_INITDIALOG) PostMessageA(dialog, WM_COMMAND, IDOK, 0);
     return 0;
 }
 
-static void FillBare(HWND dialog) {
-    for (int i = 0; i < kItems; ++i) {
-        const HWND control = GetDlgItem(dialog, IDC_BENCH_ITEM + i);
-        char text[64] = "label";
-        if (i < kFields) std::snprintf(text, sizeof(text), "%.3f", values[i]);
-        SetWindowTextA(control, text);
-        if (i >= kFields && i < kFields + kChecks) SendMessageA(control, BM_SETCHECK, BST_UNCHECKED, 0);
-    }
-}
-
-static void ReadBare(HWND dialog) {
-    for (int i = 0; i < kFields + kChecks; ++i) {
-        const HWND control = GetDlgItem(dialog, IDC_BENCH_ITEM + i);
-        char text[256];
-        if (i < kFields) GetWindowTextA(control, text, sizeof(text));
-        else SendMessageA(control, BM_GETCHECK, 0, 0);
-    }
-}
-
+// Sends the controls what the controller sends them.
 static INT_PTR CALLBACK BareProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_INITDIALOG) {
-        FillBare(dialog);
-        AcceptAtOnce(dialog, message, wParam, lParam);
-        return TRUE;
+    const bool filling = message == WM_INITDIALOG;
+    if (!filling && (message != WM_COMMAND || LOWORD(wParam) != IDOK)) return FALSE;
+    for (int i = 0; i < (filling ? kItems : kBoth); ++i) {
+        const HWND control = GetDlgItem(dialog, IDC_BENCH_ITEM + i);
+        char text[256] = "label";
+        if (filling) {
+            if (i < kFields) std::snprintf(text, sizeof(text), "%.3f", values[i]);
+            SetWindowTextA(control, text);
+            if (i >= kFields && i < kBoth) SendMessageA(control, BM_SETCHECK, BST_UNCHECKED, 0);
+        } else if (i < kFields) {
+            GetWindowTextA(control, text, sizeof(text));
+        } else {
+            SendMessageA(control, BM_GETCHECK, 0, 0);
+        }
     }
-    if (message != WM_COMMAND || LOWORD(wParam) != IDOK) return FALSE;
-    ReadBare(dialog);
-    EndDialog(dialog, 1);
+    if (!filling) EndDialog(dialog, 1);
+    AcceptAtOnce(dialog, message, wParam, lParam);
     return TRUE;
 }
 
-bool BenchDialog(Bench* bench) {
-    std::vector<DialogItem> items = MakeItems();
-    bool good = true;
+void BenchDialog(Bench* bench) {
+    std::vector<DialogItem> items;
+    for (int i = 0; i < kItems; ++i) {
+        const int id = IDC_BENCH_ITEM + i;
+        if (i < kFields) items.push_back({id, KW_KIND_EDIT | KW_VALUE_DOUBLE, &values[i], 0, 100, nullptr});
+        else if (i < kBoth) items.push_back({id, KW_KIND_CHECK | KW_VALUE_DOUBLE, &values[i], 0, 0, "on"});
+        else items.push_back({id, KW_KIND_LABEL, nullptr, 0, 0, "label"});
+    }
     const auto controlled = [&] {
-        for (int i = 0; i < kTurn; ++i) {
-            good &= kwDlgBoxCtrl(ThisModule(), kTemplate, nullptr, items.data(), kItems, AcceptAtOnce) == 1;
-        }
+        return kwDlgBoxCtrl(ThisModule(), kTemplate, nullptr, &items[0], kItems, AcceptAtOnce);
     };
-    const auto bare = [&] {
-        for (int i = 0; i < kTurn; ++i) good &= DialogBoxParamA(ThisModule(), kTemplate, nullptr, BareProc, 0) == 1;
+    const auto bare = [] { return DialogBoxParamA(ThisModule(), kTemplate, nullptr, BareProc, 0); };
+    const auto several = [](auto show) {
+        return Timed([=] {
+            for (int i = 0; i < kTurn; ++i) Require(show() == 1, "dialog: a dialog could not be shown");
+        });
     };
-    controlled();  // what the system loads for its first dialogs
-    bare();
-    const Comparison rounds = Compare(
-        bench->quick ? 5 : 15, [&] { return SecondsOf(controlled); }, [&] { return SecondsOf(bare); });
-    if (!good) return Fail("dialog: a dialog could not be shown");
-    bench->rows.push_back(TimeRow(Number(kTurn, 0) + " dialogs of 100 items", rounds, kLimit));
-    return true;
+    Measure(1, {several(controlled), several(bare)});  // what the system loads for its first dialogs
+    AddComparison(bench, std::to_string(kTurn) + " dialogs of 100 items", bench->quick ? 5 : 15, several(controlled),
+                  several(bare), 1.5);
 }

@@ -7,21 +7,16 @@
 #include <string>
 #include <vector>
 
-#include "kit/handles.h"
 #include "kwbench.h"
 #include "preview/dispatch.h"
 #include "preview/file_type.h"
 #include "resources/resource.h"
 
-static constexpr double kLimit = 1.2;
-static constexpr double kReactionSeconds = 0.1, kCloseSeconds = 0.05;
-static constexpr UINT kTickMilliseconds = 5;
-
 // One gallery as it is driven. Only one is open at a time, and hooks and timers without a window take no argument.
 static struct GalleryRun {
-    double cancelAfter = 0;  // seconds from the first tick; 0: when all thumbnails stand
+    double cancelAt = 0;  // 0: when all thumbnails stand
     HWND dialog = nullptr;
-    double opened = 0, lastMessage = 0, longestGap = 0;
+    double lastMessage = 0, longestGap = 0;
     double finished = 0;   // when the progress bar was found hidden; 0: cancelled before
     double cancelled = 0;  // when Cancel was posted
 } run;
@@ -44,26 +39,22 @@ static LRESULT CALLBACK NoteMessage(int code, WPARAM wParam, LPARAM lParam) {
 }
 
 static void CALLBACK OnTick(HWND, UINT, UINT_PTR, DWORD) {
-    if (!run.dialog) {
-        EnumThreadWindows(GetCurrentThreadId(), TakeGallery, 0);
-        if (run.dialog) run.opened = Now();
-    }
+    if (!run.dialog) EnumThreadWindows(GetCurrentThreadId(), TakeGallery, 0);
     if (!run.dialog || run.cancelled > 0) return;
     // The bar's own style: the dialog as a whole may not be visible yet.
     const bool works = GetWindowLongA(GetDlgItem(run.dialog, IDC_GALLERY_PROGRESS), GWL_STYLE) & WS_VISIBLE;
     const double now = Now();
-    if (works && (run.cancelAfter == 0 || now - run.opened < run.cancelAfter)) return;
+    if (works && (run.cancelAt == 0 || now < run.cancelAt)) return;
     if (!works) run.finished = now;
     run.cancelled = now;
     PostMessageA(run.dialog, WM_COMMAND, IDCANCEL, 0);
 }
 
-// Opens the gallery until it is complete or for so long; returns the seconds that Cancel took to close it.
-static double DriveGallery(const std::string& folder, double cancelAfter) {
-    run = {};
-    run.cancelAfter = cancelAfter;
+// Opens the gallery until it is complete or until then; returns the seconds that Cancel took to close it.
+static double DriveGallery(const std::string& folder, double cancelAt) {
+    run = {cancelAt};
     char result[MAX_PATH] = "";
-    const UINT_PTR timer = SetTimer(nullptr, 0, kTickMilliseconds, OnTick);
+    const UINT_PTR timer = SetTimer(nullptr, 0, 5, OnTick);
     const HHOOK hook = SetWindowsHookExA(WH_GETMESSAGE, NoteMessage, nullptr, GetCurrentThreadId());
     ShowGallery(nullptr, 0, folder.c_str(), "*.*", result, sizeof(result));
     const double closed = Now();
@@ -72,73 +63,46 @@ static double DriveGallery(const std::string& folder, double cancelAfter) {
     return closed - run.cancelled;
 }
 
-// ---- The floor
-
 // Identifies each file and calls its reader, one after the other: what the gallery's worker cannot do without. The
-// readers' own floors are measured elsewhere. False when a drawing gives no picture.
-static bool ReadInLoop(const std::vector<std::string>& paths, const RECT& thumbnail) {
+// readers' own floors are measured elsewhere.
+static void ReadInLoop(const std::vector<std::string>& paths) {
+    static constexpr RECT kThumbnail = {0, 0, 120, 90};
     for (const std::string& path : paths) {
         const PreviewReader read = GalleryReaderFor(IdentifyFileType(path.c_str(), nullptr, 0));
-        if (!read || !UniqueBitmap(read(0, path.c_str(), &thumbnail, nullptr, 0))) return false;
+        Require(read && UniqueBitmap(read(0, path.c_str(), &kThumbnail, nullptr, 0)), "no picture of " + path);
     }
-    return true;
 }
 
-static std::vector<std::string> WriteSmallDrawings(const std::string& folder, std::size_t count) {
+void BenchGallery(Bench* bench) {
+    const std::uint32_t count = bench->quick ? 250 : 1000;
+    Progress("writing " + std::to_string(count) + " small drawings");
+    const std::string folder = MakeFolder(*bench, "gallery");
     std::vector<std::string> paths;
     Random random{1};
-    for (std::size_t i = 0; i < count; ++i) {
-        Drawing drawing;
-        drawing.format = static_cast<DrawingFormat>(i % kDrawingFormatCount);
-        drawing.path = folder + "part" + std::to_string(i) + ExtensionOf(drawing.format);
-        drawing.seed = kDrawingSeed + i;
-        if (!WriteDrawing(SIZE_MAX, 20 + random.Below(300), &drawing)) break;
-        paths.push_back(drawing.path);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        DrawingPlan plan = {static_cast<DrawingFormat>(i % 4), SIZE_MAX, 20 + random.Below(300)};
+        plan.seed += i;
+        paths.push_back(WriteDrawing(folder + "part" + std::to_string(i), plan).path);
     }
-    return paths;
-}
 
-// ---- The rows
-
-static Row AtMostRow(const std::string& what, std::vector<double> seconds, double limit) {
-    const double worst = *std::max_element(seconds.begin(), seconds.end());
-    return {what, Milliseconds(worst),         Milliseconds(Median(seconds)) + " (median)",
-            "",   "<= " + Milliseconds(limit), worst <= limit ? Row::kMet : Row::kMissed};
-}
-
-bool BenchGallery(Bench* bench) {
-    static constexpr RECT kThumbnail = {0, 0, 120, 90};
-    const std::size_t count = bench->quick ? 250 : 1000;
-    const int roundCount = bench->quick ? 3 : 7;
-    const std::string folder = bench->folder + "gallery\\";
-    Progress("writing " + std::to_string(count) + " small drawings");
-    if (!CreateDirectoryA(folder.c_str(), nullptr)) return Fail("cannot make " + folder);
-    const std::vector<std::string> paths = WriteSmallDrawings(folder, count);
-    if (paths.size() < count || !ReadInLoop(paths, kThumbnail)) return Fail("gallery: no small drawings");
-
-    bool good = true;
-    std::vector<double> gaps, closings;
-    const auto fill = [&] {
-        Progress("gallery: round " + std::to_string(gaps.size() + 1) + " of " + std::to_string(roundCount));
+    const auto read = [&] { ReadInLoop(paths); };
+    read();  // and the system's caches are warm
+    Series gaps, closings;
+    const auto fill = [&](int) {
         const double start = Now();
         DriveGallery(folder, 0);
-        good = good && run.finished != 0;
+        Require(run.finished != 0, "gallery: it was closed too early");
         gaps.push_back(run.longestGap);
         return run.finished - start;
     };
-    const auto read = [&] { good = ReadInLoop(paths, kThumbnail) && good; };
-    const Comparison rounds = Compare(roundCount, fill, [&] { return SecondsOf(read); });
-    if (!good) return Fail("gallery: the gallery did not finish");
-    Random random{2};
-    const double whole = Median(rounds.measured);
+    const std::vector<Series> times = Measure(bench->quick ? 3 : 7, {fill, Timed(read)});
     for (int i = 0; i < (bench->quick ? 10 : 20); ++i) {
-        const double seconds = DriveGallery(folder, 0.01 + 0.7 * whole * random.Below(1000) / 1000);
+        const double seconds = DriveGallery(folder, Now() + 0.03 + 0.7 * Median(times[0]) * random.Between(0, 1));
         if (run.finished == 0) closings.push_back(seconds);
     }
-    if (closings.empty()) return Fail("gallery: it always finishes before Cancel");
+    Require(!closings.empty(), "gallery: it always finishes before Cancel");
     const std::string what = "gallery " + std::to_string(count) + " files: ";
-    bench->rows.push_back(TimeRow(what + "complete", rounds, kLimit));
-    bench->rows.push_back(AtMostRow(what + "longest gap between messages", gaps, kReactionSeconds));
-    bench->rows.push_back(AtMostRow(what + "Cancel while it works", closings, kCloseSeconds));
-    return true;
+    bench->rows.push_back(CompareRow(what + "complete", times[0], times[1], 1.2));
+    bench->rows.push_back(WorstRow(what + "longest gap between messages", gaps, 0.1));
+    bench->rows.push_back(WorstRow(what + "Cancel while it works", closings, 0.05));
 }

@@ -1,4 +1,4 @@
-// Time, statistics, and the cells of the table.
+// Time, statistics, and the rows of the table.
 #include <algorithm>
 #include <cstdio>
 #include <functional>
@@ -6,27 +6,32 @@
 #include "kwbench.h"
 
 double Now() {
-    static const double secondsPerTick = [] {
-        LARGE_INTEGER frequency;
-        QueryPerformanceFrequency(&frequency);
-        return 1.0 / static_cast<double>(frequency.QuadPart);
-    }();
-    LARGE_INTEGER ticks;
+    LARGE_INTEGER frequency, ticks;
+    QueryPerformanceFrequency(&frequency);
     QueryPerformanceCounter(&ticks);
-    return static_cast<double>(ticks.QuadPart) * secondsPerTick;
+    return static_cast<double>(ticks.QuadPart) / static_cast<double>(frequency.QuadPart);
 }
 
-double Median(std::vector<double> values) {
-    if (values.empty()) return 0;
+std::vector<Series> Measure(int roundCount, const std::vector<Work>& works) {
+    std::vector<Series> all(works.size());
+    for (int round = 0; round < roundCount; ++round) {
+        for (std::size_t i = 0; i < works.size(); ++i) {
+            const std::size_t turn = round % 2 == 0 ? i : works.size() - 1 - i;
+            all[turn].push_back(works[turn](round));
+        }
+    }
+    return all;
+}
+
+double Median(Series values) {
     std::sort(values.begin(), values.end());
     const std::size_t middle = values.size() / 2;
     return values.size() % 2 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
 }
 
-double MedianRatio(const Comparison& rounds) {
-    std::vector<double> ratios(rounds.measured.size());
-    std::transform(rounds.measured.begin(), rounds.measured.end(), rounds.floor.begin(), ratios.begin(),
-                   std::divides<>());
+static double MedianRatio(const Series& measured, const Series& floor) {
+    Series ratios(measured.size());
+    std::transform(measured.begin(), measured.end(), floor.begin(), ratios.begin(), std::divides<>());
     return Median(ratios);
 }
 
@@ -42,22 +47,34 @@ std::string Rate(double bytes, double seconds) {
     return Number(bytes / seconds / static_cast<double>(kMegabyte), 0) + " MB/s";
 }
 
-Row TimeRow(const std::string& what, const Comparison& rounds, double limit) {
-    const double ratio = MedianRatio(rounds);
+Row CompareRow(const std::string& what, const Series& measured, const Series& floor, double limit,
+               const Amount& amount) {
+    // Rates are to each other as the times are the other way round.
+    const double times = MedianRatio(measured, floor), ratio = amount.cell ? 1 / times : times;
+    const auto cell = [&](const Series& series) {
+        return amount.cell ? amount.cell(amount.worked, Median(series)) : Milliseconds(Median(series));
+    };
+    const bool met = amount.cell ? ratio >= limit : ratio <= limit;
     return {what,
-            Milliseconds(Median(rounds.measured)),
-            Milliseconds(Median(rounds.floor)),
+            cell(measured),
+            cell(floor),
             Number(ratio, 2),
-            "<= " + Number(limit, 2),
-            ratio <= limit ? Row::kMet : Row::kMissed};
+            (amount.cell ? ">= " : "<= ") + Number(limit, 2),
+            met ? Row::kMet : Row::kMissed};
 }
 
-Row RateRow(const std::string& what, const Comparison& rounds, double amount, RateCell cell, double limit) {
-    const double ratio = 1 / MedianRatio(rounds);  // rates are to each other as the times are the other way round
-    return {what,
-            cell(amount, Median(rounds.measured)),
-            cell(amount, Median(rounds.floor)),
-            Number(ratio, 2),
-            ">= " + Number(limit, 2),
-            ratio >= limit ? Row::kMet : Row::kMissed};
+void AddComparison(Bench* bench, const std::string& what, int roundCount, const Work& measured, const Work& floor,
+                   double limit, const Amount& amount) {
+    const std::vector<Series> times = Measure(roundCount, {measured, floor});
+    bench->rows.push_back(CompareRow(what, times[0], times[1], limit, amount));
+}
+
+Row WorstRow(const std::string& what, const Series& seconds, double limit) {
+    const double worst = *std::max_element(seconds.begin(), seconds.end());
+    return {what + ", worst of " + std::to_string(seconds.size()),
+            Milliseconds(worst),
+            Milliseconds(Median(seconds)) + " (median)",
+            "",
+            "<= " + Milliseconds(limit),
+            worst <= limit ? Row::kMet : Row::kMissed};
 }

@@ -1,48 +1,113 @@
 #include "record.h"
 
 #include <algorithm>
-#include <iterator>
+#include <tuple>
 
 #include "frame/services.h"
-#include "preview/drawing/canvas.h"
-#include "preview/reader.h"
+
+// ---- Replaying
+
+// Members leave in reverse order: the device context goes before what is selected into it.
+struct Replay {
+    const Recording& recording;
+    const FontUse fontUse;
+    UniquePen pens[kPenCount];
+    std::vector<TextFonts> fonts;  // one for each font, which stays in it
+    std::size_t selected = SIZE_MAX;
+    const UniqueDc dc;
+    GdiStrokes gdi;
+
+    Replay(const Recording& of, FontUse use, HDC screen)
+        : recording(of),
+          fontUse(use),
+          fonts(of.out.fonts.size()),
+          dc(CreateCompatibleDC(screen)),
+          gdi(dc.get(), nullptr, pens) {}
+};
+
+static void ReplayText(Replay& to, const Recording::Stroke& stroke) {
+    const Recording::Text& text = to.recording.out.texts[static_cast<std::size_t>(stroke.number)];
+    TextFonts& font = to.fonts[text.font];
+    if (text.font != to.selected) {
+        if (to.fontUse == FontUse::kMadeAtEachChange) font = {};
+        if (font.entries[0].font) SelectObject(to.dc.get(), font.entries[0].font.get());
+        to.selected = text.font;
+    }
+    GdiStrokes gdi(to.dc.get(), &font);
+    gdi.textsAreShiftJis = to.recording.textsAreShiftJis;
+    TextStroke written = text.stroke;
+    written.text = text.characters.c_str();
+    gdi.text(gdi, written);
+}
+
+UniqueBitmap ReplayStrokes(const Recording& recording, FontUse fontUse) {
+    const WindowDc screen(nullptr);
+    UniqueBitmap bitmap(CreatePreviewBitmap(screen.dc, kRenderColor, recording.target));
+    Replay to(recording, fontUse, screen.dc);
+    Require(bitmap && to.dc, "no bitmap for a replay");
+    const Selection selectBitmap(to.dc.get(), bitmap.get());
+    const Selection selectBrush(to.dc.get(), GetStockObject(BLACK_BRUSH));
+    FillRect(to.dc.get(), &recording.target, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+    SetBkMode(to.dc.get(), TRANSPARENT);
+    for (const Recording::Stroke& stroke : recording.out.strokes) stroke.replay(to, stroke);
+    return bitmap;
+}
 
 // ---- Recording
 
-static void Add(StrokeTarget& target, RecordedStroke::Kind kind, unsigned pen, std::int32_t radius,
-                std::initializer_list<PixelPoint> points) {
-    RecordedStroke stroke = {kind, static_cast<std::uint8_t>(pen), radius, {}};
-    std::copy(points.begin(), points.end(), stroke.points);
-    static_cast<Recording::Strokes&>(target).strokes.push_back(stroke);
+static void Add(StrokeTarget& target, const Recording::Stroke& stroke) {
+    auto& out = static_cast<Recording::Strokes&>(target);
+    if (out.kept) out.strokes.push_back(stroke);
 }
 
 static void AddText(StrokeTarget& target, const TextStroke& text) {
-    auto& texts = static_cast<Recording::Strokes&>(target).texts;
-    const auto same = std::find_if(texts.begin(), texts.end(), [&](const RecordedText& earlier) {
-        const TextStroke& stroke = earlier.stroke;
-        return stroke.height == text.height && stroke.width == text.width && stroke.escapement == text.escapement;
+    auto& out = static_cast<Recording::Strokes&>(target);
+    if (!out.kept) return;
+    const auto font = std::find_if(out.fonts.begin(), out.fonts.end(), [&](const TextStroke& other) {
+        return other.height == text.height && other.width == text.width && other.escapement == text.escapement;
     });
-    const auto index = static_cast<std::int32_t>(texts.size());
-    texts.push_back({text, static_cast<std::size_t>(same - texts.begin()), {text.text, text.length}});
-    Add(target, RecordedStroke::kText, 0, index, {text.at});
+    const auto number = static_cast<std::size_t>(font - out.fonts.begin());
+    if (font == out.fonts.end()) out.fonts.push_back(text);
+    Add(target, {ReplayText, 0, static_cast<std::int32_t>(out.texts.size()), {}});
+    out.texts.push_back({text, number, {text.text, text.length}});
 }
 
-Recording::Recording(const PixelRect& size) : DrawingSink{}, target(size) {
-    using Kind = RecordedStroke;
-    out.pixel = [](StrokeTarget& to, PixelPoint at) { Add(to, Kind::kPixel, 0, 0, {at}); };
-    out.line = [](StrokeTarget& to, unsigned pen, PixelPoint a, PixelPoint b) { Add(to, Kind::kLine, pen, 0, {a, b}); };
-    out.arc = [](StrokeTarget& to, unsigned pen, PixelPoint centre, std::int32_t radius, PixelPoint a, PixelPoint b) {
-        Add(to, Kind::kArc, pen, radius, {centre, a, b});
+using Stroke = Recording::Stroke;
+
+Recording::Recording(const RECT& rect) : DrawingSink{}, target(rect) {
+    out.pixel = [](StrokeTarget& to, PixelPoint at) {
+        Add(to, {[](Replay& in, const Stroke& s) { in.gdi.pixel(in.gdi, s.points[0]); }, 0, 0, {at}});
     };
-    out.polygon = [](StrokeTarget& to, unsigned pen, const PixelPoint* corners, std::size_t) {
-        Add(to, Kind::kArrow, pen, 0, {corners[0], corners[1], corners[2]});
+    out.line = [](StrokeTarget& to, unsigned pen, PixelPoint a, PixelPoint b) {
+        Add(to, {[](Replay& in, const Stroke& s) { in.gdi.line(in.gdi, s.pen, s.points[0], s.points[1]); },
+                 pen,
+                 0,
+                 {a, b}});
+    };
+    out.arc = [](StrokeTarget& to, unsigned pen, PixelPoint centre, std::int32_t radius, PixelPoint a, PixelPoint b) {
+        Add(to, {[](Replay& in, const Stroke& s) {
+                     in.gdi.arc(in.gdi, s.pen, s.points[0], s.number, s.points[1], s.points[2]);
+                 },
+                 pen,
+                 radius,
+                 {centre, a, b}});
+    };
+    out.polygon = [](StrokeTarget& to, unsigned pen, const PixelPoint* corners, std::size_t) {  // an arrowhead
+        Add(to, {[](Replay& in, const Stroke& s) { in.gdi.polygon(in.gdi, s.pen, s.points, 3); },
+                 pen,
+                 0,
+                 {corners[0], corners[1], corners[2]}});
     };
     out.dot = [](StrokeTarget& to, unsigned pen, PixelPoint centre, std::int32_t radius) {
-        Add(to, Kind::kDot, pen, radius, {centre});
+        Add(to, {[](Replay& in, const Stroke& s) { in.gdi.dot(in.gdi, s.pen, s.points[0], s.number); },
+                 pen,
+                 radius,
+                 {centre}});
     };
     out.text = AddText;
     fit = [](DrawingSink& sink, const WorldRect& extents, FitMode) {
-        FitViewTransform(extents, static_cast<Recording&>(sink).target, &sink.view);
+        const RECT& to = static_cast<Recording&>(sink).target;
+        FitViewTransform(extents, {to.left, to.top, to.right, to.bottom}, &sink.view);
         return true;
     };
     draw = [](DrawingSink& sink, PreviewPrimitive& element, unsigned pen) {
@@ -51,84 +116,40 @@ Recording::Recording(const PixelRect& size) : DrawingSink{}, target(size) {
     goOn = &PreviewCancelFlag;
 }
 
-static bool Decode(const Drawing& drawing, DrawingSink* sink) {
-    const PreviewFormat& format = FormatOf(drawing.format);
+static void Decode(const Drawing& drawing, DrawingSink* sink) {
     const LoadedFile file(drawing.path.c_str());
+    Require(file.data, "cannot load " + drawing.path);
     Comment comment;
     PreviewCancel(1);
-    const bool good =
-        file.data && format.decode(format.isText ? file.AsText() : ByteView{file.data, file.size}, &comment, sink);
+    const ByteView bytes = drawing.format->isText ? file.AsText() : ByteView{file.data, file.size};
+    const bool good = drawing.format->decode(bytes, &comment, sink);
     PreviewCancel(0);
-    return good;
+    Require(good, "no drawing in " + drawing.path);
 }
 
-Recording RecordPreview(const Drawing& drawing, const PixelRect& target) {
+Recording RecordPreview(const Drawing& drawing, const RECT& target) {
     Recording recording(target);
-    if (!Decode(drawing, &recording)) recording.out.strokes.clear();
+    Decode(drawing, &recording);
     return recording;
 }
 
-bool DecodeOnly(const Drawing& drawing, const PixelRect& target) {
-    Recording sink(target);
-    sink.out.pixel = [](StrokeTarget&, PixelPoint) {};
-    sink.out.line = [](StrokeTarget&, unsigned, PixelPoint, PixelPoint) {};
-    sink.out.arc = [](StrokeTarget&, unsigned, PixelPoint, std::int32_t, PixelPoint, PixelPoint) {};
-    sink.out.polygon = [](StrokeTarget&, unsigned, const PixelPoint*, std::size_t) {};
-    sink.out.dot = [](StrokeTarget&, unsigned, PixelPoint, std::int32_t) {};
-    sink.out.text = [](StrokeTarget&, const TextStroke&) {};
-    return Decode(drawing, &sink);
+void OrderAsCanvas(Recording* recording) {
+    auto& strokes = recording->out.strokes;
+    auto text = std::stable_partition(strokes.begin(), strokes.end(),
+                                      [](const Stroke& stroke) { return stroke.replay != ReplayText; });
+    const auto fontOf = [&](const Stroke& stroke) {
+        const TextStroke& look = recording->out.texts[static_cast<std::size_t>(stroke.number)].stroke;
+        return std::tie(look.escapement, look.height, look.width);
+    };
+    while (text != strokes.end()) {
+        const auto end = text + std::min<std::ptrdiff_t>(strokes.end() - text, CanvasStrokes::kMostTexts);
+        std::stable_sort(text, end, [&](const Stroke& a, const Stroke& b) { return fontOf(a) < fontOf(b); });
+        text = end;
+    }
 }
 
-// ---- Replaying
-
-// The text strokes of a replay, on a device context.
-struct TextReplay {
-    HDC dc;
-    Fonts manner;
-    std::vector<UniqueFont> fonts;  // by the index of the first text
-    std::size_t selected = SIZE_MAX;
-
-    void Write(const RecordedText& text) {
-        if (text.font != selected) {
-            UniqueFont previous;  // to be deleted when it is no longer selected
-            if (manner == Fonts::kMadeAtEachChange && selected != SIZE_MAX) previous = std::move(fonts[selected]);
-            if (!fonts[text.font]) fonts[text.font] = MakeTextFont(text.stroke);
-            SelectObject(dc, fonts[text.font].get());
-            selected = text.font;
-        }
-        const int extra = SetTextCharacterExtra(dc, text.stroke.extra);
-        TextOutA(dc, text.stroke.at.x, text.stroke.at.y, text.characters.data(),
-                 static_cast<int>(text.characters.size()));
-        SetTextCharacterExtra(dc, extra);
-    }
-};
-
-HBITMAP Replay(const Recording& recording, Fonts fonts) {
-    const RECT target = {recording.target.left, recording.target.top, recording.target.right, recording.target.bottom};
-    const WindowDc screen(nullptr);
-    UniqueBitmap bitmap(CreatePreviewBitmap(screen.dc, kRenderColor, target));
-    UniquePen pens[kPenCount];
-    TextReplay writer = {nullptr, fonts, std::vector<UniqueFont>(recording.out.texts.size())};
-    const UniqueDc dc(CreateCompatibleDC(screen.dc));
-    if (!bitmap || !dc) return nullptr;
-    writer.dc = dc.get();
-    const Selection selectBitmap(dc.get(), bitmap.get());
-    const Selection selectBrush(dc.get(), GetStockObject(BLACK_BRUSH));
-    FillRect(dc.get(), &target, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
-    SetBkMode(dc.get(), TRANSPARENT);
-    GdiStrokes gdi(dc.get(), nullptr, pens);
-    for (const RecordedStroke& stroke : recording.out.strokes) {
-        const PixelPoint* points = stroke.points;
-        switch (stroke.kind) {
-            case RecordedStroke::kPixel: gdi.pixel(gdi, points[0]); break;
-            case RecordedStroke::kLine: gdi.line(gdi, stroke.pen, points[0], points[1]); break;
-            case RecordedStroke::kArc: gdi.arc(gdi, stroke.pen, points[0], stroke.radius, points[1], points[2]); break;
-            case RecordedStroke::kArrow: gdi.polygon(gdi, stroke.pen, points, 3); break;
-            case RecordedStroke::kDot: gdi.dot(gdi, stroke.pen, points[0], stroke.radius); break;
-            case RecordedStroke::kText:
-                writer.Write(recording.out.texts[static_cast<std::size_t>(stroke.radius)]);
-                break;
-        }
-    }
-    return bitmap.release();
+void DecodeAlone(const Drawing& drawing) {
+    Recording sink(kPane);
+    sink.out.kept = false;
+    Decode(drawing, &sink);
 }

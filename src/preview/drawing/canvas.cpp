@@ -37,11 +37,13 @@ static void DrawWaitingTexts(CanvasStrokes& strokes) {
 }
 
 static void KeepText(StrokeTarget& target, const TextStroke& stroke) {
-    constexpr std::size_t kMostTexts = 2048, kMostCharacters = 1 << 16;
     auto& strokes = static_cast<CanvasStrokes&>(target);
     strokes.texts.push_back({stroke, strokes.characters.size()});
     strokes.characters.append(stroke.text, stroke.length);
-    if (strokes.texts.size() >= kMostTexts || strokes.characters.size() >= kMostCharacters) DrawWaitingTexts(strokes);
+    if (strokes.texts.size() >= CanvasStrokes::kMostTexts ||
+        strokes.characters.size() >= CanvasStrokes::kMostCharacters) {
+        DrawWaitingTexts(strokes);
+    }
 }
 
 static void DrawDot(StrokeTarget& target, unsigned pen, PixelPoint centre, std::int32_t radius) {

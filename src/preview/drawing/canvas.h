@@ -26,6 +26,7 @@ HBITMAP CreatePreviewBitmap(HDC screen, DWORD renderMode, const RECT& target);
 // matter.
 struct CanvasStrokes : Raster {
     CanvasStrokes(HDC dc, TextFonts* fonts, UniquePen* pens, const DrawingSink& sink);
+    static constexpr std::size_t kMostTexts = 2048, kMostCharacters = 1 << 16;  // that wait
     struct WaitingText {
         TextStroke stroke;   // its `text` is not set
         std::size_t offset;  // in `characters`

@@ -3,9 +3,18 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
-#include "support/checked_canvas.h"
+#include "preview/formats/sink.h"
+
+struct StrokeCounts {
+    std::uint32_t pixels, lines, arcs, marks, texts;
+    bool operator==(const StrokeCounts& other) const {
+        return pixels == other.pixels && lines == other.lines && arcs == other.arcs && marks == other.marks &&
+               texts == other.texts;
+    }
+};
 
 struct Attack {
     const char* name;

@@ -1,9 +1,10 @@
-#include "support/attacks.h"
+#include "generate/attacks.h"
 
 #include <algorithm>
 #include <cstring>
 #include <iterator>
 
+#include "generate/files.h"
 #include "preview/formats/backup.h"
 #include "preview/formats/command.h"
 #include "preview/formats/comments.h"
@@ -11,7 +12,6 @@
 #include "preview/formats/full_dxf.h"
 #include "preview/formats/native.h"
 #include "preview/formats/text.h"
-#include "support/samples.h"
 
 namespace {
 
@@ -145,33 +145,20 @@ std::string NestedCodes(std::size_t size) {
 
 // Every other record is a text, and every text's chain leads into a ring of all deleted continuations.
 std::string Chains(std::size_t size) {
-    const auto records = static_cast<std::uint16_t>(std::min<std::size_t>((size - 1024) / 64, 65534));
-    std::string file = BytesAt(1024, {{4, "CAD ORVIL QA V4.0"},
-                                      {25, "\4"},
-                                      {32, Raw(400.0) + Raw(300.0)},
-                                      {242, Raw(records)},
-                                      {248, std::string(34, '\1')}});
-    for (unsigned i = 0; i < records; ++i) {
-        const auto link = static_cast<std::uint16_t>(i % 2 ? (i + 2) % records + 1 : i + 2);
-        file += i % 2 ? BytesAt(64, {{0, Raw(std::uint16_t{0x4000})}, {4, "\11"}, {62, Raw(link)}})
-                      : BytesAt(64, {{4, "\10"},
-                                     {16, Raw(5.0f) + Raw(9.0f) + Raw(9.0f) + Raw(9.0f)},
-                                     {48, "a text"},
-                                     {62, Raw(link)}});
+    const auto count = static_cast<unsigned>(std::min<std::size_t>((size - 1024) / 64, 65534));
+    std::string records;
+    for (unsigned i = 0; i < count; ++i) {
+        records += i % 2 ? ContinuationRecord("", (i + 2) % count + 1, 0x4000)
+                         : TextRecord({5, 9, 9, 9, 0, 0}, 0, "a text", i + 2);
     }
+    const std::string file = NativeFile(kEditionA, 400, 300, records);
     return file + std::string(size - file.size(), '\0');
 }
 std::string FarFrames(std::size_t size) {
-    const auto count = static_cast<std::uint32_t>((size - 446) / 64);
-    std::string file = BytesAt(
-        446, {{0, "VEXTRON lumos Backup V2"}, {410, Raw(0.0) + Raw(0.0) + Raw(400.0) + Raw(300.0)}, {442, Raw(count)}});
-    for (std::uint32_t i = 0; i < count; ++i) {
+    return Fill(size, BackupFile(400, 300, ""), [](int i) {
         const float away = i % 2 ? 1e38f : -3e9f;
-        file += BytesAt(64, {{4, "\10"},
-                             {16, Raw(away) + Raw(away) + Raw(1e30f) + Raw(1e30f) + Raw(1e30f) + Raw(33.0f)},
-                             {46, "\xff\xff"}});
-    }
-    return file;
+        return CountedTextRecord({away, away, 1e30f, 1e30f, 1e30f, 33}, 0, 65535);
+    });
 }
 std::string OpenTexts(std::size_t size) {  // none has its closing quote
     return Fill(size, "AR 0,0,400,300\n", [](int) { return "GT 5,5,9,9,0,0,0,6 '" + std::string(200, 'x') + "\n"; });
