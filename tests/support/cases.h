@@ -1,0 +1,14 @@
+// What tests try, kept as text: files beside the tests, in blocks under lines "[name]".
+#pragma once
+
+#include <string>
+#include <vector>
+
+// The block of that name in a file below tests/.
+std::string TextBlock(const std::string& file, const std::string& name);
+
+// The blocks that hold a line "==": what is given above it, what is expected below it.
+struct TextCase {
+    std::string name, given, expected;
+};
+std::vector<TextCase> TextCases(const std::string& file);
