@@ -60,10 +60,6 @@ protected:
 // The worker has ended: it hides the progress bar last.
 static bool IsComplete(HWND dialog) { return !IsWindowVisible(FindControl(dialog, IDC_GALLERY_PROGRESS)); }
 
-static LRESULT InList(HWND dialog, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
-    return SendMessageA(FindControl(dialog, IDC_GALLERY_LIST), message, wParam, lParam);
-}
-
 static DialogStep Select(int index, int notification = LBN_SELCHANGE) {
     return Check([=](HWND dialog) { SelectLine(dialog, IDC_GALLERY_LIST, index, notification); });
 }
@@ -71,7 +67,7 @@ static DialogStep Select(int index, int notification = LBN_SELCHANGE) {
 // How dark an item's cell is on the screen.
 static int DarkPixels(HWND dialog, int index) {
     RECT cell = {};
-    InList(dialog, LB_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&cell));
+    InList(dialog, IDC_GALLERY_LIST, LB_GETITEMRECT, static_cast<WPARAM>(index), &cell);
     const WindowDc list(FindControl(dialog, IDC_GALLERY_LIST));
     int dark = 0;
     for (int y = cell.top; y < cell.bottom - 20; ++y)
@@ -85,9 +81,10 @@ TEST_F(GalleryDialog, ShowsPicturesAndReturnsTheChoice) {
     folder.Write("c.bmp", "BM");
     lstrcpyA(result, "B.DXF");
     const auto look = [&](HWND dialog) {
-        EXPECT_EQ(InList(dialog, LB_GETCOUNT), 3);
-        EXPECT_EQ(InList(dialog, LB_GETCURSEL), 1) << "the name that came in";
-        for (int i = 0; i < 3; ++i) EXPECT_EQ(InList(dialog, LB_GETITEMDATA, static_cast<WPARAM>(i)), i);
+        EXPECT_EQ(InList(dialog, IDC_GALLERY_LIST, LB_GETCOUNT), 3);
+        EXPECT_EQ(InList(dialog, IDC_GALLERY_LIST, LB_GETCURSEL), 1) << "the name that came in";
+        for (int i = 0; i < 3; ++i)
+            EXPECT_EQ(InList(dialog, IDC_GALLERY_LIST, LB_GETITEMDATA, static_cast<WPARAM>(i)), i);
         EXPECT_EQ(DarkPixels(dialog, 0), 0);
         EXPECT_GT(DarkPixels(dialog, 1), 50);
         EXPECT_GT(DarkPixels(dialog, 2), 10) << "the placeholder's text";
@@ -101,7 +98,7 @@ TEST_F(GalleryDialog, ShowsPicturesAndReturnsTheChoice) {
     EXPECT_STREQ(result, "c.bmp");
     EXPECT_EQ(Run({Select(0), Press(IDCANCEL)}), 0);
     EXPECT_STREQ(result, "c.bmp") << "Cancel changes nothing";
-    const auto typeB = [](HWND dialog) { InList(dialog, WM_CHAR, 'b'); };
+    const auto typeB = [](HWND dialog) { InList(dialog, IDC_GALLERY_LIST, WM_CHAR, 'b'); };
     EXPECT_EQ(Run({Check(typeB), Press(IDOK)}, "*.*", 4), 1);
     EXPECT_STREQ(result, "b.d") << "by the keyboard; cut to the buffer";
     EXPECT_EQ(Run({}, "*.none"), 0) << "no file, no dialog";
@@ -111,7 +108,7 @@ TEST_F(GalleryDialog, ManyFilesStopWhileWorking) {
     for (int i = 0; i < 1500; ++i) folder.Write(std::to_string(i) + ".dxf", i % 3 ? kDrawing : "");
     lstrcpyA(result, "1499.dxf");
     const auto look = [&](HWND dialog) {
-        EXPECT_EQ(InList(dialog, LB_GETCOUNT), 1500);
+        EXPECT_EQ(InList(dialog, IDC_GALLERY_LIST, LB_GETCOUNT), 1500);
         EXPECT_FALSE(IsComplete(dialog)) << "else this test stops nothing";
         DeleteFileA(folder.At("1400.dxf").c_str());  // gone between listing and reading
     };
@@ -166,7 +163,7 @@ TEST_F(GalleryDialog, RemembersItsSize) {
             SetWindowPos(dialog, nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER);
             RECT client = {}, cell = {};
             GetClientRect(FindControl(dialog, IDC_GALLERY_LIST), &client);
-            InList(dialog, LB_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&cell));
+            InList(dialog, IDC_GALLERY_LIST, LB_GETITEMRECT, 0, &cell);
             const LONG columns = client.right / cell.right, rows = client.bottom / cell.bottom;
             EXPECT_TRUE(client.right % cell.right < columns && client.bottom % cell.bottom < rows) << size.cx;
             EXPECT_TRUE(size.cx != 1 || (columns == 3 && rows == 1));

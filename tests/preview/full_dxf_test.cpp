@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 
 #include "support/cases.h"
@@ -13,16 +14,10 @@
 
 namespace {
 
-// "10 5|20 7": a pair of lines each, codes as they stand; ends of lines part them too.
-std::string Pairs(const std::string& text) {
-    std::string out;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find_first_of("|\n", at), text.size()),
-                          blank = std::min(text.find(' ', at), end);
-        out += text.substr(at, blank - at) + "\n" + (blank < end ? text.substr(blank + 1, end - blank - 1) : "") + "\n";
-        at = end + 1;
-    }
-    return out;
+// Text form of "10 5|20 7"; ends of lines part pairs too.
+std::string Pairs(std::string text) {
+    std::replace(text.begin(), text.end(), '\n', '|');
+    return Dxf(text);
 }
 
 // The same in binary form: doubles, 16-bit numbers and strings, which is all that the tests' codes need.
@@ -121,14 +116,14 @@ TEST(FullDxf, Forms) {
     const std::string drawing = Drawing(kTriangle + "|0 TEXT|10 20|20 15|40 3|1 a");
     const std::string expected = Shown(drawing);
     const auto with = [](std::string text, const std::string& end) {
-        for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos; at += end.size())
-            text.replace(at, 1, end);
+        for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos; at += end.size())
+            text.replace(at, 2, end);
         return text;
     };
     const std::string plain = Pairs(drawing), entities = Pairs(kCorners + kTriangle + "|0 TEXT|10 20|20 15|40 3|1 a");
     const std::string files[] = {
-        with(plain, "\r\n"),    with(plain, "\r\r\n"), with(plain, "\r"), "\xEF\xBB\xBF" + plain,
-        Binary(drawing, false), Binary(drawing, true), entities,          entities.substr(0, entities.size() - 1),
+        with(plain, "\n"),      with(plain, "\r\r\n"), with(plain, "\r"), "\xEF\xBB\xBF" + plain,
+        Binary(drawing, false), Binary(drawing, true), entities,          entities.substr(0, entities.size() - 2),
         "garbage\n" + plain};
     for (const std::string& file : files)
         EXPECT_EQ(PlotOf(DecodeFullDxf, file, 64, 32, false), expected) << file.substr(0, 40);

@@ -82,3 +82,21 @@ TEST(Canvas, PensAndBitmaps) {
     }
     EXPECT_FALSE(CreatePlaceholderBitmap(kRenderColor, "x", {0, 0, 0x7FFFFFFF, 0x7FFFFFFF}));
 }
+
+// What the canvas draws in one call stands where single calls put it.
+TEST(TextRun, AsSingleTexts) {
+    const Stroke texts[] = {
+        TextStrokeOf(20, 100, 16, 8, 0, 0, "iW."),    TextStrokeOf(70, 60, 16, 8, 3, 0, "two of them"),
+        TextStrokeOf(5, 110, 16, 8, 0, 0, "i"),       TextStrokeOf(10, 40, 24, 12, 0, 0, "Large"),
+        TextStrokeOf(60, 20, 16, 8, -2, 0, "close"),  TextStrokeOf(120, 100, 16, 8, 0, 45, "slants"),
+        TextStrokeOf(90, 30, 16, 8, 0, 0, "a\xE9z"),  TextStrokeOf(140, 110, 16, 8, 0, 0, "out of the canvas"),
+        TextStrokeOf(-20, 70, 16, 8, 0, 0, "before"), TextStrokeOf(30, 80, 16, 8, 0, 90, "upright"),
+    };
+    const std::string together = OnCanvas(160, 120, [&](Canvas& canvas) {
+        for (Stroke text : texts) canvas.draw(canvas, text.primitive, 0);
+    });
+    EXPECT_TRUE(HasInk(together));
+    EXPECT_EQ(together, OnCanvas(160, 120, [&](Canvas& canvas) {
+                  for (Stroke text : texts) DrawPreviewPrimitive(canvas.dc.get(), canvas.view, text.primitive);
+              }));
+}

@@ -1,5 +1,7 @@
 #include "support/cases.h"
 
+#include <gtest/gtest.h>
+
 #include "support/samples.h"
 
 // Calls `use` with the name and the lines of each block.
@@ -32,5 +34,6 @@ std::vector<TextCase> TextCases(const std::string& file) {
         if (bar == std::string::npos) return;
         cases.push_back({name, WithoutLineEnd(lines.substr(0, bar)), WithoutLineEnd(lines.substr(bar + 3))});
     });
+    EXPECT_FALSE(cases.empty()) << file;
     return cases;
 }
