@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <tuple>
 
 #include "gallery/gallery_items.h"
 #include "kit/paths.h"
@@ -165,22 +166,16 @@ TEST(Kwpreview, Modes) {
     const TempFolder folder;
     const std::string shape = folder.Write("shape.dxf", kDrawing);
     const std::string text = folder.Write("text.dxf", DxfDrawing(40, 30, "0 TEXT|10 5|20 5|40 6|1 Plate"));
-    const struct {
-        std::string file;
-        Arguments options;
-        int width, height;
-        DWORD mode;
-    } cases[] = {
+    const std::tuple<std::string, Arguments, int, int, DWORD> cases[] = {
         {shape, {"--size", "16x4096"}, 16, 4096, kRenderColor | kRenderFullDxf},
         {shape, {"--basic-dxf"}, 640, 480, kRenderColor},
         {shape, {"--mono"}, 640, 480, kRenderFullDxf},
         {text, {"--frames", "--size", "90X60", "--mono"}, 90, 60, kRenderTextFrames | kRenderFullDxf},
     };
-    for (const auto& c : cases) {
-        Arguments arguments = c.options;
-        arguments.push_back(c.file);
+    for (auto [file, arguments, width, height, mode] : cases) {
+        arguments.push_back(file);
         EXPECT_EQ(RunKwpreview(arguments).code, 0u);
-        EXPECT_TRUE(ReadWholeFile(c.file + ".png") == DrawnByReader(c.file, c.width, c.height, c.mode)) << c.mode;
+        EXPECT_TRUE(ReadWholeFile(file + ".png") == DrawnByReader(file, width, height, mode)) << mode;
     }
 }
 

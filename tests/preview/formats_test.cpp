@@ -1,6 +1,7 @@
 // One drawing that holds every element, in every format, kept as pictures in both modes and two sizes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <sstream>
@@ -9,6 +10,7 @@
 #include "preview/formats/dxf.h"
 #include "preview/formats/native.h"
 #include "preview/formats/text.h"
+#include "support/cases.h"
 #include "support/drawings.h"
 #include "support/samples.h"
 
@@ -33,9 +35,9 @@ std::vector<Shape> Shapes() {
     std::istringstream lines(TextLines());
     for (std::string line; std::getline(lines, line);) {
         Shape s;
-        if (std::sscanf(line.c_str(), "G%c 1,%lf,%lf,%lf,%lf,%lf", &s.kind, s.v, s.v + 1, s.v + 2, s.v + 3, s.v + 4) <
-            3)
-            continue;
+        const int read =
+            std::sscanf(line.c_str(), "G%c 1,%lf,%lf,%lf,%lf,%lf", &s.kind, s.v, s.v + 1, s.v + 2, s.v + 3, s.v + 4);
+        if (read < 3 || s.kind == 'T') continue;
         const unsigned long word = std::strtoul(line.c_str() + line.rfind(',') + 1, nullptr, 16);
         s.pen = word & 15;
         s.first = MarkOf(word >> 4 & 7);
@@ -96,28 +98,9 @@ std::string BackupRecords() {
 }
 
 std::string DxfEntities() {
-    static constexpr const char* kTypes[] = {"", "CONTINUOUS", "DASHED", "CENTER", "PHANTOM", "DOT", "HIDDEN"};
-    std::string all;
-    for (const Shape& s : Shapes()) {
-        const auto number = [&](const char* group, int i) { return "|" + std::string(group) + std::to_string(s.v[i]); };
-        const bool isLine = s.kind == 'L', isArc = s.kind == 'A';
-        const bool isCircle = isArc && s.v[3] == 0 && s.v[4] == 360;
-        all += std::string("0 ") +
-               (isLine     ? "LINE"
-                : isCircle ? "CIRCLE"
-                : isArc    ? "ARC"
-                           : "POINT") +
-               "|6 " + (s.pen < 7 ? kTypes[s.pen] : "BYLAYER") + number("10 ", 0) + number("20 ", 1);
-        if (isLine) all += number("11 ", 2) + number("21 ", 3);
-        if (isArc) all += number("40 ", 2) + number("50 ", 3) + number("51 ", 4);
-        all += "|";
-    }
-    for (int i = 0; i < 20; ++i) {
-        all += "0 TEXT|40 3|1 %%d" + std::string(1, static_cast<char>('A' + i)) + "|10 " + std::to_string(50 + i % 4) +
-               "|20 " + std::to_string(40 - i) + "|72 " + std::to_string(i / 5) + "|73 " + std::to_string(i % 5) +
-               (i == 6 ? "|41 .5|50 90|" : "|");
-    }
-    return all + "0 TEXT|40 3|1 below|10 70|20 40|73 -99999999999";
+    std::string entities = TextBlock("preview/dxf.txt", "every element, and every justification of a text");
+    std::replace(entities.begin(), entities.end(), '\n', '|');
+    return entities;
 }
 
 struct Format {

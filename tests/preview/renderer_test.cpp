@@ -23,48 +23,48 @@ static std::string OnCanvas(int width, int height, const std::function<void(Canv
     return TakePicture(TakeCanvasBitmap(&canvas));
 }
 
-// Each as a reader draws it, and on a device context whose pen and brush are its owner's.
-TEST(DrawPreviewPrimitive, AsGdiDrawsIt) {
-    const struct {
-        const char* what;
-        Stroke stroke;
-        std::function<void(HDC)> reference;
-    } cases[] = {
-        // clang-format off
-        {"line", LineStroke(0, 2, 3.7, 20, 9.7), [](HDC dc) { MoveToEx(dc, 2, 17, nullptr), LineTo(dc, 20, 11); }},
-        {"point", PointStroke(2, 3.7), [](HDC dc) { SetPixelV(dc, 2, 17, 0); }},
-        {"arrowhead and dot", LineStroke(0, 3, 3.7, 20, 3.7, EndMarkWord(kMarkArrow, kMarkDot)), [](HDC dc) {
-             MoveToEx(dc, 3, 17, nullptr), LineTo(dc, 20, 17);
-             const POINT corners[] = {{3, 17}, {3, 17}, {3, 17}};
-             Polygon(dc, corners, 3);
-             Chord(dc, 18, 15, 23, 20, 23, 17, 23, 17);
-         }},
-        {"circle", ArcStroke(0, 12, 10.7, 4, 0, 360), [](HDC dc) { Arc(dc, 8, 6, 16, 14, 16, 10, 16, 10); }},
-        {"across 0 degrees", ArcStroke(0, 4, 10.7, 12, 330, 30), [](HDC dc) { Arc(dc, -8, -2, 16, 22, 14, 16, 14, 4); }},
-        {"turned text", TextStrokeOf(6, 3.7, 8, 5, 0, 90.06, "AL"), [](HDC dc) {
-             char face[LF_FACESIZE];
-             CopyResString(IDS_TEXT_FACE, face, sizeof(face));
-             const UniqueFont font(
-                 CreateFontA(-8, 5, 900, 0, 400, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, FIXED_PITCH | FF_MODERN, face));
-             const Selection selected(dc, font.get());
-             TextOutA(dc, 6, 17, "AL", 2);
-         }},
-        // clang-format on
+// As a reader draws it, and on a device context whose font is its owner's.
+TEST(DrawPreviewPrimitive, AsTheCanvasDrawsIt) {
+    const Stroke strokes[] = {
+        LineStroke(0, 2, 3.7, 20, 9.7),
+        LineStroke(0, 30, 3.7, 120, 13.7, EndMarkWord(kMarkArrow, kMarkDot)),
+        PointStroke(2, 3.7),
+        ArcStroke(0, 112, 100.7, 14, 0, 360),
+        ArcStroke(0, 104, 70.7, 12, 330, 30),
+        // texts, which the canvas draws in one call where it can
+        TextStrokeOf(20, 100, 16, 8, 0, 0, "iW."),
+        TextStrokeOf(70, 60, 16, 8, 3, 0, "two of them"),
+        TextStrokeOf(5, 110, 16, 8, 0, 0, "i"),
+        TextStrokeOf(10, 40, 24, 12, 0, 0, "Large"),
+        TextStrokeOf(60, 20, 16, 8, -2, 0, "close"),
+        TextStrokeOf(120, 100, 16, 8, 0, 45, "slants"),
+        TextStrokeOf(90, 30, 16, 8, 0, 0, "a\xE9z"),
+        TextStrokeOf(140, 110, 16, 8, 0, 0, "out of the canvas"),
+        TextStrokeOf(-20, 70, 16, 8, 0, 0, "before"),
+        TextStrokeOf(30, 80, 16, 8, 0, 90, "upright"),
     };
-    for (const auto& c : cases) {
-        PreviewPrimitive element = c.stroke.primitive;
-        const std::string expected = OnCanvas(24, 20, [&](Canvas& canvas) { c.reference(canvas.dc.get()); });
-        EXPECT_TRUE(HasInk(expected)) << c.what;
-        EXPECT_EQ(OnCanvas(24, 20, [&](Canvas& canvas) { canvas.draw(canvas, element, 0); }), expected) << c.what;
-        EXPECT_EQ(OnCanvas(24, 20,
-                           [&](Canvas& canvas) {
-                               const HGDIOBJ font = GetCurrentObject(canvas.dc.get(), OBJ_FONT);
-                               EXPECT_EQ(DrawPreviewPrimitive(canvas.dc.get(), canvas.view, element), 1);
-                               EXPECT_EQ(GetCurrentObject(canvas.dc.get(), OBJ_FONT), font);
-                           }),
-                  expected)
-            << c.what;
-    }
+    const auto onDc = [&](Canvas& canvas) {
+        const HGDIOBJ font = GetCurrentObject(canvas.dc.get(), OBJ_FONT);
+        for (Stroke s : strokes) EXPECT_EQ(DrawPreviewPrimitive(canvas.dc.get(), canvas.view, s.primitive), 1);
+        EXPECT_EQ(GetCurrentObject(canvas.dc.get(), OBJ_FONT), font);
+    };
+    EXPECT_EQ(OnCanvas(160, 120, onDc), OnCanvas(160, 120, [&](Canvas& canvas) {
+                  for (Stroke s : strokes) canvas.draw(canvas, s.primitive, 0);
+              }));
+}
+
+TEST(DrawPreviewPrimitive, TextAsGdiDrawsIt) {
+    PreviewPrimitive text = TextStrokeOf(6, 3.7, 8, 5, 0, 90.06, "AL").primitive;
+    const std::string expected = OnCanvas(24, 20, [](Canvas& canvas) {
+        char face[LF_FACESIZE];
+        CopyResString(IDS_TEXT_FACE, face, sizeof(face));
+        const UniqueFont font(
+            CreateFontA(-8, 5, 900, 0, 400, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, FIXED_PITCH | FF_MODERN, face));
+        const Selection selected(canvas.dc.get(), font.get());
+        TextOutA(canvas.dc.get(), 6, 17, "AL", 2);
+    });
+    EXPECT_TRUE(HasInk(expected));
+    EXPECT_EQ(OnCanvas(24, 20, [&](Canvas& canvas) { canvas.draw(canvas, text, 0); }), expected);
 }
 
 TEST(Canvas, PensAndBitmaps) {
@@ -81,22 +81,4 @@ TEST(Canvas, PensAndBitmaps) {
         EXPECT_TRUE(HasInk(picture));
     }
     EXPECT_FALSE(CreatePlaceholderBitmap(kRenderColor, "x", {0, 0, 0x7FFFFFFF, 0x7FFFFFFF}));
-}
-
-// What the canvas draws in one call stands where single calls put it.
-TEST(TextRun, AsSingleTexts) {
-    const Stroke texts[] = {
-        TextStrokeOf(20, 100, 16, 8, 0, 0, "iW."),    TextStrokeOf(70, 60, 16, 8, 3, 0, "two of them"),
-        TextStrokeOf(5, 110, 16, 8, 0, 0, "i"),       TextStrokeOf(10, 40, 24, 12, 0, 0, "Large"),
-        TextStrokeOf(60, 20, 16, 8, -2, 0, "close"),  TextStrokeOf(120, 100, 16, 8, 0, 45, "slants"),
-        TextStrokeOf(90, 30, 16, 8, 0, 0, "a\xE9z"),  TextStrokeOf(140, 110, 16, 8, 0, 0, "out of the canvas"),
-        TextStrokeOf(-20, 70, 16, 8, 0, 0, "before"), TextStrokeOf(30, 80, 16, 8, 0, 90, "upright"),
-    };
-    const std::string together = OnCanvas(160, 120, [&](Canvas& canvas) {
-        for (Stroke text : texts) canvas.draw(canvas, text.primitive, 0);
-    });
-    EXPECT_TRUE(HasInk(together));
-    EXPECT_EQ(together, OnCanvas(160, 120, [&](Canvas& canvas) {
-                  for (Stroke text : texts) DrawPreviewPrimitive(canvas.dc.get(), canvas.view, text.primitive);
-              }));
 }

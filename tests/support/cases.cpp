@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "support/samples.h"
 
 // Calls `use` with the name and the lines of each block.
@@ -36,4 +38,23 @@ std::vector<TextCase> TextCases(const std::string& file) {
     });
     EXPECT_FALSE(cases.empty()) << file;
     return cases;
+}
+
+static std::string CellOf(const std::string& cell) {
+    const std::size_t begin = cell.find_first_not_of(' '), end = cell.find_last_not_of(' ');
+    const std::string text = begin == std::string::npos ? "" : cell.substr(begin, end + 1 - begin);
+    return text.size() > 1 && text.front() == '"' ? text.substr(1, text.size() - 2) : text;
+}
+
+std::vector<std::vector<std::string>> TableRows(const std::string& file, const std::string& name) {
+    std::vector<std::vector<std::string>> rows;
+    std::istringstream lines(TextBlock(file, name));
+    for (std::string line; std::getline(lines, line);) {
+        rows.emplace_back();
+        std::istringstream cells(line);
+        for (std::string cell; std::getline(cells, cell, '|');) rows.back().push_back(CellOf(cell));
+    }
+    rows.erase(rows.begin());
+    EXPECT_FALSE(rows.empty()) << file << " " << name;
+    return rows;
 }

@@ -12,3 +12,6 @@ struct TextCase {
     std::string name, given, expected;
 };
 std::vector<TextCase> TextCases(const std::string& file);
+
+// The rows of a block that is a table: cells between bars, without the quotes around them; the first row heads them.
+std::vector<std::vector<std::string>> TableRows(const std::string& file, const std::string& name);

@@ -1,5 +1,6 @@
 #include "support/random_strokes.h"
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 
@@ -16,7 +17,7 @@ void RandomStrokes::Draw(StrokeTarget& to, unsigned pen, unsigned seed) const {
                           at.y - static_cast<int>(std::lround(away * std::sin(angle)))};
     };
     const PixelPoint inside = pointWithin(0);
-    const int reach = 1 + below(around);
+    const int reach = 1 + below(around), radius = std::min(reach, 32766);  // no larger one is asked for
     const double direction = below(3600) * 0.1;
     PixelPoint points[7];
     for (PixelPoint& p : points) p = pointWithin(below(around));
@@ -29,12 +30,12 @@ void RandomStrokes::Draw(StrokeTarget& to, unsigned pen, unsigned seed) const {
             break;
         case 3: to.polyline(to, pen, points, 7); break;
         case 4: {  // some begin at an eighth of the turn, some are whole or nearly so
-            const PixelPoint centre = below(2) ? inside : pointFrom(inside, reach, direction);
+            const PixelPoint centre = below(2) ? inside : pointFrom(inside, radius, direction);
             const double start = below(2) ? 45 * below(8) : direction, sweep = below(3) ? below(3600) * 0.1 : below(30);
-            to.arc(to, pen, centre, reach, pointFrom(centre, reach, start), pointFrom(centre, reach, start + sweep));
+            to.arc(to, pen, centre, radius, pointFrom(centre, radius, start), pointFrom(centre, radius, start + sweep));
             break;
         }
-        case 5: to.dot(to, 0, points[0], 2 + below(around)); break;
+        case 5: to.dot(to, 0, points[0], radius + 1); break;
         case 6: to.polygon(to, pen, points, 3 + random() % 4); break;
         default: to.area(to, points, counts, 2); break;
     }
