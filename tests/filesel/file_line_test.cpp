@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "kwdialogs.h"
+#include "support/cases.h"
 
 static WIN32_FIND_DATAA File(const char* name, std::uint64_t size = 0, std::uint64_t time = 0) {
     WIN32_FIND_DATAA file = {};
@@ -40,18 +41,10 @@ TEST(FileLine, Order) {
 }
 
 TEST(FileLine, Texts) {
-    const struct {
-        DWORD number;
-        const char *driveSize, *thousands;
-    } cases[] = {
-        // clang-format off
-        {0, "0B", "0"}, {999, "999B", "999"}, {1023, "1023B", "1,023"}, {1024, "1KB", "1,024"},
-        {1048576, "1MB", "1,048,576"}, {1073741823, "1023MB", "1,073,741,823"}, {4294967295u, "3GB", "4,294,967,295"},
-        // clang-format on
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(FormatDriveSize(c.number), c.driveSize);
-        EXPECT_EQ(FormatThousands(c.number), c.thousands);
+    for (const auto& row : TableRows("filesel/sizes.txt", "sizes")) {
+        const auto number = static_cast<DWORD>(std::stoull(row[0]));
+        EXPECT_EQ(FormatDriveSize(number), row[1]);
+        EXPECT_EQ(FormatThousands(number), row[2]);
     }
 }
 

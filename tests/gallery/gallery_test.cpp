@@ -141,41 +141,33 @@ TEST_F(GalleryDialog, NoThumbnailIsLostToAnotherReader) {
     EXPECT_EQ(Run({leaveAlone, IsComplete, Check(look), Press(IDCANCEL)}), 0);
 }
 
+// Also of a dialog that is left maximised; whole cells fill the list at any size, the least one too.
 TEST_F(GalleryDialog, RemembersItsSize) {
     folder.Write("a.dxf", kDrawing);
-    SIZE before = {}, rest = {}, now = {};
-    const auto measure = [&](HWND dialog) {
-        SIZE list = {};
-        GetWindowPosSize(dialog, nullptr, &now);
-        GetWindowPosSize(FindControl(dialog, IDC_GALLERY_LIST), nullptr, &list);
-        const SIZE besides = {now.cx - list.cx, now.cy - list.cy};
-        if (before.cx == 0) before = now, rest = besides;
-        EXPECT_TRUE(besides.cx == rest.cx && besides.cy == rest.cy) << "the list grows with the dialog";
+    SIZE first = {}, now = {};
+    const auto resize = [](HWND dialog, int width, int height) {
+        SetWindowPos(dialog, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
+        RECT client = {}, cell = {};
+        GetClientRect(FindControl(dialog, IDC_GALLERY_LIST), &client);
+        InList(dialog, IDC_GALLERY_LIST, LB_GETITEMRECT, 0, &cell);
+        const LONG columns = client.right / cell.right, rows = client.bottom / cell.bottom;
+        EXPECT_TRUE(client.right % cell.right < columns && client.bottom % cell.bottom < rows) << width;
+        EXPECT_TRUE(width != 1 || (columns == 3 && rows == 1));
     };
+    const auto measure = [&](HWND dialog) { GetWindowPosSize(dialog, nullptr, &now); };
     const auto grow = [&](HWND dialog) {
-        measure(dialog);
-        SetWindowPos(dialog, nullptr, 0, 0, now.cx + 60, now.cy + 40, SWP_NOMOVE | SWP_NOZORDER);
+        measure(dialog), first = now;
+        for (const SIZE size : {SIZE{1, 1}, SIZE{now.cx + 250, now.cy + 190}, SIZE{now.cx + 60, now.cy + 40}})
+            resize(dialog, size.cx, size.cy);
     };
-    EXPECT_EQ(Run({Check(grow), Press(IDCANCEL)}), 0);
-    // Whole cells fill the list at any size, the least one too.
-    const auto resize = [&](HWND dialog) {
-        for (const SIZE size : {SIZE{1, 1}, SIZE{before.cx + 250, before.cy + 190}, SIZE{now.cx, now.cy}}) {
-            SetWindowPos(dialog, nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER);
-            RECT client = {}, cell = {};
-            GetClientRect(FindControl(dialog, IDC_GALLERY_LIST), &client);
-            InList(dialog, IDC_GALLERY_LIST, LB_GETITEMRECT, 0, &cell);
-            const LONG columns = client.right / cell.right, rows = client.bottom / cell.bottom;
-            EXPECT_TRUE(client.right % cell.right < columns && client.bottom % cell.bottom < rows) << size.cx;
-            EXPECT_TRUE(size.cx != 1 || (columns == 3 && rows == 1));
-        }
-    };
-    const auto maximize = [&](HWND dialog) { measure(dialog), resize(dialog), ShowWindow(dialog, SW_MAXIMIZE); };
-    EXPECT_EQ(Run({Check(maximize), Press(IDCANCEL)}), 0);
-    EXPECT_TRUE(now.cx == before.cx + 60 && now.cy == before.cy + 40);
+    const auto maximize = [&](HWND dialog) { measure(dialog), ShowWindow(dialog, SW_MAXIMIZE); };
     const auto restore = [&](HWND dialog) {
         EXPECT_TRUE(IsZoomed(dialog));
-        ShowWindow(dialog, SW_RESTORE);
-        measure(dialog);
+        ShowWindow(dialog, SW_RESTORE), measure(dialog);
     };
-    EXPECT_EQ(Run({Check(restore), Press(IDCANCEL)}), 0);
+    EXPECT_EQ(Run({Check(grow), Press(IDCANCEL)}), 0);
+    for (const DialogStep& look : {Check(maximize), Check(restore)}) {
+        EXPECT_EQ(Run({look, Press(IDCANCEL)}), 0);
+        EXPECT_TRUE(now.cx == first.cx + 60 && now.cy == first.cy + 40) << now.cx;
+    }
 }

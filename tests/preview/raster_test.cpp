@@ -62,8 +62,8 @@ TEST(Raster, ClippedStrokesKeepTheirPixels) {
 
 TEST(Raster, StrokesFromTheEndsOfTheSpace) {
     Sheet sheet(kWidth, kHeight, 1);
-    const RandomStrokes far = {kWidth, kHeight, 1 << 26};
-    for (unsigned seed = 0; seed < 4000; ++seed) far.Draw(sheet.raster, 2, seed);
+    const RandomStrokes farAway = {kWidth, kHeight, 1 << 26};
+    for (unsigned seed = 0; seed < 4000; ++seed) farAway.Draw(sheet.raster, 2, seed);
 }
 
 TEST(Raster, RefusesWhatItCannotHold) {

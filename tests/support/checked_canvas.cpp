@@ -6,7 +6,7 @@
 
 #include "preview/drawing/path_strokes.h"
 
-static void Require(bool holds) {
+void Require(bool holds) {
     if (!holds) std::abort();
 }
 

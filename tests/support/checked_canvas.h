@@ -8,6 +8,9 @@
 #include "preview/drawing/strokes.h"
 #include "preview/formats/sink.h"
 
+// Ends the program, as a sanitizer's finding does, when something does not hold.
+void Require(bool holds);
+
 struct StrokeCounts {
     std::uint32_t pixels, lines, arcs, marks, texts;
     bool operator==(const StrokeCounts& other) const {
