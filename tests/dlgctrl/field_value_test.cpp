@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cfloat>
-#include <cmath>
 #include <cstring>
 #include <tuple>
 
@@ -38,18 +36,6 @@ TEST(CheckFields, WhenTheUserLeavesAField) {
     };
     host.endWith = IDCANCEL;
     EXPECT_EQ(host.Run(), 0);
-}
-
-// A variable may hold what no field can: it shows, and then stores, the nearest number.
-TEST(CheckFields, VariablesThatAreNoNumbers) {
-    double numbers[] = {-INFINITY, NAN};
-    HostDialog host;
-    host.items = {{IDC_FIELD, KW_KIND_EDIT | KW_VALUE_DOUBLE, &numbers[0], 0, 0, nullptr},
-                  {IDC_OTHER_FIELD, KW_KIND_EDIT | KW_VALUE_DOUBLE, &numbers[1], 5, 9, nullptr}};
-    host.opened = [](HWND dialog) { EXPECT_EQ(TextOf(dialog, IDC_OTHER_FIELD), "5.000"); };
-    EXPECT_EQ(host.Run(), 1);
-    EXPECT_EQ(numbers[0], -DBL_MAX);
-    EXPECT_EQ(numbers[1], 5);
 }
 
 static int Step(HWND dialog, int index, int delta) {
