@@ -7,6 +7,8 @@
 #include <dlgs.h>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "frame/module.h"
 #include "frame/services.h"
 #include "preview/drawing/placeholder.h"
@@ -294,15 +296,15 @@ TEST_F(ClassicDialog, StartsInAnyDirectory) {
     };
     const std::string withoutDrive = folder.path.substr(2) + "\\sub";
     SetCurrentDirectoryA(folder.path.c_str());
-    const struct {
-        const char *directory, *listed, *chosen;
-    } cases[] = {{"sub", "inside.dxf", "sub\\inside.dxf"},
-                 {nullptr, "outside.dxf", "outside.dxf"},
-                 {withoutDrive.c_str(), "inside.dxf", "sub\\inside.dxf"}};
-    for (const auto& c : cases) {
-        request.initialDir = c.directory;
-        EXPECT_EQ(Run(KW_FILE_OPEN, {lists(c.listed), TypeFileName(c.listed), Press(IDOK)}), 1u);
-        EXPECT_EQ(file, folder.At(c.chosen));
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"sub", "inside.dxf", "sub\\inside.dxf"},
+        {nullptr, "outside.dxf", "outside.dxf"},
+        {withoutDrive.c_str(), "inside.dxf", "sub\\inside.dxf"},
+    };
+    for (const auto& [directory, listed, chosen] : cases) {
+        request.initialDir = directory;
+        EXPECT_EQ(Run(KW_FILE_OPEN, {lists(listed), TypeFileName(listed), Press(IDOK)}), 1u);
+        EXPECT_EQ(file, folder.At(chosen));
         file[0] = '\0';
     }
     EXPECT_EQ(Run(0, {TypeFileName("new.dxf"), Press(IDOK)}), 1u) << "saved under a name that there is not";

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "kwdialogs.h"
 #include "support/cases.h"
 
@@ -18,11 +20,7 @@ static WIN32_FIND_DATAA File(const char* name, std::uint64_t size = 0, std::uint
 
 TEST(FileLine, Order) {
     constexpr std::uint64_t kBig = std::uint64_t{1} << 32;
-    const struct {
-        DWORD sort;
-        WIN32_FIND_DATAA a, b;
-        int order;
-    } cases[] = {
+    const std::tuple<DWORD, WIN32_FIND_DATAA, WIN32_FIND_DATAA, int> cases[] = {
         // clang-format off
         {0, File("a", 1, 1), File("b", 2, 2), 0},
         {KW_SORT_NAME, File("B"), File("a"), -1}, {KW_SORT_NAME, File("a"), File("\x83\x5c"), -1},  // capitals first
@@ -34,9 +32,9 @@ TEST(FileLine, Order) {
         {KW_SORT_SIZE | KW_SORT_DESCENDING, File("a", 1), File("b", 2), 1},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        const int order = CompareFiles(c.a, c.b, c.sort);
-        EXPECT_EQ((order > 0) - (order < 0), c.order) << c.sort << " " << c.a.cFileName << " " << c.b.cFileName;
+    for (const auto& [sort, a, b, expected] : cases) {
+        const int order = CompareFiles(a, b, sort);
+        EXPECT_EQ((order > 0) - (order < 0), expected) << sort << " " << a.cFileName << " " << b.cFileName;
     }
 }
 
@@ -59,16 +57,12 @@ static std::uint64_t LocalTime(WORD year, WORD month, WORD day, WORD hour, WORD 
 
 TEST(FileLine, Lines) {
     const std::uint64_t time = LocalTime(2004, 3, 9, 7, 5, 1), old = LocalTime(1999, 12, 31, 23, 59, 58);
-    const struct {
-        WIN32_FIND_DATAA file;
-        DWORD display;
-        const char* line;
-    } cases[] = {
+    const std::tuple<WIN32_FIND_DATAA, DWORD, const char*> cases[] = {
         {File("a.dxf", 1234567, time), 0, "a.dxf"},
         {File("a b.dxf", 1234567, time), 0, "a b.dxf\t"},  // so that a selection is not cut at the blank
         {File("a.dxf", 1, time), KW_SHOW_DATE | KW_SHOW_TIME, "a.dxf\t04/03/09\t07:05:01"},
         {File("a.dxf", 1, old), KW_SHOW_SIZE | KW_SHOW_DATE | KW_SHOW_TIME, "a.dxf\t1\t99/12/31\t23:59:58"},
         {File("a.dxf", 1, LocalTime(1850, 1, 1, 0, 0, 0)), KW_SHOW_DATE, "a.dxf\t1850/01/01"},
     };
-    for (const auto& c : cases) EXPECT_EQ(FormatFileLine(c.file, c.display), c.line);
+    for (const auto& [file, display, line] : cases) EXPECT_EQ(FormatFileLine(file, display), line);
 }

@@ -187,11 +187,7 @@ TEST(Kwpreview, Reasons) {
         CreateFileA(locked.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     folder.MakeFolder("taken.dxf.png");
     folder.Write("blank.dxf", kEmptyDrawing);
-    const struct {
-        std::string path;
-        NoPicture problem;
-        DWORD code;
-    } cases[] = {
+    const std::tuple<std::string, NoPicture, DWORD> cases[] = {
         {folder.At("missing.dxf"), NoPicture::missing, 3},
         {folder.At("none\\a.dxf"), NoPicture::missing, 3},
         {folder.At("*.zip"), NoPicture::noMatch, 3},
@@ -211,7 +207,7 @@ TEST(Kwpreview, Reasons) {
         {folder.Write("taken.dxf", kDrawing), NoPicture::notWritten, 4},
     };
     const int before = FilesIn(folder.path);
-    for (const auto& c : cases) ExpectRun({c.path}, c.code, {c.path + ": ", Why(c.problem)});
+    for (const auto& [path, problem, code] : cases) ExpectRun({path}, code, {path + ": ", Why(problem)});
     EXPECT_EQ(RunKwpreview({folder.At("a.txt"), "--strict"}).code, 1u);
     EXPECT_EQ(FilesIn(folder.path), before) << "no picture, and no part of one";
     EXPECT_EQ(RunKwpreview({folder.At("missing.dxf"), folder.At("taken.dxf"), folder.At("a.txt")}).code, 4u);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <tuple>
 
 #include "support/cases.h"
 #include "support/drawings.h"
@@ -43,12 +44,7 @@ TEST(DecodeDxf, FilesAndLengths) {
 }
 
 TEST(DecodeDxf, Comment) {
-    const struct {
-        const char* what;
-        std::string text;
-        std::size_t size;
-        std::string comment;
-    } cases[] = {
+    const std::tuple<const char*, std::string, std::size_t, std::string> cases[] = {
         // clang-format off
         {"every line with a soft break", "one\r\n;two\n\n three\n", 100, "one\r\r\n;two\r\r\n three\r\r\n"},
         {"later, shorter lines still fit", "0123456789\nabc\n01234567890123456789\n", 10, "abc\r\r\n"},
@@ -57,5 +53,6 @@ TEST(DecodeDxf, Comment) {
         {"up to the end of the drawing", "a\nEOF\nb\n", 100, "a\r\r\nEOF\r\r\n"},
         // clang-format on
     };
-    for (const auto& c : cases) EXPECT_EQ(CommentOf(DecodeDxf, c.text, c.size, true), c.comment) << c.what;
+    for (const auto& [what, text, size, comment] : cases)
+        EXPECT_EQ(CommentOf(DecodeDxf, text, size, true), comment) << what;
 }
