@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <tuple>
+#include <functional>
+#include <utility>
 
 #include "dlgctrl/field_value.h"
 #include "dlgctrl/host_dialog.h"
@@ -86,7 +87,7 @@ TEST(Controller, CallbacksThatInterfere) {
                               {nullptr, MAKEINTRESOURCEA(IDD_PAGE_TWO), HostCallback, 1, pageItems}};
     constexpr WPARAM kAny = ~WPARAM{0}, kTextSet = MAKEWPARAM(IDC_FIELD, EN_CHANGE);
     const auto dialogOf = [](HWND window) { return GetAncestor(window, GA_ROOT); };
-    const std::tuple<const char*, std::function<void(HWND window)>> acts[] = {
+    const std::pair<const char*, std::function<void(HWND window)>> acts[] = {
         {"destroys the dialog", [=](HWND window) { DestroyWindow(dialogOf(window)); }},
         {"destroys the window", [](HWND window) { DestroyWindow(window); }},
         {"ends the dialog", [=](HWND window) { EndDialog(dialogOf(window), 77); }},
@@ -99,7 +100,8 @@ TEST(Controller, CallbacksThatInterfere) {
     };
     const std::pair<UINT, WPARAM> moments[] = {
         {WM_COMMAND, kTextSet}, {WM_INITDIALOG, kAny}, {WM_SHOWWINDOW, TRUE}, {WM_COMMAND, IDOK}, {WM_DESTROY, kAny}};
-    for (const auto& [what, act] : acts) {
+    for (const auto& [what, interfere] : acts) {
+        const auto& act = interfere;
         for (std::size_t i = 0; i < 2 * std::size(moments); ++i) {
             const bool onPage = i % 2;
             const UINT awaited = moments[i / 2].first;

@@ -8,7 +8,7 @@
 static const FuzzTarget* target;
 
 // The target's argument, the first one, makes room for the length of its inputs.
-extern "C" int LLVMFuzzerInitialize(int* argumentCount, char*** arguments) {
+extern "C" int LLVMFuzzerInitialize(const int* argumentCount, char*** arguments) {
     const std::string wanted = *argumentCount > 1 ? (*arguments)[1] : "";
     for (std::size_t i = 0; i < kFuzzTargetCount; ++i) {
         if (wanted == std::string("--target=") + kFuzzTargets[i].name) target = &kFuzzTargets[i];

@@ -91,7 +91,7 @@ TEST(FullDxf, KindsLookLikeTheirLines) {
 
 TEST(FullDxf, Texts) {
     for (const TextCase& c : TextCases("preview/full_dxf_texts.txt")) {
-        const std::string texts = Shown(Drawing(c.given)).substr(65 * 32);
+        const std::string texts = Shown(Drawing(c.given)).substr(std::size_t{65} * 32);
         EXPECT_EQ(texts, c.expected + (c.expected.empty() ? "" : "\n")) << c.name;
     }
 }
