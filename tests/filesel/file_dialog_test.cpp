@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <commctrl.h>
-#include <commdlg.h>
 #include <dlgs.h>
 #include <gtest/gtest.h>
 
@@ -12,7 +11,6 @@
 #include "frame/module.h"
 #include "frame/services.h"
 #include "preview/drawing/placeholder.h"
-#include "preview/file_type.h"
 #include "preview/reader.h"
 #include "resources/resource.h"
 #include "support/dialog_driver.h"

@@ -24,7 +24,7 @@ static std::string Shown(const std::string& file) {
 }
 
 TEST(Dib, Pictures) {
-    const std::string expected = Picture("...#", "#...");
+    const std::string expected = "...#\n#...\n";
     const std::uint32_t before[] = {0, 0, 26 + 768, 12};  // the oldest header: 16-bit sizes, colours of three bytes
     const std::uint16_t oldest[] = {4, 2, 1, 8};
     for (const std::string& file :
@@ -40,7 +40,7 @@ TEST(Dib, Pictures) {
 TEST(Dib, LargePicturesStaySmall) {
     // Two dark pixels and two light ones; in the third row three dark ones; nothing where there are no runs.
     const std::string runs("\2\1\2\0\0\0\0\2\3\1\0\3\1\0\1\0\0\1", 18);
-    EXPECT_EQ(Shown(BitmapFile(8, 4, 8, kPalette, runs, 1)), Picture("########", "####.###", "########", "##..####"));
+    EXPECT_EQ(Shown(BitmapFile(8, 4, 8, kPalette, runs, 1)), "########\n####.###\n########\n##..####\n");
     const struct {
         std::string file;
         int bits;

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <sstream>
+#include <tuple>
 
 #include "preview/formats/backup.h"
 #include "preview/formats/dxf.h"
@@ -103,35 +104,23 @@ std::string DxfEntities() {
     return entities;
 }
 
-struct Format {
-    const char* name;
-    Decoder decode;
-    std::string file;
-};
-std::vector<Format> EveryFormat() {
-    return {
+}  // namespace
+
+// The sheet as it is, with bands beside it, and with bands above and below.
+TEST(Formats, Pictures) {
+    const std::tuple<std::string, Decoder, std::string> formats[] = {
         {"native", DecodeNative, NativeFile(kEditionA, kWidth, kHeight, NativeRecords())},
         {"backup", DecodeBackup, BackupFile(kWidth, kHeight, BackupRecords())},
         {"text", DecodeTextDrawing, TextLines() + "GT 60,38,4,3,0,30,0,0,'\x83\x5c'\n"},
         {"dxf", DecodeDxf, DxfDrawing(kWidth, kHeight, DxfEntities())},
     };
-}
-
-// The sheet as it is, with bands beside it, and with bands above and below.
-constexpr struct {
-    const char* name;
-    bool frames;
-    int width, height;
-} kLooks[] = {
-    {"texts", false, 96, 48}, {"texts, wide", false, 40, 16}, {"frames", true, 96, 48}, {"frames, high", true, 32, 20}};
-
-}  // namespace
-
-TEST(Formats, Pictures) {
-    for (const Format& format : EveryFormat()) {
-        for (const auto& look : kLooks) {
-            const std::string name = std::string(format.name) + ", " + look.name;
-            const std::string picture = PlotOf(format.decode, format.file, look.width, look.height, look.frames);
+    const std::tuple<std::string, bool, int, int> looks[] = {{"texts", false, 96, 48},
+                                                             {"texts, wide", false, 40, 16},
+                                                             {"frames", true, 96, 48},
+                                                             {"frames, high", true, 32, 20}};
+    for (const auto& [format, decode, file] : formats) {
+        for (const auto& [look, frames, width, height] : looks) {
+            const std::string name = format + ", " + look, picture = PlotOf(decode, file, width, height, frames);
             EXPECT_EQ(picture, KeptPicture(name)) << "[" << name << "]\n" << picture;
         }
     }

@@ -87,6 +87,7 @@ TEST(FullDxf, KindsLookLikeTheirLines) {
                           expected = Shown(areFiles ? c.expected : Drawing(c.expected));
         EXPECT_TRUE(AreAlike(shown, expected)) << c.name << "\n" << shown << expected;
     }
+    EXPECT_NE(Shown(Drawing(kTriangle + "|0 CIRCLE|10 400|20 9|40 5")), Shown(Drawing(kTriangle))) << "two views";
 }
 
 TEST(FullDxf, Texts) {
@@ -134,11 +135,6 @@ TEST(FullDxf, Forms) {
         PlotOf(DecodeFullDxf, binary.substr(0, size), 64, 32, false);
     for (const char* none : {"\n", "text\nwithout pairs\n", "999\nremark\n"})
         EXPECT_EQ(PlotOf(DecodeFullDxf, none, 64, 32, false), "") << none;
-}
-
-// Two views of a drawing are not a drawing and a stray.
-TEST(FullDxf, TwoViews) {
-    EXPECT_NE(Shown(Drawing(kTriangle + "|0 CIRCLE|10 400|20 9|40 5")), Shown(Drawing(kTriangle)));
 }
 
 TEST(FullDxf, Comment) {
