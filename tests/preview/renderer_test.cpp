@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <set>
+#include <utility>
 
 #include "frame/services.h"
 #include "preview/drawing/canvas.h"
@@ -81,4 +83,30 @@ TEST(Canvas, PensAndBitmaps) {
         EXPECT_TRUE(HasInk(picture));
     }
     EXPECT_FALSE(CreatePlaceholderBitmap(kRenderColor, "x", {0, 0, 0x7FFFFFFF, 0x7FFFFFFF}));
+}
+
+// Where texts of another look have their ink, and that their device context is left as it was.
+TEST(UnicodeText, LiesWhereItIsPut) {
+    const auto columns = [](int horizontal, double fitWidth, const char16_t* letters, bool struckOut) {
+        const std::string picture = OnCanvas(160, 40, [&](Canvas& canvas) {
+            const HDC dc = canvas.dc.get();
+            const UINT align = GetTextAlign(dc);
+            const UnicodeText text = {{80, 20}, 10,    1,     fitWidth, 0,         0,       horizontal, 0,
+                                      false,    false, false, false,    struckOut, letters, 3};
+            canvas.unicodeText(canvas, text);
+            EXPECT_TRUE(GetTextAlign(dc) == align && GetGraphicsMode(dc) == GM_COMPATIBLE);
+        });
+        std::pair<int, int> ink = {160, 0};  // the first column and the last one
+        for (int at = 0; at < static_cast<int>(picture.size()); ++at) {
+            if (picture[static_cast<std::size_t>(at)] != '#') continue;
+            ink = {std::min(ink.first, at % 161), std::max(ink.second, at % 161)};
+        }
+        return ink;
+    };
+    const auto left = columns(0, 0, u"HHH", false), middle = columns(1, 0, u"HHH", false);
+    const auto right = columns(2, 0, u"HHH", false), fitted = columns(0, 60, u"HHH", false);
+    EXPECT_TRUE(left.first >= 80 && right.second <= 81) << left.first << " " << right.second;
+    EXPECT_NEAR(middle.first + middle.second, 160, 10);  // a letter does not fill its width
+    EXPECT_NEAR(fitted.second, 140, 10);
+    EXPECT_GT(columns(0, 0, u"   ", true).second, 80) << "a line through blanks";
 }
