@@ -10,8 +10,8 @@
 #include "support/samples.h"
 
 static std::string Shown(const std::string& dxf) { return PlotOf(DecodeDxf, dxf, 100, 60, true); }
-static std::string ShownText(const std::string& text) {
-    return Shown(DxfDrawing(100, 60, "0 TEXT|40 8|10 9.2|20 9.2|41 .2|1 " + text));
+static std::string ShownText(const std::string& text, const std::string& width = ".2") {
+    return Shown(DxfDrawing(100, 60, "0 TEXT|40 8|10 9.2|20 9.2|41 " + width + "|1 " + text));
 }
 static bool IsBlank(const std::string& plot) { return plot.find_first_not_of(".\n") == std::string::npos; }
 
@@ -39,7 +39,8 @@ TEST(DecodeDxf, FilesAndLengths) {
     remarks.insert(remarks.find(" 10\r\n2\r\n") + 5, "; a remark\n\n\n");
     EXPECT_EQ(Shown(remarks), Shown(DxfDrawing(100, 60, kLower))) << "remarks between the lines";
     EXPECT_EQ(ShownText("%\x83\x5c%"), ShownText("abcd")) << "a lone % is one cell, a two-byte character two";
-    EXPECT_EQ(ShownText(std::string(500, 'a')), ShownText(std::string(127, 'a'))) << "at most 127 characters";
+    EXPECT_EQ(ShownText(std::string(500, 'a'), ".01"), ShownText(std::string(127, 'a'), ".01"))
+        << "at most 127 characters";
     EXPECT_NE(ShownText("abcde"), ShownText("abcd"));
 }
 

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "support/cases.h"
+#include "support/checked_canvas.h"
 #include "support/drawings.h"
 #include "support/guard_block.h"
 #include "support/plot.h"
@@ -135,6 +136,23 @@ TEST(FullDxf, Forms) {
         PlotOf(DecodeFullDxf, binary.substr(0, size), 64, 32, false);
     for (const char* none : {"\n", "text\nwithout pairs\n", "999\nremark\n"})
         EXPECT_EQ(PlotOf(DecodeFullDxf, none, 64, 32, false), "") << none;
+}
+
+TEST(FullDxf, SecondBytesAreNoBackslashes) {
+    const std::string page = "0 SECTION|2 HEADER|9 $DWGCODEPAGE|3 ansi_932|0 ENDSEC|0 SECTION|2 ENTITIES|" + kCorners,
+                      text = page + "0 TEXT|10 20|20 15|40 3|1 ";
+    EXPECT_EQ(Shown(text + "\x83\x5cM+182a0"), Shown(text + "\\U+30BDM+182a0"));
+}
+
+// Nothing more is drawn, in whatever entity that was.
+TEST(FullDxf, Cancelled) {
+    const GuardBlock file(Pairs(Drawing("0 HATCH|70 0|92 3|10 4|20 4|10 20|20 4|10 20|20 12|75 0|53 0|46 1")));
+    for (std::uint32_t draws = 0; draws < 6; ++draws) {
+        Comment none;
+        CheckedCanvas canvas;
+        canvas.drawsLeft = draws;
+        EXPECT_FALSE(DecodeFullDxf(file.View(), &none, &canvas)) << draws;
+    }
 }
 
 TEST(FullDxf, Comment) {

@@ -26,7 +26,8 @@ TEST(DecodeTextDrawing, Texts) {
     EXPECT_EQ(Shown(start + "'" + wide + "'"), PlotOf({TextStrokeOf(20, 18, 8, 5, 1, 0, wide)}, 80, 40));
     for (const std::string& four : {wide, std::string("abcd")})
         EXPECT_EQ(Shown(start + "'" + four + "'", true), frame(24));
-    EXPECT_EQ(Shown("GT 20,10,.3,8,0,0,0,0,'" + std::string(256, 'i') + "'", true), frame(255 * .15)) << "255 bytes";
+    EXPECT_EQ(Shown("GT 20,10,.3961,8,0,0,0,0,'" + std::string(256, 'i') + "'", true), frame(255 * .3961 / 2))
+        << "255 bytes";
 }
 
 TEST(DecodeTextDrawing, Titles) {
