@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <utility>
+
 #include "dlgctrl/field_value.h"
 #include "dlgctrl/host_dialog.h"
 #include "dlgctrl/items.h"
@@ -84,10 +87,7 @@ TEST(Controller, CallbacksThatInterfere) {
                               {nullptr, MAKEINTRESOURCEA(IDD_PAGE_TWO), HostCallback, 1, pageItems}};
     constexpr WPARAM kAny = ~WPARAM{0}, kTextSet = MAKEWPARAM(IDC_FIELD, EN_CHANGE);
     const auto dialogOf = [](HWND window) { return GetAncestor(window, GA_ROOT); };
-    const struct {
-        const char* what;
-        std::function<void(HWND window)> act;
-    } acts[] = {
+    const std::pair<const char*, std::function<void(HWND window)>> acts[] = {
         {"destroys the dialog", [=](HWND window) { DestroyWindow(dialogOf(window)); }},
         {"destroys the window", [](HWND window) { DestroyWindow(window); }},
         {"ends the dialog", [=](HWND window) { EndDialog(dialogOf(window), 77); }},
@@ -100,19 +100,20 @@ TEST(Controller, CallbacksThatInterfere) {
     };
     const std::pair<UINT, WPARAM> moments[] = {
         {WM_COMMAND, kTextSet}, {WM_INITDIALOG, kAny}, {WM_SHOWWINDOW, TRUE}, {WM_COMMAND, IDOK}, {WM_DESTROY, kAny}};
-    for (const auto& act : acts) {
+    for (const auto& [what, interfere] : acts) {
+        const auto& act = interfere;
         for (std::size_t i = 0; i < 2 * std::size(moments); ++i) {
             const bool onPage = i % 2;
             const UINT awaited = moments[i / 2].first;
             const WPARAM parameter = moments[i / 2].second;
-            SCOPED_TRACE(std::string(act.what) + (onPage ? ", page, " : ", dialog, ") + std::to_string(awaited));
+            SCOPED_TRACE(std::string(what) + (onPage ? ", page, " : ", dialog, ") + std::to_string(awaited));
             bool done = false;
             HostDialog host;
             host.items = {{IDC_FIELD, KW_KIND_EDIT | KW_VALUE_INT32 | KW_FLAG_SPIN, &number, 0, 5, nullptr},
                           {IDC_TABS, KW_KIND_PAGES | KW_VALUE_PAGES | KW_FLAG_KEEP_PAGE, pages, 1, 2, nullptr}};
             host.callback = [&](HWND window, UINT message, WPARAM wParam) -> INT_PTR {
                 const bool isMoment = message == awaited && (parameter == kAny || parameter == wParam);
-                if (isMoment && onPage == (GetParent(window) != nullptr) && !std::exchange(done, true)) act.act(window);
+                if (isMoment && onPage == (GetParent(window) != nullptr) && !std::exchange(done, true)) act(window);
                 return 0;
             };
             host.Run(IDD_SMALL);

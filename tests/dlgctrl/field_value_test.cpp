@@ -2,80 +2,40 @@
 
 #include <gtest/gtest.h>
 
-#include <cfloat>
-#include <cmath>
 #include <cstring>
 #include <tuple>
 
 #include "dlgctrl/dlgitem.h"
 #include "dlgctrl/host_dialog.h"
 #include "dlgctrl/items.h"
+#include "support/cases.h"
 
 // What the check makes of a typed text, in a field whose variable is `type`.
 TEST(CheckFields, WhenTheUserLeavesAField) {
+    auto rows = TableRows("dlgctrl/tables.txt", "fields");
     const std::string wide = std::string(299, ' ') + "7";
-    const struct {
-        DWORD type;
-        const char* format;
-        double minimum, maximum;
-        const char *typed, *shown;
-        const char* reopened = nullptr;  // what a field then shows of the stored value, where that is something else
-    } cases[] = {
-        // clang-format off
-        {KW_VALUE_INT32, nullptr, 0, 10, "3*4", "10"}, {KW_VALUE_INT32, nullptr, 0, 10, "2.7", "2"},
-        {KW_VALUE_INT32, nullptr, 5, 10, "", "5"}, {KW_VALUE_INT32, "%04ld", 0, 0, "-2.7", "-002"},
-        {KW_VALUE_INT32, nullptr, 0, 0, "7+", "7"}, {KW_VALUE_INT32, nullptr, 0, 0, "12 apples", "12"},
-        {KW_VALUE_INT32, nullptr, 0, 0, "1e99", "-2147483648"}, {KW_VALUE_INT32, nullptr, 1, 5, "sqrt(-1)", "1"},
-        {KW_VALUE_INT32, nullptr, 10, 5, "7", "10", "10"},  // the minimum is stronger
-        {KW_VALUE_INT8, nullptr, 0, 0, "300", "300", "44"}, {KW_VALUE_INT16, nullptr, 0, 0, "70000", "4464"},
-        {KW_VALUE_FLOAT, "%.9lf", 0, 0, "0.1", "0.100000001"}, {KW_VALUE_DOUBLE, "%.9lf", 0, 0, "0.1", "0.100000000"},
-        {KW_VALUE_DOUBLE, nullptr, 0, 0.0000001, "5", "5.000", "0.000"},  // too narrow for a range
-        // no finite result: the leading number, of which the nearest finite one
-        {KW_VALUE_INT8, nullptr, 0, 0, "-7/0", "-7"}, {KW_VALUE_INT16, nullptr, 0, 0, "1e999", "0"},
-        {KW_VALUE_INT32, nullptr, 0, 0, "1e999", "-2147483648"}, {KW_VALUE_DOUBLE, nullptr, 0, 0, "1/0", "1.000"},
-        {KW_VALUE_DOUBLE, nullptr, 0, 9, "2/0", "2.000"}, {KW_VALUE_DOUBLE, nullptr, 0, 9, "1e999", "9.000"},
-        {KW_VALUE_FLOAT, "%g", 0, 0, "-1e39", "-3.40282e+38"}, {KW_VALUE_DOUBLE, "%g", 0, 0, "1e999", "1.79769e+308"},
-        {KW_VALUE_DOUBLE, "%300.0lf", 0, 0, "7", wide.c_str()},  // none of it is cut
-        // a range beyond the type ends where the type does
-        {KW_VALUE_INT8, nullptr, -1000, 1000, "300", "127"}, {KW_VALUE_INT16, nullptr, 0, 1e6, "70000", "4464"},
-        {KW_VALUE_INT16, nullptr, 1e4, 1e6, "70000", "10000"},  // narrowed, then forced into the range once more
-        {KW_VALUE_INT32, nullptr, 0, 1e10, "5e9", "2147483647"},
-        {KW_VALUE_INT32, nullptr, -1e10, 0, "-5e9", "-2147483648"},
-        {KW_VALUE_FLOAT, "%g", 0, 1e99, "1e50", "3.40282e+38"},
-        {KW_VALUE_TEXT, "<%s>", 0, 100, "2*3", "2*3"},
-        // clang-format on
-    };
+    rows.push_back({"double", "%300.0lf", "0", "0", "7", wide, wide});  // none of it is cut
     char variable[100] = "";
     HostDialog host;
     host.items = {{IDC_FIELD, KW_KIND_EDIT, nullptr, 0, 0, nullptr}};
     host.opened = [&](HWND dialog) {
-        for (const auto& c : cases) {
-            host.items[0] = {IDC_FIELD, KW_KIND_EDIT | c.type, variable, c.minimum, c.maximum, c.format};
+        for (const auto& row : rows) {
+            const DWORD type = ValueType(row[0]);
+            host.items[0] = {IDC_FIELD,         KW_KIND_EDIT | type, variable,
+                             std::stod(row[2]), std::stod(row[3]),   OrNull(row[1])};
             std::memset(variable, 0, sizeof(variable));
-            SetDlgItemTextA(dialog, IDC_FIELD, c.typed);
+            SetDlgItemTextA(dialog, IDC_FIELD, row[4].c_str());
             LeaveField(dialog, IDC_FIELD);
-            EXPECT_EQ(TextOf(dialog, IDC_FIELD), c.shown) << c.typed;
+            EXPECT_EQ(TextOf(dialog, IDC_FIELD), row[5]) << row[4];
             EXPECT_EQ(std::string(variable, sizeof(variable)), std::string(100, '\0')) << "not touched";
-            if (c.type == KW_VALUE_TEXT) continue;
+            if (type == KW_VALUE_TEXT) continue;
             WriteBackItems(dialog, 0);
             ConstructItems(dialog, 0);
-            EXPECT_EQ(TextOf(dialog, IDC_FIELD), c.reopened ? c.reopened : c.shown) << c.typed << ", stored";
+            EXPECT_EQ(TextOf(dialog, IDC_FIELD), row[6]) << row[4] << ", stored";
         }
     };
     host.endWith = IDCANCEL;
     EXPECT_EQ(host.Run(), 0);
-}
-
-// A variable may hold what no field can: it shows, and then stores, the nearest number.
-TEST(CheckFields, VariablesThatAreNoNumbers) {
-    double numbers[] = {-INFINITY, NAN};
-    HostDialog host;
-    host.items = {{IDC_FIELD, KW_KIND_EDIT | KW_VALUE_DOUBLE, &numbers[0], 0, 0, nullptr},
-                  {IDC_OTHER_FIELD, KW_KIND_EDIT | KW_VALUE_DOUBLE, &numbers[1], 5, 9, nullptr}};
-    host.opened = [](HWND dialog) { EXPECT_EQ(TextOf(dialog, IDC_OTHER_FIELD), "5.000"); };
-    EXPECT_EQ(host.Run(), 1);
-    EXPECT_EQ(numbers[0], -DBL_MAX);
-    EXPECT_EQ(numbers[1], 5);
 }
 
 static int Step(HWND dialog, int index, int delta) {

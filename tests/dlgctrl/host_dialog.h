@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -51,6 +52,16 @@ inline int HostDialog::Run(int templateId) {
 inline DialogItem NumberField(std::int32_t* number, double maximum = 0, int id = IDC_FIELD) {
     return {id, KW_KIND_EDIT | KW_VALUE_INT32, number, 0, maximum, nullptr};
 }
+
+// Words of the tables.
+inline DWORD ValueType(const std::string& word) {
+    static const std::map<std::string, DWORD> types = {{"text", KW_VALUE_TEXT},   {"int8", KW_VALUE_INT8},
+                                                       {"int16", KW_VALUE_INT16}, {"int32", KW_VALUE_INT32},
+                                                       {"float", KW_VALUE_FLOAT}, {"double", KW_VALUE_DOUBLE}};
+    return types.at(word);
+}
+
+inline const char* OrNull(const std::string& word) { return word == "none" ? nullptr : word.c_str(); }
 
 inline std::string TextOf(HWND dialog, int id) {
     std::string text(70000, '\0');

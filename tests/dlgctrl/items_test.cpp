@@ -2,14 +2,16 @@
 
 #include <windows.h>
 
-#include <commctrl.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <map>
 #include <tuple>
 
 #include "dlgctrl/field_value.h"
 #include "dlgctrl/host_dialog.h"
+#include "support/cases.h"
 #include "support/guard_block.h"
 
 static int ControlOf(DWORD kind) {
@@ -39,57 +41,39 @@ static void Enter(HWND dialog, DWORD kind, const char* entered) {
 
 static constexpr DWORD kEdit = KW_KIND_EDIT, kCheck = KW_KIND_CHECK, kRadio = KW_KIND_RADIO, kCombo = KW_KIND_COMBO,
                        kLabel = KW_KIND_LABEL, kButton = KW_KIND_BUTTON, kPages = KW_KIND_PAGES;
-static constexpr DWORD kText = KW_VALUE_TEXT, kInt8 = KW_VALUE_INT8, kInt16 = KW_VALUE_INT16, kInt32 = KW_VALUE_INT32,
-                       kFloat = KW_VALUE_FLOAT, kDouble = KW_VALUE_DOUBLE, kAccept = KW_VALUE_ACCEPT,
+static constexpr DWORD kText = KW_VALUE_TEXT, kInt8 = KW_VALUE_INT8, kInt32 = KW_VALUE_INT32, kAccept = KW_VALUE_ACCEPT,
                        kPageArray = KW_VALUE_PAGES;
 
+static DWORD KindOf(const std::string& word) {
+    static const std::map<std::string, DWORD> kinds = {
+        {"edit", kEdit}, {"check", kCheck}, {"radio", kRadio}, {"combo", kCombo}, {"label", kLabel}};
+    return kinds.at(word);
+}
+
 TEST(Items, NumbersInEveryKind) {
-    const struct {
-        DWORD kind, type;
-        const char* text;
-        double minimum, maximum, value;
-        const char *shown, *entered;  // null: nothing
-        double stored;
-    } cases[] = {
-        // clang-format off
-        {kEdit, kInt8, nullptr, 0, 0, -5, "-5", "300", 44},
-        {kEdit, kInt8, nullptr, -1000, 1000, 127, "127", "-128", -128},
-        {kEdit, kInt16, "%05d", 0, 0, 42, "00042", "70000", 4464},
-        {kEdit, kInt16, nullptr, 10, 20.9, 5, "10", "25", 20},
-        {kEdit, kInt32, "%ld mm", 0, 0, 100000, "100000 mm", "2*3", 2},
-        {kEdit, kInt32, nullptr, 20, 10, 15, "20", "25", 10}, {kEdit, kInt32, "", 0, 0, 7, "", " +8x", 8},
-        {kEdit, kInt32, "%s", -1e99, 1e99, 7, "7", "99999999999", 2147483647},
-        {kEdit, kFloat, nullptr, 0, 0, 1.5, "1.500", "0.1", 0.1f}, {kEdit, kDouble, "", 0, 0, 2, "2.000", "1e3", 1000},
-        {kEdit, kDouble, nullptr, 0, 1e-9, 7, "0.000", "5", 1e-9},
-        {kCheck, kInt8, "Label", 0, 0, -1, "1", "0", 0}, {kCheck, kInt16, "Label", 0, 0, 0, "0", "2", 1},
-        {kCheck, kInt32, "Label", 0, 0, 256, "1", nullptr, 1}, {kCheck, kFloat, "Label", 0, 0, 0.5, "1", "0", 0},
-        {kRadio, kInt8, "A\0B\0C\0", 0, 3, 7, "2", nullptr, 2}, {kRadio, kInt16, nullptr, 0, 3, -7, "0", "1", 1},
-        {kRadio, kInt32, nullptr, 0, 0, 7, "-1", "1", 7}, {kRadio, kDouble, nullptr, 0, -3, 1, "-1", "0", 1},
-        {kCombo, kInt8, "x\0y\0z\0", 0, 3, 1, "1", "2", 2}, {kCombo, kInt16, "x\0y\0z\0", 0, 3, 5, "-1", nullptr, 5},
-        {kCombo, kInt32, nullptr, 0, 3, 0, "-1", nullptr, 0}, {kCombo, kInt32, "x\0", 0, -1, 0, "-1", nullptr, 0},
-        {kLabel, kInt32, nullptr, 0, 0, 7, "label", nullptr, 7},
-        // clang-format on
-    };
     unsigned char variable[17], before[17];
     HostDialog host;
     host.items = {{IDC_LABEL, kLabel, nullptr, 0, 0, nullptr}};
     host.opened = [&](HWND dialog) {
-        for (const auto& c : cases) {
-            const std::ptrdiff_t row = &c - cases;
-            const NumberType& type = *FindNumberType(c.type);
+        for (auto& row : TableRows("dlgctrl/tables.txt", "items")) {
+            const std::string what = row[0] + " " + row[1] + " " + row[5];
+            const DWORD kind = KindOf(row[0]), valueType = ValueType(row[1]);
+            const NumberType& type = *FindNumberType(valueType);
             std::memset(variable, 0xA5, sizeof(variable));
-            type.store(variable + 1, c.value);  // at an odd address, between bytes of others
+            type.store(variable + 1, std::stod(row[5]));  // at an odd address, between bytes of others
             std::memcpy(before, variable, sizeof(variable));
             for (int i = 0; i < 3; ++i) CheckDlgButton(dialog, IDC_RADIO + i, BST_UNCHECKED);
-            host.items[0] = {ControlOf(c.kind), c.kind | c.type, variable + 1, c.minimum, c.maximum, c.text};
-            EXPECT_EQ(ConstructItems(dialog, 0), 1) << "row " << row;
-            EXPECT_EQ(Shown(dialog, c.kind), c.shown) << "row " << row;
-            EXPECT_EQ(std::memcmp(variable, before, sizeof(variable)), 0) << "row " << row;
-            if (c.entered) Enter(dialog, c.kind, c.entered);
-            EXPECT_EQ(WriteBackItems(dialog, 0), 1) << "row " << row;
-            EXPECT_EQ(type.load(variable + 1), c.stored) << "row " << row;
-            type.store(before + 1, c.stored);
-            EXPECT_EQ(std::memcmp(variable, before, sizeof(variable)), 0) << "bytes of others, row " << row;
+            std::replace(row[2].begin(), row[2].end(), ';', '\0');
+            host.items[0] = {ControlOf(kind),   kind | valueType,  variable + 1,
+                             std::stod(row[3]), std::stod(row[4]), OrNull(row[2])};
+            EXPECT_EQ(ConstructItems(dialog, 0), 1) << what;
+            EXPECT_EQ(Shown(dialog, kind), row[6]) << what;
+            EXPECT_EQ(std::memcmp(variable, before, sizeof(variable)), 0) << what;
+            if (OrNull(row[7])) Enter(dialog, kind, row[7].c_str());
+            EXPECT_EQ(WriteBackItems(dialog, 0), 1) << what;
+            EXPECT_EQ(type.load(variable + 1), std::stod(row[8])) << what;
+            type.store(before + 1, std::stod(row[8]));
+            EXPECT_EQ(std::memcmp(variable, before, sizeof(variable)), 0) << "bytes of others, " << what;
         }
     };
     EXPECT_EQ(host.Run(), 1);
@@ -143,11 +127,12 @@ TEST(Items, Texts) {
 }
 
 TEST(Items, LabelsAndFlags) {
+    const GuardBlock labels(std::string("one\0two\0three\0", 14));  // not read beyond the buttons that there are
     std::int32_t zero = 0;
     constexpr DWORD kOff = KW_FLAG_DISABLED | KW_FLAG_HIDDEN;
     HostDialog host;
     host.items = {{IDC_CHECK, kCheck | kOff, nullptr, 0, 0, "check me"},
-                  {IDC_RADIO, kRadio | kOff | kInt32, &zero, 0, 5, "one\0two\0three\0four\0five\0"},
+                  {IDC_RADIO, kRadio | kOff | kInt32, &zero, 0, 1e9, labels.Text()},
                   {IDC_LABEL, kLabel | KW_FLAG_HIDDEN, nullptr, 0, 0, "a label"},
                   {IDC_BUTTON, kButton | KW_FLAG_DISABLED, nullptr, 0, 0, "a button"},
                   {IDC_FIELD, kEdit | KW_FLAG_SPIN | KW_FLAG_HIDDEN | KW_FLAG_DISABLED, nullptr, 0, 0, "no label"}};
@@ -165,25 +150,6 @@ TEST(Items, LabelsAndFlags) {
         }
     };
     EXPECT_EQ(host.Run(), 1);
-}
-
-// The list of labels ends with the buttons that there are, at the end of what can be read.
-TEST(Items, MoreButtonsThanThereAre) {
-    const GuardBlock labels(std::string("one\0two\0three\0", 14));
-    std::int32_t last = 2;
-    HostDialog host;
-    host.items = {{IDC_RADIO, kRadio | kInt32, &last, 0, 1e9, labels.Text()}};
-    host.opened = [](HWND dialog) {
-        EXPECT_EQ(TextOf(dialog, IDC_RADIO + 2), "three");
-        EXPECT_EQ(Shown(dialog, kRadio), "2");
-        CheckRadioButton(dialog, IDC_RADIO, IDC_RADIO + 2, IDC_RADIO + 1);
-    };
-    EXPECT_EQ(host.Run(), 1);
-    EXPECT_EQ(last, 1);
-    last = 7;
-    host.opened = [](HWND dialog) { EXPECT_EQ(Shown(dialog, kRadio), "-1") << "an eighth is claimed"; };
-    EXPECT_EQ(host.Run(), 1);
-    EXPECT_EQ(last, 7);
 }
 
 // The dialog is accepted all the same.

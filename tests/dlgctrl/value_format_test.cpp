@@ -5,23 +5,16 @@
 #include <clocale>
 
 #include "kit/code_page.h"
+#include "support/cases.h"
 
 TEST(ValueFormat, Formats) {
-    const std::string cases[][2] = {
-        // clang-format off
-        {FormatInteger("%ld", 100000), "100000"}, {FormatInteger("%-5i|", 42), "42   |"},
-        {FormatInteger("%+05d", 42), "+0042"}, {FormatInteger("%X%%", 255), "FF%"}, {FormatInteger("%hd", 65537), "1"},
-        {FormatInteger("text", 7), "text"}, {FormatInteger("%999d", 7), std::string(998, ' ') + "7"},
-        // none of these suits an integer
-        {FormatInteger("%d%d", 7), "7"}, {FormatInteger("%s", 7), "7"}, {FormatInteger("%n", 7), "7"},
-        {FormatInteger("%*d", 7), "7"}, {FormatInteger("%1000d", 7), "7"}, {FormatInteger("%.9999d", 7), "7"},
-        {FormatInteger("%5", 7), "7"},
-        {FormatReal("%.1lf mm", 2.25), "2.2 mm"}, {FormatReal("%g", 0.5), "0.5"}, {FormatReal("%s", 1.5), "1.500"},
-        {FormatText("%4s|%%", "ab"), "  ab|%"}, {FormatText("%-4s|", "ab"), "ab  |"}, {FormatText("%d", "ab"), "ab"},
-        // clang-format on
-        {FormatText("%.3s|", "\x93\xFA\x96\x7B"), IsSystemLeadByte(0x93) ? "\x93\xFA|" : "\x93\xFA\x96|"},
-    };
-    for (const auto& c : cases) EXPECT_EQ(c[0], c[1]);
+    const auto rows = [](const char* block) { return TableRows("dlgctrl/tables.txt", block); };
+    for (const auto& row : rows("integers"))
+        EXPECT_EQ(FormatInteger(row[0].c_str(), std::stoi(row[1])), row[2]) << row[0];
+    for (const auto& row : rows("reals")) EXPECT_EQ(FormatReal(row[0].c_str(), std::stod(row[1])), row[2]);
+    for (const auto& row : rows("texts")) EXPECT_EQ(FormatText(row[0].c_str(), row[1].c_str()), row[2]);
+    EXPECT_EQ(FormatInteger("%999d", 7), std::string(998, ' ') + "7");
+    EXPECT_EQ(FormatText("%.3s|", "\x93\xFA\x96\x7B"), IsSystemLeadByte(0x93) ? "\x93\xFA|" : "\x93\xFA\x96|");
     if (std::setlocale(LC_ALL, "German")) {  // a host's
         EXPECT_EQ(FormatReal("a, %.2e", -1.5), "a, -1.50e+00");
         std::setlocale(LC_ALL, "C");

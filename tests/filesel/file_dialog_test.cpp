@@ -3,26 +3,20 @@
 #include <windows.h>
 
 #include <commctrl.h>
-#include <commdlg.h>
 #include <dlgs.h>
 #include <gtest/gtest.h>
+
+#include <tuple>
 
 #include "frame/module.h"
 #include "frame/services.h"
 #include "preview/drawing/placeholder.h"
-#include "preview/file_type.h"
 #include "preview/reader.h"
 #include "resources/resource.h"
 #include "support/dialog_driver.h"
 #include "support/picture.h"
 #include "support/samples.h"
 #include "support/temp_folder.h"
-
-static std::string CurrentDirectory() {
-    char path[MAX_PATH] = "";
-    GetCurrentDirectoryA(MAX_PATH, path);
-    return path;
-}
 
 // A request on a folder of its own, and the host's point of view before and after.
 class FileDialog : public testing::Test {
@@ -34,11 +28,7 @@ protected:
     RECT pane = {};  // the size of the pane's picture, once a drawing has been asked for
 
     unsigned Run(int modeBits, std::vector<DialogStep> steps, int keepLongName = 1) {
-        const std::string before = CurrentDirectory();
-        const unsigned result =
-            RunDialog([&] { return kwSelectFileName(nullptr, modeBits, keepLongName, &request); }, std::move(steps));
-        EXPECT_EQ(CurrentDirectory(), before);
-        return result;
+        return RunDialog([&] { return kwSelectFileName(nullptr, modeBits, keepLongName, &request); }, std::move(steps));
     }
     // What the pane has to show for a drawing. Made before the dialog opens: a reader on this thread would stop the
     // pane's.
@@ -222,10 +212,6 @@ TEST_F(ExplorerDialog, Save) {
     }
 }
 
-static LRESULT InList(HWND dialog, UINT message, WPARAM wParam = 0, const char* text = nullptr) {
-    return SendMessageA(FindControl(dialog, IDC_FILE_LIST), message, wParam, reinterpret_cast<LPARAM>(text));
-}
-
 // Notes when redrawing is switched, as somebody sees who stands before the list's own procedure.
 static LRESULT CALLBACK NoteRedraw(HWND list, UINT message, WPARAM on, LPARAM lParam, UINT_PTR, DWORD_PTR switches) {
     if (message == WM_SETREDRAW) *reinterpret_cast<std::string*>(switches) += on ? '1' : '0';
@@ -235,8 +221,8 @@ static LRESULT CALLBACK NoteRedraw(HWND list, UINT message, WPARAM on, LPARAM lP
 static std::string Listed(HWND dialog) {
     std::string lines;
     char line[600];
-    for (LRESULT i = 0; i < InList(dialog, LB_GETCOUNT); ++i) {
-        InList(dialog, LB_GETTEXT, static_cast<WPARAM>(i), line);
+    for (LRESULT i = 0; i < InList(dialog, IDC_FILE_LIST, LB_GETCOUNT); ++i) {
+        InList(dialog, IDC_FILE_LIST, LB_GETTEXT, static_cast<WPARAM>(i), line);
         lines += std::string(line) + "|";
     }
     return lines;
@@ -271,20 +257,21 @@ TEST_F(ClassicDialog, ListSortsShowsAndSelects) {
         for (const int id : {IDC_DRIVE_TOTAL, IDC_DRIVE_FREE, IDC_DRIVE_USED})
             EXPECT_EQ(ControlText(dialog, id).back(), 'B') << id;
         EXPECT_EQ(switches.substr(0, 4), "1010") << "a list is asked for, then drawn when it is whole";
-        EXPECT_GT(InList(dialog, LB_GETHORIZONTALEXTENT), 0);
+        EXPECT_GT(InList(dialog, IDC_FILE_LIST, LB_GETHORIZONTALEXTENT), 0);
     };
     const auto isEmpty = [](HWND dialog) {
         Toggle(dialog, {IDC_SHOW_DATE});
         EXPECT_EQ(Listed(dialog), "");
-        EXPECT_EQ(InList(dialog, LB_GETHORIZONTALEXTENT), 0) << "nothing to scroll to";
+        EXPECT_EQ(InList(dialog, IDC_FILE_LIST, LB_GETHORIZONTALEXTENT), 0) << "nothing to scroll to";
     };
     const auto select = [](const std::string& name) {
         return Check([=](HWND dialog) {
-            const LRESULT line = InList(dialog, LB_FINDSTRING, static_cast<WPARAM>(-1), name.c_str());
+            const LRESULT line = InList(dialog, IDC_FILE_LIST, LB_FINDSTRING, static_cast<WPARAM>(-1), name.c_str());
             SelectLine(dialog, IDC_FILE_LIST, static_cast<int>(line));
             EXPECT_EQ(ControlText(dialog, IDC_FILE_NAME), name);
             Toggle(dialog, {IDC_SHOW_DATE});
-            EXPECT_EQ(InList(dialog, LB_GETCURSEL), line > 0 ? line : LB_ERR) << "kept, but for the first line";
+            EXPECT_EQ(InList(dialog, IDC_FILE_LIST, LB_GETCURSEL), line > 0 ? line : LB_ERR)
+                << "kept, but for the first line";
         });
     };
     EXPECT_EQ(Run(KW_FILE_OPEN | KW_FILE_PREVIEW,  // the classic dialog has no pane
@@ -301,21 +288,23 @@ TEST_F(ClassicDialog, StartsInAnyDirectory) {
     WriteWholeFile(folder.MakeFolder("sub") + "\\inside.dxf", kDrawing);
     folder.Write("outside.dxf", kDrawing);
     const auto lists = [](const char* name) {
-        return [=](HWND dialog) { return InList(dialog, LB_FINDSTRING, static_cast<WPARAM>(-1), name) >= 0; };
+        return [=](HWND dialog) {
+            return InList(dialog, IDC_FILE_LIST, LB_FINDSTRING, static_cast<WPARAM>(-1), name) >= 0;
+        };
     };
-    const std::string before = CurrentDirectory(), withoutDrive = folder.path.substr(2) + "\\sub";
+    const std::string withoutDrive = folder.path.substr(2) + "\\sub";
     SetCurrentDirectoryA(folder.path.c_str());
-    const struct {
-        const char *directory, *listed, *chosen;
-    } cases[] = {{"sub", "inside.dxf", "sub\\inside.dxf"},
-                 {nullptr, "outside.dxf", "outside.dxf"},
-                 {withoutDrive.c_str(), "inside.dxf", "sub\\inside.dxf"}};
-    for (const auto& c : cases) {
-        request.initialDir = c.directory;
-        EXPECT_EQ(Run(KW_FILE_OPEN, {lists(c.listed), TypeFileName(c.listed), Press(IDOK)}), 1u);
-        EXPECT_EQ(file, folder.At(c.chosen));
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"sub", "inside.dxf", "sub\\inside.dxf"},
+        {nullptr, "outside.dxf", "outside.dxf"},
+        {withoutDrive.c_str(), "inside.dxf", "sub\\inside.dxf"},
+    };
+    for (const auto& [directory, listed, chosen] : cases) {
+        request.initialDir = directory;
+        EXPECT_EQ(Run(KW_FILE_OPEN, {lists(listed), TypeFileName(listed), Press(IDOK)}), 1u);
+        EXPECT_EQ(file, folder.At(chosen));
         file[0] = '\0';
     }
     EXPECT_EQ(Run(0, {TypeFileName("new.dxf"), Press(IDOK)}), 1u) << "saved under a name that there is not";
-    SetCurrentDirectoryA(before.c_str());
+    SetCurrentDirectoryA(CheckoutFolder().c_str());
 }

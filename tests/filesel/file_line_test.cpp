@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "kwdialogs.h"
+#include "support/cases.h"
 
 static WIN32_FIND_DATAA File(const char* name, std::uint64_t size = 0, std::uint64_t time = 0) {
     WIN32_FIND_DATAA file = {};
@@ -17,11 +20,7 @@ static WIN32_FIND_DATAA File(const char* name, std::uint64_t size = 0, std::uint
 
 TEST(FileLine, Order) {
     constexpr std::uint64_t kBig = std::uint64_t{1} << 32;
-    const struct {
-        DWORD sort;
-        WIN32_FIND_DATAA a, b;
-        int order;
-    } cases[] = {
+    const std::tuple<DWORD, WIN32_FIND_DATAA, WIN32_FIND_DATAA, int> cases[] = {
         // clang-format off
         {0, File("a", 1, 1), File("b", 2, 2), 0},
         {KW_SORT_NAME, File("B"), File("a"), -1}, {KW_SORT_NAME, File("a"), File("\x83\x5c"), -1},  // capitals first
@@ -33,25 +32,17 @@ TEST(FileLine, Order) {
         {KW_SORT_SIZE | KW_SORT_DESCENDING, File("a", 1), File("b", 2), 1},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        const int order = CompareFiles(c.a, c.b, c.sort);
-        EXPECT_EQ((order > 0) - (order < 0), c.order) << c.sort << " " << c.a.cFileName << " " << c.b.cFileName;
+    for (const auto& [sort, a, b, expected] : cases) {
+        const int order = CompareFiles(a, b, sort);
+        EXPECT_EQ((order > 0) - (order < 0), expected) << sort << " " << a.cFileName << " " << b.cFileName;
     }
 }
 
 TEST(FileLine, Texts) {
-    const struct {
-        DWORD number;
-        const char *driveSize, *thousands;
-    } cases[] = {
-        // clang-format off
-        {0, "0B", "0"}, {999, "999B", "999"}, {1023, "1023B", "1,023"}, {1024, "1KB", "1,024"},
-        {1048576, "1MB", "1,048,576"}, {1073741823, "1023MB", "1,073,741,823"}, {4294967295u, "3GB", "4,294,967,295"},
-        // clang-format on
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(FormatDriveSize(c.number), c.driveSize);
-        EXPECT_EQ(FormatThousands(c.number), c.thousands);
+    for (const auto& row : TableRows("filesel/sizes.txt", "sizes")) {
+        const auto number = static_cast<DWORD>(std::stoull(row[0]));
+        EXPECT_EQ(FormatDriveSize(number), row[1]);
+        EXPECT_EQ(FormatThousands(number), row[2]);
     }
 }
 
@@ -66,16 +57,12 @@ static std::uint64_t LocalTime(WORD year, WORD month, WORD day, WORD hour, WORD 
 
 TEST(FileLine, Lines) {
     const std::uint64_t time = LocalTime(2004, 3, 9, 7, 5, 1), old = LocalTime(1999, 12, 31, 23, 59, 58);
-    const struct {
-        WIN32_FIND_DATAA file;
-        DWORD display;
-        const char* line;
-    } cases[] = {
+    const std::tuple<WIN32_FIND_DATAA, DWORD, const char*> cases[] = {
         {File("a.dxf", 1234567, time), 0, "a.dxf"},
         {File("a b.dxf", 1234567, time), 0, "a b.dxf\t"},  // so that a selection is not cut at the blank
         {File("a.dxf", 1, time), KW_SHOW_DATE | KW_SHOW_TIME, "a.dxf\t04/03/09\t07:05:01"},
         {File("a.dxf", 1, old), KW_SHOW_SIZE | KW_SHOW_DATE | KW_SHOW_TIME, "a.dxf\t1\t99/12/31\t23:59:58"},
         {File("a.dxf", 1, LocalTime(1850, 1, 1, 0, 0, 0)), KW_SHOW_DATE, "a.dxf\t1850/01/01"},
     };
-    for (const auto& c : cases) EXPECT_EQ(FormatFileLine(c.file, c.display), c.line);
+    for (const auto& [file, display, line] : cases) EXPECT_EQ(FormatFileLine(file, display), line);
 }

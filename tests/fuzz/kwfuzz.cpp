@@ -1,37 +1,24 @@
 // Feeds one target of targets.h: kwfuzz --target=NAME [libFuzzer's arguments]. tools/fuzz.sh runs it.
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
-#include <vector>
 
 #include "fuzz/targets.h"
 
 static const FuzzTarget* target;
 
-extern "C" int LLVMFuzzerInitialize(int* argumentCount, char*** arguments) {
-    static constexpr char kOption[] = "--target=";
-    static std::vector<char*> all;
-    static std::string longest;
-    for (int i = 0; i < *argumentCount; ++i) {
-        char* const argument = (*arguments)[i];
-        if (i == 0 || std::strncmp(argument, kOption, sizeof(kOption) - 1) != 0) {
-            all.push_back(argument);
-            continue;
-        }
-        for (std::size_t j = 0; j < kFuzzTargetCount; ++j) {
-            if (std::strcmp(kFuzzTargets[j].name, argument + sizeof(kOption) - 1) == 0) target = &kFuzzTargets[j];
-        }
+// The target's argument, the first one, makes room for the length of its inputs.
+extern "C" int LLVMFuzzerInitialize(const int* argumentCount, char*** arguments) {
+    const std::string wanted = *argumentCount > 1 ? (*arguments)[1] : "";
+    for (std::size_t i = 0; i < kFuzzTargetCount; ++i) {
+        if (wanted == std::string("--target=") + kFuzzTargets[i].name) target = &kFuzzTargets[i];
     }
     if (!target) {
-        for (std::size_t j = 0; j < kFuzzTargetCount; ++j) std::puts(kFuzzTargets[j].name);
+        for (std::size_t i = 0; i < kFuzzTargetCount; ++i) std::puts(kFuzzTargets[i].name);
         std::exit(2);
     }
-    longest = "-max_len=" + std::to_string(target->longest);
-    all.insert(all.begin() + 1, longest.data());
-    *argumentCount = static_cast<int>(all.size());
-    all.push_back(nullptr);
-    *arguments = all.data();
+    static std::string longest = "-max_len=" + std::to_string(target->longest);
+    (*arguments)[1] = longest.data();
     return 0;
 }
 

@@ -28,10 +28,6 @@
 
 namespace {
 
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
-
 std::string TextOf(ByteView bytes) { return {reinterpret_cast<const char*>(bytes.data), bytes.size}; }
 
 // What an input asks for besides its bytes, so that a file is tried in one way and its neighbours in others: drawn,

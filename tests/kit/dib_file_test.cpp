@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "support/guard_block.h"
 #include "support/samples.h"
 
@@ -22,10 +24,7 @@ static std::string RowsOf(int width, int height, int bits, const std::string& ru
 
 // The darkest colour, here 1 or the black one that is added as 4, changes places with 0.
 TEST(DibFile, RunsBecomePixels) {
-    const struct {
-        int bits;
-        std::string runs, rows;
-    } cases[] = {
+    const std::tuple<int, std::string, std::string> cases[] = {
         // clang-format off
         {8, "\2\3\1\2", "000000\n332000\n"},
         {8, std::string("\x9\2\1\3\0\0\1\2", 8), "200000\n222222\n"},            // no run leaves its row
@@ -36,5 +35,6 @@ TEST(DibFile, RunsBecomePixels) {
         {8, std::string("\0\0\0\0\0\0\3\3", 8), "000000\n000000\n"},
         // clang-format on
     };
-    for (const auto& c : cases) EXPECT_EQ(RowsOf(6, 2, c.bits, c.runs), c.rows) << testing::PrintToString(c.runs);
+    for (const auto& [bits, runs, rows] : cases)
+        EXPECT_EQ(RowsOf(6, 2, bits, runs), rows) << testing::PrintToString(runs);
 }

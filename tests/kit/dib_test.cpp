@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 #include "kit/handles.h"
@@ -23,7 +24,7 @@ static std::string Shown(const std::string& file) {
 }
 
 TEST(Dib, Pictures) {
-    const std::string expected = Picture("...#", "#...");
+    const std::string expected = "...#\n#...\n";
     const std::uint32_t before[] = {0, 0, 26 + 768, 12};  // the oldest header: 16-bit sizes, colours of three bytes
     const std::uint16_t oldest[] = {4, 2, 1, 8};
     for (const std::string& file :
@@ -39,7 +40,7 @@ TEST(Dib, Pictures) {
 TEST(Dib, LargePicturesStaySmall) {
     // Two dark pixels and two light ones; in the third row three dark ones; nothing where there are no runs.
     const std::string runs("\2\1\2\0\0\0\0\2\3\1\0\3\1\0\1\0\0\1", 18);
-    EXPECT_EQ(Shown(BitmapFile(8, 4, 8, kPalette, runs, 1)), Picture("########", "####.###", "########", "##..####"));
+    EXPECT_EQ(Shown(BitmapFile(8, 4, 8, kPalette, runs, 1)), "########\n####.###\n########\n##..####\n");
     const struct {
         std::string file;
         int bits;
@@ -70,11 +71,7 @@ TEST(Dib, WhatDoesNotFitGivesNothing) {
             EXPECT_EQ(Shown(file.substr(0, size)), "") << size;
             EXPECT_EQ(TakePicture(BitmapFromDibFile(cut)), "") << size;
         }
-    const struct {
-        const char* what;
-        std::size_t offset;
-        std::uint32_t value;
-    } cases[] = {
+    const std::tuple<const char*, std::size_t, std::uint32_t> cases[] = {
         // clang-format off
         {"pixels behind the end", 10, 0xFFFFFFF0}, {"header size", 14, 0xFFFFFFFF}, {"header size", 14, 3},
         {"width", 18, 0x7FFFFFFF}, {"width", 18, 0x80000000}, {"width", 18, 0}, {"height", 22, 0x7FFFFFFF},
@@ -82,10 +79,10 @@ TEST(Dib, WhatDoesNotFitGivesNothing) {
         {"bits a pixel", 26, 0x00FF0001}, {"colours", 46, 0x40000001},
         // clang-format on
     };
-    for (const auto& c : cases) {
+    for (const auto& [what, offset, value] : cases) {
         std::string file = kIndexed;
-        file.replace(c.offset, 4, reinterpret_cast<const char*>(&c.value), 4);
-        EXPECT_EQ(Shown(file), "") << c.what << " " << c.value;
+        file.replace(offset, 4, reinterpret_cast<const char*>(&value), 4);
+        EXPECT_EQ(Shown(file), "") << what << " " << value;
     }
     EXPECT_EQ(Shown(BitmapFile(16384, 4097, 8, kPalette, std::string(2, '\0'), 1)), "") << "too many pixels";
     for (std::uint32_t seed = 0; seed < 500; ++seed) Shown(WithFlippedBytes(seed % 2 ? kTrueColor : kIndexed, seed));

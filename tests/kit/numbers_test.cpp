@@ -9,24 +9,17 @@
 #include <random>
 #include <tuple>
 
+#include "support/cases.h"
 #include "support/guard_block.h"
 
 static constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 TEST(Numbers, ParseDecimal) {
-    const std::tuple<const char*, double, std::size_t> cases[] = {
-        // clang-format off
-        {"-.5", -0.5, 3}, {"+5.", 5, 3}, {"00012", 12, 5}, {"  -7.25 ", -7.25, 7}, {"12abc", 12, 2}, {"1,5", 1, 1},
-        {"1E+3", 1000, 4}, {"25e-2", 0.25, 5}, {"1e", 1, 1}, {"1e+", 1, 1}, {"2d4", 2, 1}, {"0x10", 0, 1},
-        {"-1e999", -kInfinity, 6}, {"1e-999", 0, 6}, {"1e99999999999999999999", kInfinity, 22},  // beyond the range
-        {"", 0, 0}, {"  ", 0, 0}, {".", 0, 0}, {"-", 0, 0}, {"+-3", 0, 0}, {"- 3", 0, 0}, {"e5", 0, 0}, {"inf", 0, 0},
-        // clang-format on
-    };
-    for (const auto& [string, value, length] : cases) {
-        const GuardBlock text((std::string(string)));  // no zero behind it: the end is the view's
+    for (const auto& row : TableRows("kit/numbers.txt", "decimals")) {
+        const GuardBlock text(row[0]);  // no zero behind it: the end is the view's
         std::size_t used = 99;
-        EXPECT_EQ(ParseDecimal(text.View(), &used), value) << string;
-        EXPECT_EQ(used, length) << string;
+        EXPECT_EQ(ParseDecimal(text.View(), &used), std::strtod(row[1].c_str(), nullptr)) << row[0];
+        EXPECT_EQ(std::to_string(used), row[2]) << row[0];
     }
 }
 

@@ -7,11 +7,7 @@
 #include "kit/code_page.h"
 
 TEST(Paths, TrailBackslashesAreNoSeparators) {
-    const struct {
-        const char* path;
-        const char* extension;
-        int lastBackslash;
-    } cases[] = {
+    const std::tuple<const char*, const char*, int> cases[] = {
         // clang-format off
         {"C:\\a.b\\part", "", 6}, {"a.b/part", "", -1}, {"a.tar.gz", ".gz", -1}, {"part.", ".", -1}, {"", "", -1},
         {"\x83\x5c.dxf", ".dxf", -1}, {"C:\\\x83\x5c", "", 2}, {"a.\x83\x5c", ".\x83\x5c", -1},  // katakana so
@@ -19,11 +15,11 @@ TEST(Paths, TrailBackslashesAreNoSeparators) {
         // clang-format on
     };
     const bool isJapanese = IsSystemLeadByte(0x83);
-    for (const auto& c : cases) {
-        if (!isJapanese && std::string(c.path).find_first_of("\x83\x95") != std::string::npos) continue;
-        EXPECT_STREQ(FindExtension(c.path), c.extension) << c.path;
-        const char* found = FindLastBackslash(c.path);
-        EXPECT_EQ(found ? found - c.path : -1, c.lastBackslash) << c.path;
+    for (const auto& [path, extension, lastBackslash] : cases) {
+        if (!isJapanese && std::string(path).find_first_of("\x83\x95") != std::string::npos) continue;
+        EXPECT_STREQ(FindExtension(path), extension) << path;
+        const char* found = FindLastBackslash(path);
+        EXPECT_EQ(found ? found - path : -1, lastBackslash) << path;
     }
 }
 

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <tuple>
 
 #include "gallery/gallery_items.h"
 #include "kit/paths.h"
@@ -52,11 +53,7 @@ std::wstring Wide(const std::string& text) {
     return wide;
 }
 
-std::string Utf8(const std::string& text) {
-    char utf8[12288] = "";
-    WideCharToMultiByte(CP_UTF8, 0, Wide(text).c_str(), -1, utf8, sizeof(utf8), nullptr, nullptr);
-    return utf8;
-}
+std::string Utf8(const std::string& text) { return std::filesystem::path(Wide(text)).u8string(); }
 
 std::string Why(NoPicture problem) {
     const std::string text = ProgramText(IDS_WHY + static_cast<UINT>(problem));
@@ -106,6 +103,15 @@ Result RunKwpreview(const Arguments& arguments, const char* folder = ".") {
 
 bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
+// The program says what went well to stdout and what did not to stderr: these parts, and to the other one nothing.
+void ExpectRun(const Arguments& arguments, DWORD code, const std::vector<std::string>& parts) {
+    const Result result = RunKwpreview(arguments);
+    const std::string &said = code ? result.err : result.out, &other = code ? result.out : result.err;
+    EXPECT_EQ(result.code, code) << said << other;
+    EXPECT_EQ(other, "");
+    for (const std::string& part : parts) EXPECT_TRUE(Has(said, part)) << part << said;
+}
+
 int FilesIn(const std::string& folder) {
     GalleryItems files;
     EXPECT_TRUE(ListFolder(&files, folder.c_str(), "*"));
@@ -150,32 +156,26 @@ TEST(Kwpreview, Samples) {
 TEST(Kwpreview, Comments) {
     const TempFolder folder;
     const std::string file = folder.Write("a.txt", "one  \r\n\r\n\ttwo\x1b[2J\r\n \r\n\r\n");
-    const std::string nc = folder.Write("b.nc", "G90 G01 X1\n"), bitmap = folder.Write("c.bin", std::string(9, '\1'));
-    EXPECT_TRUE(Has(RunKwpreview({file, "--comment"}).out, ":\r\n        one\r\n\r\n        \ttwo.[2J\r\n"));
-    EXPECT_TRUE(Has(RunKwpreview({nc, "--comment"}).out, "        G90 G01 X1\r\n")) << "the file list's comment";
-    EXPECT_TRUE(Has(RunKwpreview({bitmap, "--comment"}).out, Utf8(ProgramText(IDS_NO_COMMENT_LINE))));
+    const std::string nc = folder.Write("b.nc", "G90 G01 X1\n"), unknown = folder.Write("c.bin", std::string(9, '\1'));
+    ExpectRun({file, "--comment"}, 0, {":\r\n        one\r\n\r\n        \ttwo.[2J\r\n"});
+    ExpectRun({nc, "--comment"}, 0, {"        G90 G01 X1\r\n"});  // the file list's comment
+    ExpectRun({unknown, "--comment"}, 0, {Utf8(ProgramText(IDS_NO_COMMENT_LINE))});
 }
 
 TEST(Kwpreview, Modes) {
     const TempFolder folder;
     const std::string shape = folder.Write("shape.dxf", kDrawing);
     const std::string text = folder.Write("text.dxf", DxfDrawing(40, 30, "0 TEXT|10 5|20 5|40 6|1 Plate"));
-    const struct {
-        std::string file;
-        Arguments options;
-        int width, height;
-        DWORD mode;
-    } cases[] = {
+    const std::tuple<std::string, Arguments, int, int, DWORD> cases[] = {
         {shape, {"--size", "16x4096"}, 16, 4096, kRenderColor | kRenderFullDxf},
         {shape, {"--basic-dxf"}, 640, 480, kRenderColor},
         {shape, {"--mono"}, 640, 480, kRenderFullDxf},
         {text, {"--frames", "--size", "90X60", "--mono"}, 90, 60, kRenderTextFrames | kRenderFullDxf},
     };
-    for (const auto& c : cases) {
-        Arguments arguments = c.options;
-        arguments.push_back(c.file);
+    for (auto [file, arguments, width, height, mode] : cases) {
+        arguments.push_back(file);
         EXPECT_EQ(RunKwpreview(arguments).code, 0u);
-        EXPECT_TRUE(ReadWholeFile(c.file + ".png") == DrawnByReader(c.file, c.width, c.height, c.mode)) << c.mode;
+        EXPECT_TRUE(ReadWholeFile(file + ".png") == DrawnByReader(file, width, height, mode)) << mode;
     }
 }
 
@@ -187,11 +187,7 @@ TEST(Kwpreview, Reasons) {
         CreateFileA(locked.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     folder.MakeFolder("taken.dxf.png");
     folder.Write("blank.dxf", kEmptyDrawing);
-    const struct {
-        std::string path;
-        NoPicture problem;
-        DWORD code;
-    } cases[] = {
+    const std::tuple<std::string, NoPicture, DWORD> cases[] = {
         {folder.At("missing.dxf"), NoPicture::missing, 3},
         {folder.At("none\\a.dxf"), NoPicture::missing, 3},
         {folder.At("*.zip"), NoPicture::noMatch, 3},
@@ -211,26 +207,19 @@ TEST(Kwpreview, Reasons) {
         {folder.Write("taken.dxf", kDrawing), NoPicture::notWritten, 4},
     };
     const int before = FilesIn(folder.path);
-    for (const auto& c : cases) {
-        const Result result = RunKwpreview({c.path});
-        const std::string &said = c.code ? result.err : result.out, &other = c.code ? result.out : result.err;
-        EXPECT_EQ(result.code, c.code) << said;
-        EXPECT_TRUE(Has(said, c.path + ": ") && Has(said, Why(c.problem))) << said << other;
-        EXPECT_EQ(other, "");
-    }
+    for (const auto& [path, problem, code] : cases) ExpectRun({path}, code, {path + ": ", Why(problem)});
     EXPECT_EQ(RunKwpreview({folder.At("a.txt"), "--strict"}).code, 1u);
     EXPECT_EQ(FilesIn(folder.path), before) << "no picture, and no part of one";
-    const Result worst = RunKwpreview({folder.At("missing.dxf"), folder.At("taken.dxf"), folder.At("a.txt")});
-    EXPECT_EQ(worst.code, 4u);
+    EXPECT_EQ(RunKwpreview({folder.At("missing.dxf"), folder.At("taken.dxf"), folder.At("a.txt")}).code, 4u);
 }
 
 TEST(Kwpreview, DxfReaders) {
     const TempFolder folder;
     const std::string left = folder.Write("left.dxf", "0\nLINE\n10\n0\n20\n0\n11\n4\n21\n3\n");
     const std::string empty = folder.Write("empty.dxf", kEmptyDrawing), both = folder.Write("both.dxf", kDrawing);
-    EXPECT_TRUE(Has(RunKwpreview({left}).out, Utf8(ProgramText(IDS_ONLY_FULL_DXF))));
-    EXPECT_TRUE(Has(RunKwpreview({left, "--basic-dxf"}).err, Why(NoPicture::needsFullDxf)));
-    EXPECT_TRUE(Has(RunKwpreview({empty, "--basic-dxf"}).err, Why(NoPicture::blankDxf)));
+    ExpectRun({left}, 0, {Utf8(ProgramText(IDS_ONLY_FULL_DXF))});
+    ExpectRun({left, "--basic-dxf"}, 1, {Why(NoPicture::needsFullDxf)});
+    ExpectRun({empty, "--basic-dxf"}, 1, {Why(NoPicture::blankDxf)});
     EXPECT_FALSE(Has(RunKwpreview({both}).out, Utf8(ProgramText(IDS_ONLY_FULL_DXF))));
 }
 
@@ -311,17 +300,10 @@ TEST(Kwpreview, Usage) {
         {file, "--size", "640x480x1"}, {file, "--size", "15x480"}, {file, "--size", "640x4097"},
         // clang-format on
     };
-    for (const Arguments& arguments : wrong) {
-        const Result result = RunKwpreview(arguments);
-        EXPECT_EQ(result.code, 2u) << arguments.size();
-        EXPECT_EQ(result.out, "");
-        EXPECT_TRUE(Has(result.err, "kwpreview --help")) << result.err;
-    }
+    for (const Arguments& arguments : wrong) ExpectRun(arguments, 2, {"kwpreview --help"});
     EXPECT_EQ(FilesIn(folder.path), 1);
 
-    const Result help = RunKwpreview({"--help", file});
-    EXPECT_EQ(help.code, 0u);
-    EXPECT_TRUE(Has(help.out, "--frames") && Has(help.out, "UTF-8") && Has(help.out, "\r\n  4  ")) << help.out;
+    ExpectRun({"--help", file}, 0, {"--frames", "UTF-8", "\r\n  4  "});
     EXPECT_EQ(RunKwpreview({"--version"}).out, "kwpreview " VERSION "\r\n");
     HANDLE reader = nullptr, writer = nullptr;
     ASSERT_TRUE(CreatePipe(&reader, &writer, &inherited, 0));

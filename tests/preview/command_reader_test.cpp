@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/cases.h"
 #include "support/drawings.h"
 #include "support/picture.h"
 #include "support/samples.h"
@@ -16,6 +17,10 @@ static std::string Show(const std::string& path) {
 static const std::string kKey = "DIALOG_PREVIEW";
 static std::string Line(const std::string& path) { return kKey + " \"" + path + "\"\r\n"; }
 
+static void Replace(std::string* text, const std::string& word, const std::string& by) {
+    for (std::size_t at; (at = text->find(word)) != std::string::npos;) text->replace(at, word.size(), by);
+}
+
 static const std::string kDrawing = DxfDrawing(16, 8, "0 LINE|10 2|20 2.7|11 9|21 2.7");
 
 TEST(CommandReader, FollowsTheLine) {
@@ -28,32 +33,24 @@ TEST(CommandReader, FollowsTheLine) {
     folder.Write("part.lbk", BackupFile(16, 8, records));
     folder.Write("elsewhere\\part.dxf", other);
     folder.Write("part.cmd", Line("part.dxf"));
-    const std::string part = Line("part.dxf");
-    const std::string drive = folder.path.substr(0, 2);
-    const char otherDrive = drive[0] == 'Q' ? 'R' : 'Q';
-    const std::pair<std::string, bool> cases[] = {
-        // clang-format off
-        {part, true}, {Line("sub\\..\\part.dxf"), true}, {Line("a b'c.dxf"), true},
-        {Line(folder.At("part.dxf")), true}, {Line(folder.At("part.dxf").substr(2)), true},
-        {Line("part.qa"), true}, {Line("part.exf"), true},
-        {Line(drive + "part.dxf"), true}, {Line(drive + "sub\\..\\part.dxf"), true},  // on the drive, beside it too
-        {Line(std::string(1, static_cast<char>(drive[0] ^ 0x20)) + ":part.dxf"), true},  // in either case
-        {Line(drive + drive + "part.dxf"), false}, {Line(std::string(1, otherDrive) + ":part.dxf"), false},
-        // kinds that are not followed, this file itself among them
-        {Line("part.lbk"), false}, {Line("a.cmd"), false}, {Line("sub"), false}, {Line(""), false},
-        // the line
-        {"REM\r\n\r\n" + part + "END\r\n", true}, {kKey + "=\"part.dxf\"\n", true},
-        {kKey + " \"\"part.dxf\" x\n", true}, {kKey + " part.dxf\"\n", true},
-        {kKey + "  \"part.dxf\"\n", false},  // one separator, then a path that begins with a blank
-        {kKey + "=part.dxf\n", false}, {kKey + " \"part.dxf\n", false}, {kKey + "\n", false}, {kKey + " \"\n", false},
-        {" " + part, false}, {"dialog_preview \"part.dxf\"\n", false}, {"", false},
-        {kKey + " \"part.dxf\"", false}, {kKey + " \"part.dxf\"x", true},  // the file's last byte goes
-        // the first well-formed one counts
-        {Line("missing.dxf") + part, false}, {kKey + "=part.dxf\n" + kKey + "\n" + part, true},
-        // a path is one up to a path's greatest length
-        {Line(std::string(259, 'x')) + part, false}, {Line(std::string(260, 'x')) + part, true},
-        // clang-format on
-    };
+    const std::string part = Line("part.dxf"), drive = folder.path.substr(0, 2);
+    std::vector<TextCase> cases = TextCases("preview/commands.txt");
+    for (TextCase& c : cases) {
+        Replace(&c.given, "{folder}", folder.path);
+        Replace(&c.given, "{path}", folder.path.substr(2));
+        Replace(&c.given, "{drive}", drive);
+        Replace(&c.given, "{other}", drive[0] == 'Q' ? "R:" : "Q:");
+        c.given += "\r\n";
+    }
+    cases.insert(cases.end(), {
+                                  {"the other case of its drive",
+                                   Line(std::string(1, static_cast<char>(drive[0] ^ 0x20)) + ":part.dxf"), "drawn"},
+                                  {"the file's last byte goes", kKey + " \"part.dxf\"", ""},
+                                  {"a byte more", kKey + " \"part.dxf\"x", "drawn"},
+                                  {"nothing", "", ""},
+                                  {"a path may be so long", Line(std::string(259, 'x')) + part, ""},
+                                  {"a longer one is none", Line(std::string(260, 'x')) + part, "drawn"},
+                              });
     const std::string command = folder.At("a.cmd");
     const std::string expected = TakePicture(ReadDxfPreview(0, folder.At("part.dxf").c_str(), &kTarget, nullptr, 0));
     ASSERT_TRUE(HasInk(expected));
@@ -61,9 +58,9 @@ TEST(CommandReader, FollowsTheLine) {
     GetCurrentDirectoryA(sizeof(before), before);
     for (const std::string& from : {elsewhere, folder.path}) {
         SetCurrentDirectoryA(from.c_str());
-        for (const auto& [text, isDrawn] : cases) {
-            folder.Write("a.cmd", text);
-            EXPECT_EQ(Show(command), isDrawn ? expected : "") << text.substr(0, 300);
+        for (const TextCase& c : cases) {
+            folder.Write("a.cmd", c.given);
+            EXPECT_EQ(Show(command), c.expected.empty() ? "" : expected) << c.name;
         }
         GetCurrentDirectoryA(sizeof(now), now);
         EXPECT_EQ(now, from);

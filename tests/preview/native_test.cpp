@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "support/drawings.h"
 #include "support/guard_block.h"
 
@@ -12,14 +14,8 @@ static std::string Shown(const std::string& file, int width, int height, bool fr
 TEST(DecodeNative, Layers) {
     const auto on = [](int layer) { return Put(LineRecord(2, 2.7, 9, 2.7), {{7, {static_cast<char>(layer)}}}); };
     const std::string all(512, '\1');
-    const struct {
-        const char* what;
-        NativeEdition edition;
-        int layer;
-        std::size_t at;  // what is put into the header
-        std::string bytes;
-        bool shown;
-    } cases[] = {
+    // What is put into the header and where.
+    const std::tuple<const char*, NativeEdition, int, std::size_t, std::string, bool> cases[] = {
         // clang-format off
         {"no flag", kEditionA, 3, 250, "", false}, {"its flag", kEditionA, 3, 250 + 6, "\1", true},
         {"the current layer", kEditionA, 1, 250, "", true}, {"another current layer", kEditionA, 1, 248, "\2", false},
@@ -28,9 +24,9 @@ TEST(DecodeNative, Layers) {
         {"the last flag of edition B", kEditionB, 255, 250 + 510, "\1", true},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        const std::string file = Put(NativeFile(c.edition, 16, 8, on(c.layer)), {{c.at, c.bytes}});
-        EXPECT_EQ(Shown(file, 16, 8) != PlotOf({}, 16, 8), c.shown) << c.what;
+    for (const auto& [what, edition, layer, at, bytes, isShown] : cases) {
+        const std::string file = Put(NativeFile(edition, 16, 8, on(layer)), {{at, bytes}});
+        EXPECT_EQ(Shown(file, 16, 8) != PlotOf({}, 16, 8), isShown) << what;
     }
 }
 
@@ -66,10 +62,7 @@ TEST(GatherRecordText, Table) {
         return ContinuationRecord(string, link, status);
     };
     const std::string hidden = "\x81\x5c\xe0\x7c\x9f\x5b\xfc\x5d", dash = "\x81\x7c";
-    const struct {
-        const char* what;
-        std::string records, text;
-    } cases[] = {
+    const std::tuple<const char*, std::string, std::string> cases[] = {
         // clang-format off
         {"the string ends at the first zero byte", text("ab", 2) + next("xyz"), Wide("ab")},
         {"out of order", text(most, 3) + next("c") + next(more, 2), Wide(most + more + "c")},
@@ -90,40 +83,13 @@ TEST(GatherRecordText, Table) {
         {"a character over the seam", text(most.substr(1) + "\x83", 2) + next("\x5c"), Wide(most.substr(1)) + "\x83\x5c"},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        const GuardBlock records(c.records), buffer(std::string(256, '#'));
-        const unsigned count = static_cast<unsigned>(c.records.size() / 64);
+    for (const auto& [what, chunks, text] : cases) {
+        const GuardBlock records(chunks), buffer(std::string(256, '#'));
+        const unsigned count = static_cast<unsigned>(chunks.size() / 64);
         const std::size_t length = GatherRecordText(1, count, records.View(), buffer.Text(), buffer.size);
-        EXPECT_EQ(testing::PrintToString(std::string(buffer.Text(), length)), testing::PrintToString(c.text)) << c.what;
-        EXPECT_EQ(length, strnlen(buffer.Text(), buffer.size)) << c.what;
+        EXPECT_EQ(testing::PrintToString(std::string(buffer.Text(), length)), testing::PrintToString(text)) << what;
+        EXPECT_EQ(length, strnlen(buffer.Text(), buffer.size)) << what;
     }
-}
-
-// A chain over 1,000 deleted continuations, one of which a filler pattern marks: it counts as deleted as long as the
-// text stands before it.
-TEST(GatherRecordText, LongChains) {
-    constexpr unsigned kLast = 1003, kFilled = 700;
-    const std::string most = "abcdefghijklmn";
-    std::string records = TextRecord({}, 0, most, 2);
-    for (unsigned number = 2; number < kLast - 1; ++number)
-        records += ContinuationRecord("x", number + 1, number == kFilled ? 0x25A5 : 1);
-    records += ContinuationRecord("end") + TextRecord({}, 0, most, 2);
-    ChainSkips skips;
-    const auto text = [&](unsigned number, unsigned count) {
-        char out[256];
-        GatherRecordText(number, count, {reinterpret_cast<const std::uint8_t*>(records.data()), count * 64}, out,
-                         sizeof(out), &skips);
-        return std::string(out);
-    };
-    for (int pass = 0; pass < 2; ++pass) {
-        EXPECT_EQ(text(1, kLast), Wide(most + "end"));
-        EXPECT_EQ(text(kLast, kLast), Wide(most + "x")) << "and the zeros behind it end the text";
-    }
-    skips.clear();
-    EXPECT_EQ(text(1, kLast - 2), Wide(most)) << "the chain leads behind the last record";
-    records.replace((kLast - 3) * 64 + 62, 2, Raw(std::uint16_t{2}));  // a ring
-    skips.clear();
-    EXPECT_EQ(text(1, kLast), Wide(most));
 }
 
 // Filler patterns count when a record is reached, not when a text before it looks ahead.

@@ -3,8 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 #include <string>
+
+#include "support/random_strokes.h"
 
 namespace {
 
@@ -37,69 +38,32 @@ struct Sheet {
 
 constexpr int kWidth = 45, kHeight = 33, kAround = 60;
 
-// One stroke of a kind with points within kAround pixels around a sheet of that size, moved by (dx, dy).
-void DrawStroke(StrokeTarget& to, unsigned seed, int dx, int dy) {
-    std::minstd_rand random(seed + 1);
-    random.discard(3);
-    const auto point = [&] {
-        const int x = static_cast<int>(random() % (kWidth + 2 * kAround)) - kAround;
-        const int y = static_cast<int>(random() % (kHeight + 2 * kAround)) - kAround;
-        return PixelPoint{x + dx, y + dy};
-    };
-    PixelPoint points[7];
-    for (PixelPoint& p : points) p = point();
-    const std::size_t counts[] = {4, 3};
-    const auto radius = static_cast<std::int32_t>(2 + random() % kAround);
-    switch (seed % 8) {
-        case 0: to.pixel(to, points[0]); break;
-        case 1: to.line(to, 0, points[0], points[1]); break;
-        case 2: to.polyline(to, 0, points, 7); break;
-        case 3: to.arc(to, 0, points[0], radius, points[1], points[2]); break;
-        case 4: to.arc(to, 0, points[0], radius, points[1], points[1]); break;
-        case 5: to.dot(to, 0, points[0], radius); break;
-        case 6: to.polygon(to, 0, points, 3 + random() % 4); break;
-        default: to.area(to, points, counts, 2); break;
-    }
-}
-
 }  // namespace
 
 // What lies outside leaves the rest as it is: on a sheet large enough for every stroke the same pixels are set.
 TEST(Raster, ClippedStrokesKeepTheirPixels) {
     constexpr int kMargin = 2 * kAround + 2;
+    const RandomStrokes clipped = {kWidth, kHeight, kAround}, whole = {kWidth, kHeight, kAround, {kMargin, kMargin}};
     for (const int depth : {1, 32}) {
         Sheet sheet(kWidth, kHeight, depth), large(kWidth + 2 * kMargin, kHeight + 2 * kMargin, 33 - depth);
         int inked = 0;
         for (unsigned seed = 0; seed < 4000; ++seed) {
-            DrawStroke(sheet.raster, seed, 0, 0);
-            DrawStroke(large.raster, seed, kMargin, kMargin);
+            const unsigned pen = seed / 8 % 7;
+            clipped.Draw(sheet.raster, pen, seed);
+            whole.Draw(large.raster, pen, seed);
             const std::string picture = sheet.Picture(0, 0, kWidth, kHeight);
             ASSERT_EQ(picture, large.Picture(kMargin, kMargin, kWidth, kHeight)) << "stroke " << seed;
             inked += picture.find('#') != std::string::npos;
             for (Sheet* used : {&sheet, &large}) std::fill(used->bits.begin(), used->bits.end(), 0xFFFFFFFFu);
         }
-        EXPECT_GT(inked, 1500);
+        EXPECT_GT(inked, 2000);
     }
 }
 
 TEST(Raster, StrokesFromTheEndsOfTheSpace) {
-    constexpr std::int32_t kFar = (1 << 27) - 1;
     Sheet sheet(kWidth, kHeight, 1);
-    StrokeTarget& to = sheet.raster;
-    const std::size_t counts[] = {4};
-    const PixelPoint corners[] = {{-kFar, -kFar}, {kFar, -kFar}, {kFar, kFar}, {-kFar, kFar}};
-    for (const PixelPoint a : corners) {
-        for (const PixelPoint b : corners) to.line(to, 0, a, b);
-        to.arc(to, 0, {22, 16}, 32766, a, {0, 0});
-        to.arc(to, 0, a, 32766, a, a);
-    }
-    EXPECT_EQ(sheet.Picture(0, 0, 3, 3), "#..\n.#.\n..#\n") << "only the diagonals come near";
-    Sheet filled(kWidth, kHeight, 1);
-    filled.raster.dot(filled.raster, 0, corners[0], 0x7FFFFFFF);
-    to.area(to, corners, counts, 1);
-    for (const Sheet* black : {&sheet, &filled}) {
-        EXPECT_EQ(black->Picture(0, 0, kWidth, kHeight).find('.'), std::string::npos);
-    }
+    const RandomStrokes farAway = {kWidth, kHeight, 1 << 26};
+    for (unsigned seed = 0; seed < 4000; ++seed) farAway.Draw(sheet.raster, 2, seed);
 }
 
 TEST(Raster, RefusesWhatItCannotHold) {

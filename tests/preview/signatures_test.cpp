@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "kit/paths.h"
 #include "support/drawings.h"
 #include "support/guard_block.h"
@@ -20,11 +22,7 @@ static FileTypeCode Identify(const std::string& name, const std::string& content
 }
 
 TEST(IdentifyBytes, Kinds) {
-    const struct {
-        const char* name;
-        std::string contents;
-        int code;
-    } cases[] = {
+    const std::tuple<const char*, std::string, int> cases[] = {
         // clang-format off
         // native drawings, whatever the extension, and the bytes that decide which
         {"a", Qa(4), 1}, {"a.dxf", Qa(26), 1}, {"a", Lumos(4), 0}, {"a", Put(Qa(5), {{0, "LMOS"}}), 0},
@@ -48,8 +46,8 @@ TEST(IdentifyBytes, Kinds) {
         {"a", std::string(1024, 'a') + "\1\2\3", 21}, {"a", std::string(1023, 'a') + "\nG01\n", 21},
         // clang-format on
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(Identify(c.name, c.contents), c.code) << c.name << ": " << testing::PrintToString(c.contents);
+    for (const auto& [name, contents, code] : cases)
+        EXPECT_EQ(Identify(name, contents), code) << name << ": " << testing::PrintToString(contents);
 }
 
 TEST(IdentifyBytes, Texts) {
@@ -58,12 +56,7 @@ TEST(IdentifyBytes, Texts) {
         return Put(header + std::string(800, 0), {{at, "name"}, {at + step, "number"}, {at + 2 * step, "who"}});
     };
     const std::string qj = BytesAt(16, {{4, "CADORVIL QJ"}}), qf = BytesAt(16, {{4, "CADORVIL QF"}});
-    const struct {
-        const char* name;
-        std::string contents;
-        int size;
-        std::string text;
-    } cases[] = {
+    const std::tuple<const char*, std::string, int, std::string> cases[] = {
         // clang-format off
         {"a", fields(Lumos(4).substr(0, 100), 106, 42), 300, "name,number,who"},
         {"a", fields(qj, 144, 42), 300, "name,number,who"}, {"a", fields(qf, 576, 48), 300, "name,number,who"},
@@ -79,12 +72,12 @@ TEST(IdentifyBytes, Texts) {
         {"a", "abc", 0, ""}, {"a.txt", "abc", 300, ""}, {"a", {"a\0b", 3}, 300, ""},
         // clang-format on
     };
-    for (const auto& c : cases) {
-        const GuardBlock out(std::string(static_cast<std::size_t>(c.size), '\0'));
-        Identify(c.name, c.contents, out.Text(), c.size);
+    for (const auto& [name, contents, size, text] : cases) {
+        const GuardBlock out(std::string(static_cast<std::size_t>(size), '\0'));
+        Identify(name, contents, out.Text(), size);
         const std::string all(out.Text(), out.size);
-        EXPECT_EQ(all, c.text + std::string(out.size - c.text.size(), '\0'))
-            << testing::PrintToString(c.contents) << " " << c.size;
+        EXPECT_EQ(all, text + std::string(out.size - text.size(), '\0'))
+            << testing::PrintToString(contents) << " " << size;
     }
 }
 

@@ -103,15 +103,11 @@ TEST(Dialogs, FollowTheResolution) {
         EnumThreadWindows(GetCurrentThreadId(), TakeTooltip, reinterpret_cast<LPARAM>(&tip));
         char text[80] = "";
         const HWND gallery = FindControl(dialog, IDC_PREVIEW_GALLERY);
-        TOOLINFOA tool = {TTTOOLINFOA_V2_SIZE,
-                          0,
-                          GetParent(gallery),
-                          reinterpret_cast<UINT_PTR>(gallery),
-                          {},
-                          nullptr,
-                          text,
-                          0,
-                          nullptr};
+        TOOLINFOA tool = {};
+        tool.cbSize = TTTOOLINFOA_V2_SIZE;
+        tool.hwnd = GetParent(gallery);
+        tool.uId = reinterpret_cast<UINT_PTR>(gallery);
+        tool.lpszText = text;
         SendMessageA(tip, TTM_GETTEXTA, 0, reinterpret_cast<LPARAM>(&tool));
         EXPECT_STREQ(text, LoadResString(ThisModule(), IDS_GALLERY_TIP));
     };

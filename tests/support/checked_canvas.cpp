@@ -6,16 +6,25 @@
 
 #include "preview/drawing/path_strokes.h"
 
-static void Require(bool holds) {
+void Require(bool holds) {
     if (!holds) std::abort();
 }
 
 static StrokeCounts& CountsOf(StrokeTarget& target) { return static_cast<CheckedCanvas&>(target).counts; }
 
-static bool IsInSpace(PixelPoint p) { return std::abs(p.x) <= 1 << 27 && std::abs(p.y) <= 1 << 27; }
+static void Check(PixelPoint p) { Require(std::abs(p.x) <= 1 << 27 && std::abs(p.y) <= 1 << 27); }
+static void Check(std::int32_t radius) { Require(radius > 0 && radius < 32767); }
 
 static void CheckPoints(const PixelPoint* points, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) Require(IsInSpace(points[i]));
+    for (std::size_t i = 0; i < count; ++i) Check(points[i]);
+}
+
+// Takes a stroke of a pen and counts it there.
+template <std::uint32_t StrokeCounts::*counted, typename... Parts>
+static void Count(StrokeTarget& target, unsigned pen, Parts... parts) {
+    Require(pen < kPenCount);
+    (Check(parts), ...);
+    ++(CountsOf(target).*counted);
 }
 
 CheckedCanvas::CheckedCanvas(const PixelRect& rect) : target(rect) {
@@ -51,19 +60,12 @@ CheckedCanvas::CheckedCanvas(const PixelRect& rect) : target(rect) {
     goOn = &flag;
     textsAsFrames = false;
     pixel = [](StrokeTarget& target, PixelPoint at) {
-        Require(IsInSpace(at));
+        Check(at);
         ++CountsOf(target).pixels;
     };
-    line = [](StrokeTarget& target, unsigned pen, PixelPoint from, PixelPoint to) {
-        Require(pen < kPenCount && IsInSpace(from) && IsInSpace(to));
-        ++CountsOf(target).lines;
-    };
-    arc = [](StrokeTarget& target, unsigned pen, PixelPoint centre, std::int32_t radius, PixelPoint from,
-             PixelPoint to) {
-        Require(pen < kPenCount && radius > 0 && radius < 32767);
-        Require(IsInSpace(centre) && IsInSpace(from) && IsInSpace(to));
-        ++CountsOf(target).arcs;
-    };
+    line = Count<&StrokeCounts::lines, PixelPoint, PixelPoint>;
+    arc = Count<&StrokeCounts::arcs, PixelPoint, std::int32_t, PixelPoint, PixelPoint>;
+    dot = Count<&StrokeCounts::marks, PixelPoint, std::int32_t>;
     polyline = [](StrokeTarget& target, unsigned pen, const PixelPoint* points, std::size_t count) {
         Require(pen < kPenCount && count > 1);
         CheckPoints(points, count);
@@ -76,12 +78,9 @@ CheckedCanvas::CheckedCanvas(const PixelRect& rect) : target(rect) {
         CheckPoints(corners, count);
         ++CountsOf(target).marks;
     };
-    dot = [](StrokeTarget& target, unsigned, PixelPoint centre, std::int32_t radius) {
-        Require(radius >= 2 && radius < 32767 && IsInSpace(centre));
-        ++CountsOf(target).marks;
-    };
     StrokeTarget::text = [](StrokeTarget& target, const TextStroke& text) {
-        Require(IsInSpace(text.at) && text.length > 0 && text.length < sizeof(PreviewPrimitive::g));
+        Check(text.at);
+        Require(text.length > 0 && text.length < sizeof(PreviewPrimitive::g));
         Require(text.height >= 2 && text.height <= kMaxTextPixels && text.width >= 2 && text.width <= kMaxTextPixels);
         Require(std::memchr(text.text, 0, text.length + 1) == text.text + text.length);
         ++CountsOf(target).texts;

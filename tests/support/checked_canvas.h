@@ -9,6 +9,9 @@
 #include "preview/drawing/strokes.h"
 #include "preview/formats/sink.h"
 
+// Ends the program, as a sanitizer's finding does, when something does not hold.
+void Require(bool holds);
+
 struct CheckedCanvas : DrawingSink, StrokeTarget {
     explicit CheckedCanvas(const PixelRect& rect = {0, 0, 189, 126});
     PixelRect target;

@@ -9,10 +9,22 @@
 #include "resources/resource.h"
 #include "support/picture.h"
 
+static std::string CurrentDirectory() {
+    char path[MAX_PATH] = "";
+    GetCurrentDirectoryA(MAX_PATH, path);
+    return path;
+}
+
 unsigned RunDialog(const std::function<unsigned()>& open, std::vector<DialogStep> steps) {
     unsigned result = 0;
+    const std::string directory = CurrentDirectory();
     EXPECT_EQ(DriveDialogs([&] { result = open(); }, std::move(steps)), "");
+    EXPECT_EQ(CurrentDirectory(), directory);
     return result;
+}
+
+LRESULT InList(HWND dialog, int listId, UINT message, WPARAM wParam, const void* parameter) {
+    return SendMessageA(FindControl(dialog, listId), message, wParam, reinterpret_cast<LPARAM>(parameter));
 }
 
 DialogStep TypeFileName(const std::string& text) {

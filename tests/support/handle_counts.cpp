@@ -13,26 +13,28 @@ static BOOL CALLBACK CountWindow(HWND window, LPARAM count) {
     return CountChild(window, count);
 }
 
-static int CountWindowsAndMenus() {
+// How many handles below `end` there are, by a function that tells.
+template <typename Exists>
+static int CountBelow(UINT_PTR end, UINT_PTR step, Exists exists) {
     int count = 0;
+    for (UINT_PTR handle = step; handle < end; handle += step) count += exists(handle) ? 1 : 0;
+    return count;
+}
+
+static int CountWindowsAndMenus() {
+    int count = CountBelow(0x10000, 1, [](UINT_PTR handle) { return IsMenu(reinterpret_cast<HMENU>(handle)); });
     EnumThreadWindows(GetCurrentThreadId(), CountWindow, reinterpret_cast<LPARAM>(&count));
-    for (UINT_PTR handle = 1; handle < 0x10000; ++handle) count += IsMenu(reinterpret_cast<HMENU>(handle)) ? 1 : 0;
     return count;
 }
 
 static int CountGdiObjects() {
-    int count = 0;
-    for (UINT_PTR handle = 1; handle < 0x10000; ++handle)
-        count += GetObjectType(reinterpret_cast<HGDIOBJ>(handle)) != 0;
-    return count;
+    return CountBelow(0x10000, 1, [](UINT_PTR handle) { return GetObjectType(reinterpret_cast<HGDIOBJ>(handle)); });
 }
 
 static int CountKernelHandles() {
-    int count = 0;
     DWORD flags = 0;
-    for (UINT_PTR handle = 4; handle < 0x4000; handle += 4)
-        count += GetHandleInformation(reinterpret_cast<HANDLE>(handle), &flags) ? 1 : 0;
-    return count;
+    return CountBelow(0x4000, 4,
+                      [&](UINT_PTR handle) { return GetHandleInformation(reinterpret_cast<HANDLE>(handle), &flags); });
 }
 
 HandleCounts CountHandles() {

@@ -11,13 +11,5 @@ std::string PictureOf(HBITMAP bitmap);
 // The same for a bitmap that the caller owns no longer.
 std::string TakePicture(HBITMAP bitmap);
 
-// Rows of text as PictureOf writes them: {"#..", ".#."} becomes "#..\n.#.\n".
-template <typename... Rows>
-std::string Picture(const Rows&... rows) {
-    std::string text;
-    ((text += rows, text += '\n'), ...);
-    return text;
-}
-
 // True when a picture holds any dark pixel.
 inline bool HasInk(const std::string& picture) { return picture.find('#') != std::string::npos; }
