@@ -91,9 +91,14 @@ static const char* ParsePlain(const char* at, const char* end, double* value) {
     }
     if (count == 0 || count > kMostDigits) return nullptr;
     if (at != end && (*at == 'e' || *at == 'E')) return nullptr;
-    const auto integer = static_cast<std::int64_t>(digits);
-    if (digits > kMostExact) return DivideLong(integer, kPowersOfTen[fraction], value) ? at : nullptr;
-    *value = static_cast<double>(integer) / kPowersOfTen[fraction];
+    if (digits > kMostExact) {
+        return DivideLong(static_cast<std::int64_t>(digits), kPowersOfTen[fraction], value) ? at : nullptr;
+    }
+    // In halves, which a processor of 32 bits converts in half the time; the sum is exact.
+    constexpr double kHigh = 4294967296.0;
+    const double integer = static_cast<double>(static_cast<std::int32_t>(digits >> 32)) * kHigh +
+                           static_cast<double>(static_cast<std::uint32_t>(digits));
+    *value = integer / kPowersOfTen[fraction];
     return at;
 }
 
