@@ -301,7 +301,7 @@ struct DxfTextStyle {
     double height = 0;  // 0: each text has its own
     double obliqueDegrees = 0;
 };
-DxfTextStyle TextStyleOf(const DxfDecoder& dxf, ByteView name);
+DxfTextStyle TextStyleOf(DxfDecoder& dxf, ByteView name);
 
 // Fills what depends on the frame and maps it to the plane; false when the text would have no height.
 bool PlaceText(const DxfDecoder& dxf, const DxfTextPlace& place, double height, double widthFactor, double fitWidth,

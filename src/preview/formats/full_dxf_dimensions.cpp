@@ -25,12 +25,13 @@ double Across(Vector3 unit, Vector3 from, Vector3 to) { return unit.x * (to.x - 
 Vector3 ToLeft(Vector3 unit) { return {-unit.y, unit.x, 0}; }
 
 // The current entity's style, and what it has of its own: behind the mark DSTYLE, pairs of a style's code and a value.
-DxfDimensionStyle StyleOfEntity(const DxfDecoder& dxf) {
+DxfDimensionStyle StyleOfEntity(DxfDecoder& dxf) {
     DxfDimensionStyle style = dxf.tables.dimensionStyle;
     DxfPair pair;
     if (const DxfNames::Row* const row = dxf.tables.dimensionStyles.Find(dxf.form, dxf.groups.Text(3))) {
         DxfReader reader = {&dxf.form, row->begin};
         while (NextInRecord(&reader, &pair)) TakeDimensionValue(dxf.form, pair.code, pair, &style);
+        dxf.budget.Charge(static_cast<long long>((reader.at - row->begin) / 16));
     }
     DxfRecordWalk record(dxf.groups);
     bool own = false;
@@ -170,7 +171,7 @@ void DrawExtension(DxfDecoder& dxf, const DxfDimensionStyle& style, Vector3 from
 
 // Who writes no block mostly has no style for the drawing either: sizes are kept between what can be read and what
 // would cover the picture.
-DxfDimensionStyle StyleWithoutBlock(const DxfDecoder& dxf) {
+DxfDimensionStyle StyleWithoutBlock(DxfDecoder& dxf) {
     constexpr double kMost = 1.0 / 40;  // of the picture's height
     DxfDimensionStyle style = StyleOfEntity(dxf);
     if (dxf.IsMeasuring()) return style;

@@ -16,18 +16,24 @@ struct Grid {
     WorldPoint column = {}, row = {};  // from one to the next, in the drawing's plane
 };
 
-DxfBlock* FindBlock(DxfDecoder& dxf, const DxfNames::Row& row) {
+// What is known of very many blocks is not kept: then `spare` is used.
+DxfBlock* FindBlock(DxfDecoder& dxf, const DxfNames::Row& row, DxfBlock* spare) {
+    constexpr std::size_t kMostBlocks = 1 << 16;
     constexpr int kExternal = 4;
-    std::uint32_t& number =
-        dxf.tables.blocks.rows[static_cast<std::size_t>(&row - dxf.tables.blocks.rows.data())].value;
+    std::vector<DxfNames::Row>& rows = dxf.tables.blocks.rows;
+    std::uint32_t& number = rows[static_cast<std::size_t>(&row - rows.data())].value;
     if (number == 0) {
         DxfReader reader = {&dxf.form, row.begin};
         dxf.groups.Read(&reader);
-        DxfBlock& block = dxf.blocks.emplace_back();
+        dxf.budget.Charge(static_cast<long long>((reader.at - row.begin) / 16));
+        const bool isFull = dxf.blocks.size() >= kMostBlocks;
+        DxfBlock& block = isFull ? *spare : dxf.blocks.emplace_back();
         block.begin = row.begin;
         block.entities = reader.at;
         block.base = PointOf(dxf.groups, 10);
         block.external = dxf.groups.Integer(70) & kExternal;
+        block.isRead = isFull;
+        if (isFull) return spare;
         number = static_cast<std::uint32_t>(dxf.blocks.size());
     }
     return &dxf.blocks[number - 1];
@@ -149,7 +155,8 @@ void DrawGrid(DxfDecoder& dxf, DxfBlock* block, const DxfPlace& place, const Gri
 void DrawBlock(DxfDecoder& dxf, const DxfNames::Row& row, const PlaneMap& map, const DxfLook& look, const Grid& grid) {
     const int depth = dxf.place->depth + 1;
     if (depth > kDeepestInsert || dxf.budget.left == 0) return;
-    DxfBlock* const block = FindBlock(dxf, row);
+    DxfBlock spare;
+    DxfBlock* const block = FindBlock(dxf, row, &spare);
     if (block->external || IsBeingDrawn(dxf.place, block->begin)) return;
     const Axes3 upright = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     DxfPlace place;

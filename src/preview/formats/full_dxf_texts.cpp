@@ -25,7 +25,7 @@ bool PlaceText(const DxfDecoder& dxf, const DxfTextPlace& place, double height, 
 enum Justification { kLeft = 0, kCentre = 1, kRight = 2, kAligned = 3, kMiddle = 4, kFit = 5 };
 enum Generation { kBackward = 2, kUpsideDown = 4 };
 
-DxfTextStyle TextStyleOf(const DxfDecoder& dxf, ByteView name) {
+DxfTextStyle TextStyleOf(DxfDecoder& dxf, ByteView name) {
     DxfTextStyle style;
     const DxfNames::Row* const row = dxf.tables.styles.Find(dxf.form, name);
     if (!row) return style;
@@ -38,6 +38,7 @@ DxfTextStyle TextStyleOf(const DxfDecoder& dxf, ByteView name) {
         const double width = DxfNumber(dxf.form, 41, pair.value);
         if (width > 0.01 && width < 100) style.widthFactor = width;
     }
+    dxf.budget.Charge(static_cast<long long>((reader.at - row->begin) / 16));
     return style;
 }
 
