@@ -179,18 +179,14 @@ static Section SectionOf(ByteView name) {
 static constexpr struct {
     const char* name;
     int code;
-} kDimensionNames[] = {{"$DIMSCALE", 40}, {"$DIMASZ", 41},  {"$DIMEXO", 42}, {"$DIMEXE", 44},
-                       {"$DIMTAD", 77},   {"$DIMTXT", 140}, {"$DIMGAP", 147}};
+} kDimensionNames[] = {{"$DIMSCALE", 40}, {"$DIMASZ", 41}, {"$DIMTAD", 77}, {"$DIMGAP", 147}};
 
 void TakeDimensionValue(const DxfForm& form, int code, const DxfPair& value, DxfDimensionStyle* style) {
     const auto number = [&] { return DxfNumber(form, value.code, value.value); };
     switch (code) {
         case 40: style->scale = number(); break;
         case 41: style->arrow = number(); break;
-        case 42: style->offset = number(); break;
-        case 44: style->beyond = number(); break;
         case 77: style->textAbove = number() != 0; break;
-        case 140: style->text = number(); break;
         case 147: style->gap = number(); break;
         case 341: style->leaderArrow = DxfHandle(value.value); break;
         default: break;

@@ -76,10 +76,9 @@ unsigned PenOfLineType(const DxfForm& form, const DxfNames& lineTypes, ByteView 
 // What a dimension style rules of what is drawn here. Lengths are to be multiplied by the scale.
 struct DxfDimensionStyle {
     double scale = 1;
-    double arrow = 0.18, text = 0.18, gap = 0.09;
-    double offset = 0.0625, beyond = 0.18;  // of extension lines
-    bool textAbove = false;                 // the line
-    std::uint32_t leaderArrow = 0;          // the owner of its block
+    double arrow = 0.18, gap = 0.09;
+    bool textAbove = false;         // the line
+    std::uint32_t leaderArrow = 0;  // the owner of its block
 };
 // Takes a value by its code in a style; what else a style holds is left alone.
 void TakeDimensionValue(const DxfForm& form, int code, const DxfPair& value, DxfDimensionStyle* style);
