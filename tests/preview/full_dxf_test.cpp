@@ -41,7 +41,7 @@ std::string Binary(const std::string& text, bool wideCodes) {
 }
 
 // Two points that hold the extents, and a corner of them.
-const std::string kCorners = "0 POINT|10 0|20 0|0 POINT|10 62|20 30|";
+const std::string kCorners = "0 POINT|10 0|20 0|0 POINT|10 60|20 28|";
 
 // A line each for "x1,y1,x2,y2 ...".
 std::string Lines(const std::string& numbers) {
@@ -167,5 +167,5 @@ TEST(FullDxf, Comment) {
     EXPECT_TRUE(DecodeFullDxf(block.View(), &comment, nullptr));
     EXPECT_STREQ(text,
                  "a remark\r\r\nanother\r\r\n<50> A title\r\r\n<51> DXF AC1015 (2000)\r\r\n<52> in\r\r\n"
-                 "<53> 62 x 35\r\r\n<54> 7\r\r\n<55> 3\r\r\n<56> 7\r\r\n");
+                 "<53> 60 x 33\r\r\n<54> 7\r\r\n<55> 3\r\r\n<56> 7\r\r\n");
 }

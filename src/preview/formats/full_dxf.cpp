@@ -76,13 +76,24 @@ static const DxfSpace* MeasureDrawing(DxfDecoder& dxf, std::size_t stepRoom, Box
     }
 }
 
-// With a margin, and never without area.
-static WorldRect WithMargin(const WorldRect& box) {
-    constexpr double kMargin = 1.0 / 64;
+static WorldRect Widened(const WorldRect& box, double margin) {
+    return {box.minX - margin, box.minY - margin, box.maxX + margin, box.maxY + margin};
+}
+
+// Fits the view to a box, with a margin and never without area. In a small picture the margin is two pixels: with less,
+// what lies on the lower edge would be cut.
+static bool FitWithMargin(DrawingSink& sink, const WorldRect& box) {
+    constexpr double kMargin = 1.0 / 64, kPixels = 2;
     double side = std::max(box.maxX - box.minX, box.maxY - box.minY);
     if (!(side > 0)) side = std::max({std::fabs(box.minX) * 1e-6, std::fabs(box.minY) * 1e-6, 1.0});
     const double margin = side * kMargin;
-    return {box.minX - margin, box.minY - margin, box.maxX + margin, box.maxY + margin};
+    if (!sink.fit(sink, Widened(box, margin), DrawingSink::kWipe)) return false;
+    const ViewTransform& view = sink.view;
+    const double width = view.canvasRight - view.canvasLeft - 2 * kPixels,
+                 height = view.canvasBottom - view.canvasTop - 2 * kPixels;
+    if (width <= 0 || height <= 0) return true;
+    const double pixels = kPixels * std::max((box.maxX - box.minX) / width, (box.maxY - box.minY) / height);
+    return !(pixels > margin) || sink.fit(sink, Widened(box, pixels), DrawingSink::kKeep);
 }
 
 bool DecodeFullDxf(ByteView file, Comment* comment, DrawingSink* sink) {
@@ -103,7 +114,7 @@ bool DecodeFullDxf(ByteView file, Comment* comment, DrawingSink* sink) {
     if (comment && comment->end) AppendDxfComment(comment, dxf, space ? &measure.all : nullptr);
     if (!sink) return true;
 
-    if (!sink->fit(*sink, WithMargin(box), DrawingSink::kWipe)) return false;
+    if (!FitWithMargin(*sink, box)) return false;
     dxf.sink = sink;
     dxf.box = nullptr;
     dxf.pixel = 1 / sink->view.scaleX;
