@@ -172,8 +172,7 @@ struct DxfDecoder {
     // What the first walk has met in the drawing itself, so that the second need not go through the file again, and
     // what stands in blocks. What was beyond the room is read again.
     DxfSteps steps, blockSteps;
-    std::size_t stepRoom = 0;    // bytes that are left
-    std::size_t blockBytes = 0;  // that may still be read as steps: blocks that hold more than the file have no end
+    std::size_t stepRoom = 0;            // bytes that are left
     std::size_t behindSteps = kNowhere;  // where the entities begin that are not among the steps
     std::deque<DxfBlock> blocks;         // a block's row of the table holds its number here, from 1
     DxfAside aside = DxfAside::kNone;
@@ -227,7 +226,7 @@ void EndPath(DxfDecoder& dxf);
 // Into how many segments a curve is cut so that it stays within half a pixel.
 int SegmentsOfTurn(DxfDecoder& dxf, double radius, double sweep);
 
-// ---- Entities (full_dxf_entities.cpp)
+// ---- Entities (full_dxf_walk.cpp)
 
 // Draws the entities from `begin` to the end of their section or block, and tells where that is.
 std::size_t DrawDxfEntities(DxfDecoder& dxf, std::size_t begin);
@@ -251,11 +250,24 @@ inline Vector3 NormalOf(const DxfGroups& groups) {
     return {groups.Number(210), groups.Number(220), groups.Number(230, 1)};
 }
 
-// The kinds that have a file of their own. The reader stands behind the entity in dxf.groups.
-using DxfKindFunction = void (*)(DxfDecoder& dxf, DxfReader* reader);
-// Instead, makes a step of it, with its numbers in dxf.numbers; false when it cannot be one. Then dxf.groups may be
-// lost.
-using DxfStepFunction = bool (*)(DxfDecoder& dxf, DxfReader* reader, DxfStep* step);
+// ---- Kinds (full_dxf_entities.cpp)
+
+struct DxfKind {
+    char name[24];
+    // Draws the entity in dxf.groups; the reader stands behind it.
+    void (*draw)(DxfDecoder& dxf, DxfReader* reader);
+    enum class Space { kWorld, kObject } space;  // that its points are in
+    // Instead, makes a step of it, with its numbers in dxf.numbers; false when it cannot be one. Then dxf.groups may be
+    // lost. Null for a kind that is always drawn.
+    bool (*take)(DxfDecoder& dxf, DxfReader* reader, DxfStep* step) = nullptr;
+    bool isPart = false;  // of an insert: not counted
+};
+extern const DxfKind kDxfKinds[];
+const DxfKind* FindDxfKind(ByteView name);  // null for one that is not in the table
+
+void DrawDxfCircleArc(DxfDecoder& dxf, Vector3 centre, double radius, double start, double sweep);
+
+// The kinds that have a file of their own.
 bool TakeDxfPolyline(DxfDecoder& dxf, DxfReader* reader, DxfStep* step);
 bool TakeDxfLwPolyline(DxfDecoder& dxf, DxfReader* reader, DxfStep* step);
 bool TakeDxfSpline(DxfDecoder& dxf, DxfReader* reader, DxfStep* step);
