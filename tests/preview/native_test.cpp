@@ -92,6 +92,27 @@ TEST(GatherRecordText, Table) {
     }
 }
 
+// A chain over 1,000 deleted continuations, one of which a filler pattern marks: it counts as deleted as long as the
+// text stands before it.
+TEST(GatherRecordText, LongChains) {
+    constexpr unsigned kLast = 1003, kFilled = 700;
+    const std::string most = "abcdefghijklmn";
+    std::string records = TextRecord({}, 0, most, 2);
+    for (unsigned number = 2; number < kLast - 1; ++number)
+        records += ContinuationRecord("x", number + 1, number == kFilled ? 0x25A5 : 1);
+    records += ContinuationRecord("end") + TextRecord({}, 0, most, 2);
+    const auto text = [&](unsigned number, unsigned count) {
+        char out[256];
+        const GuardBlock block(records.substr(0, std::size_t{64} * count));
+        return std::string(out, GatherRecordText(number, count, block.View(), out, sizeof(out)));
+    };
+    EXPECT_EQ(text(1, kLast), Wide(most + "end"));
+    EXPECT_EQ(text(kLast, kLast), Wide(most + "x")) << "and the zeros behind it end the text";
+    EXPECT_EQ(text(1, kLast - 2), Wide(most)) << "the chain leads behind the last record";
+    records.replace((kLast - 3) * 64 + 62, 2, Raw(std::uint16_t{2}));  // a ring
+    EXPECT_EQ(text(1, kLast), Wide(most));
+}
+
 // Filler patterns count when a record is reached, not when a text before it looks ahead.
 TEST(DecodeNative, TextFillers) {
     const std::string most = "abcdefghijklmn", more(42, 'x'), dot = "\x81\x45";

@@ -50,9 +50,11 @@ TEST(DrawPreviewPrimitive, AsTheCanvasDrawsIt) {
         for (Stroke s : strokes) EXPECT_EQ(DrawPreviewPrimitive(canvas.dc.get(), canvas.view, s.primitive), 1);
         EXPECT_EQ(GetCurrentObject(canvas.dc.get(), OBJ_FONT), font);
     };
-    EXPECT_EQ(OnCanvas(160, 120, onDc), OnCanvas(160, 120, [&](Canvas& canvas) {
-                  for (Stroke s : strokes) canvas.draw(canvas, s.primitive, 0);
-              }));
+    const std::string expected = OnCanvas(160, 120, [&](Canvas& canvas) {
+        for (Stroke s : strokes) canvas.draw(canvas, s.primitive, 0);
+    });
+    EXPECT_TRUE(HasInk(expected));
+    EXPECT_EQ(OnCanvas(160, 120, onDc), expected);
 }
 
 TEST(DrawPreviewPrimitive, TextAsGdiDrawsIt) {

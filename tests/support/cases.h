@@ -1,4 +1,5 @@
-// What tests try, kept as text: files beside the tests, in blocks under lines "[name]".
+// What tests try, kept as text: files beside the tests, in blocks under lines "[name]". What stands before the first
+// block explains them.
 #pragma once
 
 #include <string>

@@ -64,9 +64,7 @@ constexpr RECT kPane = {0, 0, 300, 200};
 UniqueBitmap Preview(const std::string& path, DWORD renderMode = kRenderColor, const RECT& target = kPane,
                      std::string* comment = nullptr);
 
-// By how many kilobytes the preview of a file raises the peak of memory.
-int PreviewMemory(Bench* bench, const std::string& path, DWORD renderMode);
-// Adds its row: at most `factor` times the drawing's size and so many megabytes more.
+// Adds the row of a preview's peak of memory: at most `factor` times the drawing's size and so many megabytes more.
 void AddMemoryRow(Bench* bench, const std::string& drawing, DWORD renderMode, double factor, double more);
 // What happens in a process of its own; its exit code.
 constexpr char kPreviewMemoryOption[] = "--preview-memory";

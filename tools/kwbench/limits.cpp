@@ -82,8 +82,9 @@ int MeasurePreviewMemory(const char* smallDrawing, const char* renderMode, const
     return static_cast<int>(std::max(resident, committed) / 1024);
 }
 
-// A process's peak never falls, so each is measured in a process of its own.
-int PreviewMemory(Bench* bench, const std::string& path, DWORD renderMode) {
+// By how many kilobytes the preview of a file raises the peak of memory. A process's peak never falls, so each is
+// measured in a process of its own.
+static int PreviewMemory(Bench* bench, const std::string& path, DWORD renderMode) {
     const auto quoted = [](const std::string& argument) { return "\"" + argument + "\""; };
     const std::string small = quoted(DrawingOf(bench, "dxf 1 MB").path), file = quoted(path);
     char program[MAX_PATH] = "";
