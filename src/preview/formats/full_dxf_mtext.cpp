@@ -399,6 +399,7 @@ void DrawParagraphs(DxfDecoder& dxf, const DxfParagraphPlace& place) {
     CodeReader codes = {dxf, dxf.text};
     codes.textHeight = place.height;
     codes.Read();
+    dxf.budget.Charge(static_cast<long long>(p.characters.size() / 2));  // seen edge-on they are not drawn
     if (p.characters.empty()) return;
     FindLines(&p, place.width / place.height / place.widthFactor);
 
