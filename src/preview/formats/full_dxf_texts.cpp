@@ -27,7 +27,7 @@ enum Generation { kBackward = 2, kUpsideDown = 4 };
 
 DxfTextStyle TextStyleOf(DxfDecoder& dxf, ByteView name) {
     DxfTextStyle style;
-    const DxfNames::Row* const row = dxf.tables.styles.Find(dxf.form, name);
+    const DxfNames::Row* const row = dxf.budget.left ? dxf.tables.styles.Find(dxf.form, name) : nullptr;
     if (!row) return style;
     DxfReader reader = {&dxf.form, row->begin};
     DxfPair pair;
