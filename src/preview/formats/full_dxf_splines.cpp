@@ -122,8 +122,11 @@ static void PathAlongControls(DxfDecoder& dxf, DxfSpline* s) {
             for (std::size_t i = span - p; i < span; ++i) {
                 length += Length(s->controls[i + 1].x - s->controls[i].x, s->controls[i + 1].y - s->controls[i].y);
             }
-            PathAlongPiece(
-                dxf, [&](double t) { return at(*s, span, t); }, from, to, length);
+            const auto point = [&](double t) {
+                dxf.budget.Charge(std::int64_t{s->degree} * s->degree / 16);  // nothing up to the usual cubic
+                return at(*s, span, t);
+            };
+            PathAlongPiece(dxf, point, from, to, length);
         }
     }
 }
