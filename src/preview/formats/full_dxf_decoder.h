@@ -156,7 +156,7 @@ struct DxfBlock {
     std::size_t elements = 0;
 };
 
-// Lines without end and dimensions without a block do not count when a drawing is measured, unless it has nothing else.
+// Lines without end do not count when a drawing is measured, unless it has nothing else.
 enum class DxfAside { kNone, kMet, kMeasured };
 
 struct DxfDecoder {
