@@ -393,13 +393,13 @@ void DrawParagraphs(DxfDecoder& dxf, const DxfParagraphPlace& place) {
     if (!(place.height > 0) || !IsDrawable(place.height)) return;
     dxf.text.clear();
     AppendUnicode(dxf.encoding, {reinterpret_cast<const std::uint8_t*>(p.bytes.data()), p.bytes.size()}, &dxf.text);
+    dxf.budget.Charge(static_cast<long long>(dxf.text.size() / 2));  // codes, and what is seen edge-on, draw nothing
     p.characters.clear();
     p.lookOf.clear();
     p.looks.clear();
     CodeReader codes = {dxf, dxf.text};
     codes.textHeight = place.height;
     codes.Read();
-    dxf.budget.Charge(static_cast<long long>(p.characters.size() / 2));  // seen edge-on they are not drawn
     if (p.characters.empty()) return;
     FindLines(&p, place.width / place.height / place.widthFactor);
 
