@@ -137,6 +137,7 @@ static void PathAlongControls(DxfDecoder& dxf, DxfSpline* s) {
 // and `controls` are free here and hold what the solution needs.
 static void PathAlongFits(DxfDecoder& dxf, DxfSpline* s) {
     std::vector<WorldPoint>& points = s->fits;
+    dxf.budget.Charge(static_cast<long long>(points.size()));
     // Points on one spot have no chord between them.
     points.erase(std::unique(points.begin(), points.end(),
                              [](WorldPoint a, WorldPoint b) { return Length(a.x - b.x, a.y - b.y) < 1e-12; }),
