@@ -16,7 +16,7 @@
 // Work that a file may cost. It grows with the file; a unit is an element, a segment or a group that is read again.
 //
 // What stands in the drawing itself is drawn in any case, since that cannot grow faster than the file: without budget
-// only inserts are left out, and curves become coarse.
+// only inserts are left out, curves become coarse, and styles are no longer read.
 struct DxfBudget {
     long long left = 0;
     bool Charge(long long units) {

@@ -22,7 +22,9 @@ Vector3 ToLeft(Vector3 unit) { return {-unit.y, unit.x, 0}; }
 DxfDimensionStyle StyleOfEntity(DxfDecoder& dxf) {
     DxfDimensionStyle style = dxf.tables.dimensionStyle;
     DxfPair pair;
-    if (const DxfNames::Row* const row = dxf.tables.dimensionStyles.Find(dxf.form, dxf.groups.Text(3))) {
+    const DxfNames::Row* const row =
+        dxf.budget.left ? dxf.tables.dimensionStyles.Find(dxf.form, dxf.groups.Text(3)) : nullptr;
+    if (row) {
         DxfReader reader = {&dxf.form, row->begin};
         while (NextInRecord(&reader, &pair)) TakeDimensionValue(dxf.form, pair.code, pair, &style);
         dxf.budget.Charge(static_cast<long long>((reader.at - row->begin) / 16));

@@ -128,7 +128,8 @@ static void DrawEndless(DxfDecoder& dxf, bool bothWays) {
 static void DrawRay(DxfDecoder& dxf, DxfReader*) { DrawEndless(dxf, false); }
 static void DrawXLine(DxfDecoder& dxf, DxfReader*) { DrawEndless(dxf, true); }
 
-// One line for each element of its style: a vertex tells each one's distance along its miter.
+// One line for each element of its style: a vertex tells each one's distance along its miter. The first vertex tells
+// how many there are.
 static void DrawMLine(DxfDecoder& dxf, DxfReader*) {
     constexpr int kMostElements = 16;
     WorldPoint before[kMostElements], first[kMostElements];
@@ -136,7 +137,7 @@ static void DrawMLine(DxfDecoder& dxf, DxfReader*) {
     DxfRecordWalk record(dxf.groups);
     DxfPair pair;
     Vector3 vertex = {}, miter = {};
-    int vertices = 0, element = 0, parameters = 0;
+    int vertices = 0, elements = 0, element = 0, parameters = 0;
     while (record.Next(&pair) && dxf.MayContinue()) {
         const double value = pair.code < 60 ? DxfNumber(dxf.form, pair.code, pair.value) : 0;
         switch (pair.code) {
@@ -155,15 +156,15 @@ static void DrawMLine(DxfDecoder& dxf, DxfReader*) {
                 if (parameters++ != 0 || element >= kMostElements) break;
                 const WorldPoint at =
                     dxf.map.Point({vertex.x + miter.x * value, vertex.y + miter.y * value, vertex.z + miter.z * value});
-                if (vertices == 1) first[element] = at;
-                else DrawDxfLine(dxf, before[element], at);
+                if (vertices == 1) first[elements++] = at;
+                else if (element < elements) DrawDxfLine(dxf, before[element], at);
                 before[element++] = at;
                 break;
             }
             default: break;
         }
     }
-    for (int i = 0; closed && vertices > 2 && i < element; ++i) DrawDxfLine(dxf, before[i], first[i]);
+    for (int i = 0; closed && vertices > 2 && i < elements; ++i) DrawDxfLine(dxf, before[i], first[i]);
 }
 
 static void DrawOutline(DxfDecoder& dxf, const Vector3* corners, int count) {

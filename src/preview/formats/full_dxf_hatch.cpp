@@ -357,7 +357,7 @@ bool DrawPattern(DxfDecoder& dxf, const Hatch& hatch, double z) {
     for (int i = 0; i < hatch.lineCount && dxf.MayContinue(); ++i) {
         crossings.clear();
         if (!FamilyOf(dxf, hatch.lines[i], z, &family) || !FindCrossings(dxf, family, &crossings)) continue;
-        for (std::size_t c = 0; c + 1 < crossings.size() && dxf.budget.left; ++c) {
+        for (std::size_t c = 0; c + 1 < crossings.size() && dxf.budget.left && dxf.MayContinue(); ++c) {
             if (crossings[c].line != crossings[c + 1].line) continue;
             DrawDashes(dxf, hatch.lines[i], family, crossings[c], crossings[c + 1].along);
             ++c;

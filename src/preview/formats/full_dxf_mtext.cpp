@@ -393,6 +393,7 @@ void DrawParagraphs(DxfDecoder& dxf, const DxfParagraphPlace& place) {
     if (!(place.height > 0) || !IsDrawable(place.height)) return;
     dxf.text.clear();
     AppendUnicode(dxf.encoding, {reinterpret_cast<const std::uint8_t*>(p.bytes.data()), p.bytes.size()}, &dxf.text);
+    dxf.budget.Charge(static_cast<long long>(dxf.text.size() / 2));  // codes, and what is seen edge-on, draw nothing
     p.characters.clear();
     p.lookOf.clear();
     p.looks.clear();

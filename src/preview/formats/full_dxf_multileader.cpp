@@ -163,6 +163,9 @@ void DrawDxfMultiLeader(DxfDecoder& dxf, DxfReader*) {
     BeginPath(dxf);
     while (record.Next(&pair) && dxf.MayContinue()) walk.Take(pair);
     EndPath(dxf);
+    const DxfLook look = LookOfEntityLayer(dxf);
+    const PlaneMap map = dxf.map;
+    const unsigned pen = dxf.pen;
     if (walk.hasText) {
         Vector3& along = walk.text.place.along;
         if (along.x == 0 && along.y == 0 && along.z == 0) along = {std::cos(walk.angle), std::sin(walk.angle), 0};
@@ -170,9 +173,7 @@ void DrawDxfMultiLeader(DxfDecoder& dxf, DxfReader*) {
         walk.text.place.up = UpFromText(AxesOfNormal(walk.normal).z, walk.text.place.along);
         DrawParagraphs(dxf, walk.text);
     }
-    const DxfLook look = LookOfEntityLayer(dxf);
-    const PlaneMap map = dxf.map;
-    const unsigned pen = dxf.pen;
+    dxf.pen = pen;  // a text too small to be read changes it
     DrawDxfArrows(dxf, walk.arrows, walk.arrowCount, walk.arrowSize, walk.style.arrow);
     const DxfNames::Row* const block = walk.hasBlock ? FindDxfBlockOf(dxf, walk.block) : nullptr;
     if (!block) return;

@@ -122,8 +122,11 @@ static void PathAlongControls(DxfDecoder& dxf, DxfSpline* s) {
             for (std::size_t i = span - p; i < span; ++i) {
                 length += Length(s->controls[i + 1].x - s->controls[i].x, s->controls[i + 1].y - s->controls[i].y);
             }
-            PathAlongPiece(
-                dxf, [&](double t) { return at(*s, span, t); }, from, to, length);
+            const auto point = [&](double t) {
+                dxf.budget.Charge(std::int64_t{s->degree} * s->degree / 16);  // nothing up to the usual cubic
+                return at(*s, span, t);
+            };
+            PathAlongPiece(dxf, point, from, to, length);
         }
     }
 }
@@ -134,6 +137,7 @@ static void PathAlongControls(DxfDecoder& dxf, DxfSpline* s) {
 // and `controls` are free here and hold what the solution needs.
 static void PathAlongFits(DxfDecoder& dxf, DxfSpline* s) {
     std::vector<WorldPoint>& points = s->fits;
+    dxf.budget.Charge(static_cast<long long>(points.size()));
     // Points on one spot have no chord between them.
     points.erase(std::unique(points.begin(), points.end(),
                              [](WorldPoint a, WorldPoint b) { return Length(a.x - b.x, a.y - b.y) < 1e-12; }),

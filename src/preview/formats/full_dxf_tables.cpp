@@ -75,10 +75,12 @@ static std::uint32_t HashOfName(ByteView name) {
     return hash;
 }
 
-void DxfNames::Add(ByteView name, std::size_t begin, std::size_t pair) {
+void DxfNames::Add(const DxfForm& form, ByteView name, std::size_t begin) {
     if (rows.size() >= kMostRows) return;
-    rows.push_back(
-        {HashOfName(Trimmed(name)), static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(pair), 0, 0});
+    name = Trimmed(name);
+    rows.push_back({HashOfName(name), static_cast<std::uint32_t>(begin),
+                    static_cast<std::uint32_t>(name.data - form.file.data), static_cast<std::uint32_t>(name.size), 0,
+                    0});
 }
 
 void DxfNames::Sort() {
@@ -88,9 +90,7 @@ void DxfNames::Sort() {
 }
 
 static ByteView NameOfRow(const DxfForm& form, const DxfNames::Row& row) {
-    DxfReader reader = {&form, row.name};
-    DxfPair pair;
-    return reader.Next(&pair) ? Trimmed(pair.value) : ByteView{};
+    return {form.file.data + row.name, row.length};
 }
 
 const DxfNames::Row* DxfNames::Find(const DxfForm& form, ByteView name) const {
@@ -312,8 +312,8 @@ bool SurveyDxf(const DxfForm& form, std::size_t begin, const std::atomic<std::in
             if (out->moreEntities.size() < kMostSections)
                 out->moreEntities.push_back(static_cast<std::uint32_t>(reader.at));
         } else if (pair.code == 2 && named) {
-            // The pair is read again by each search, so nothing else may stand in it.
-            if (reader.at - before <= kLongestName) named->Add(pair.value, record, before);
+            // Each search may compare it several times.
+            if (reader.at - before <= kLongestName) named->Add(form, pair.value, record);
             named = nullptr;
         } else if (pair.code == 999) {
             if (out->remarks == kNowhere) out->remarks = before;

@@ -1,5 +1,5 @@
-// What a DXF file says before and beside its entities: header, layers, line types, text styles and blocks. A table
-// holds places in the file, and a row is read again where it is needed.
+// What a DXF file says before and beside its entities: header, layers, line types, styles and blocks. A table holds
+// places in the file, and a row is read again where it is needed.
 #pragma once
 
 #include <atomic>
@@ -56,14 +56,15 @@ bool NextInRecord(DxfReader* reader, DxfPair* pair);
 struct DxfNames {
     struct Row {
         std::uint32_t hash;
-        std::uint32_t begin;  // of the record's pairs
-        std::uint32_t name;   // the pair that names it
-        std::uint32_t value;  // what the table's owner makes of it
-        std::uint32_t owner;  // of a block: the handle by which others name it too
+        std::uint32_t begin;   // of the record's pairs
+        std::uint32_t name;    // where it stands, without blanks around it
+        std::uint32_t length;  // of the name
+        std::uint32_t value;   // what the table's owner makes of it
+        std::uint32_t owner;   // of a block: the handle by which others name it too
     };
     std::vector<Row> rows;  // sorted by hash once the table is whole
 
-    void Add(ByteView name, std::size_t begin, std::size_t pair);
+    void Add(const DxfForm& form, ByteView name, std::size_t begin);
     void Sort();
     const Row* Find(const DxfForm& form, ByteView name) const;
 };

@@ -27,7 +27,7 @@ enum Generation { kBackward = 2, kUpsideDown = 4 };
 
 DxfTextStyle TextStyleOf(DxfDecoder& dxf, ByteView name) {
     DxfTextStyle style;
-    const DxfNames::Row* const row = dxf.tables.styles.Find(dxf.form, name);
+    const DxfNames::Row* const row = dxf.budget.left ? dxf.tables.styles.Find(dxf.form, name) : nullptr;
     if (!row) return style;
     DxfReader reader = {&dxf.form, row->begin};
     DxfPair pair;
@@ -140,6 +140,7 @@ void DrawDxfTextStep(DxfDecoder& dxf, const DxfStep& step) {
     const double* const n = step.numbers;
     const DxfTextPlace place = {{n[0], n[1], 0}, {n[2], n[3], 0}, {-n[3], n[2], 0}};
     const ByteView bytes = {dxf.form.file.data + step.begin, static_cast<std::size_t>(n[8])};
+    dxf.budget.Charge(static_cast<long long>(bytes.size / 16));  // of which not all need come out as characters
     DrawLineOfText(dxf,
                    {bytes, place, n[4], n[5], n[6], n[7], step.detail & 3, step.detail >> 2 & 3, step.detail >> 4});
 }

@@ -243,7 +243,7 @@ static void ReadBlock(DxfDecoder& dxf, DxfBlock* block) {
         const std::uint32_t cost = walk.Cost();
         if (TakeStep(dxf, *kind, true, &walk.reader, &step)) {
             if (step.what == DxfStep::kNothing) continue;
-            step.cost = 1;  // and what it draws
+            step.cost = 1 + step.count / 8;  // and what it draws, which may be nothing
         } else {
             step = EntityStep(*kind, walk.begin);
             step.cost = cost;  // it is read each time
