@@ -57,13 +57,14 @@ static void DrawEntity(DxfDecoder& dxf, const DxfKind& kind, DxfReader* reader) 
     const DxfLook look = LookOfEntityLayer(dxf);
     if (look.frozen || (look.off && !isInsert)) return;
     if (isInsert) dxf.attributesHidden = false;
+    const bool attributesHidden = dxf.attributesHidden;
     dxf.pen = PenAt(*dxf.place, PenOfEntity(dxf, look.pen));
     dxf.map = dxf.place->map;
     if (kind.space == DxfKind::Space::kObject && HasOwnAxes(groups)) {
         dxf.map = Compose(dxf.map, AxesOfNormal(NormalOf(groups)), {0, 0, 0});
     }
     kind.draw(dxf, reader);
-    if (isInsert) dxf.attributesHidden = false;  // whichever inserts its block hides
+    dxf.attributesHidden = attributesHidden;  // whichever inserts a block hides
 }
 
 // ---- Steps
