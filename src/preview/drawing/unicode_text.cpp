@@ -10,7 +10,7 @@
 #include "preview/drawing/strokes.h"
 
 static constexpr double kPi = 3.14159265358979323846;
-static constexpr double kUsualCapital = 0.716, kDescent = 0.28;  // in ems; in capitals
+static constexpr double kUsualCapital = 0.716;  // in ems
 
 static UniqueFont MakeFont(std::int32_t em) {
     LOGFONTW font = {};
@@ -109,7 +109,7 @@ bool KeepUnicodeText(HDC dc, const ViewTransform& view, const UnicodeText& text,
     if (!std::isfinite(frame.eM11 + frame.eM12 + frame.eM21 + frame.eM22)) return false;
 
     const double capital = whole * texts->capital;  // font pixels
-    const double raises[] = {0, kDescent, -0.5, -1};
+    const double raises[] = {0, kTextDescent, -0.5, -1};
     const double base = -raises[text.vertical & 3] * capital;  // the base line, downward from the anchor
     const double left = -width * text.horizontal / 2.0;
     texts->waiting.push_back({whole, frame, static_cast<int>(std::lround(left)), base, width, text.underlined,

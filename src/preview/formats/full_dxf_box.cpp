@@ -28,12 +28,11 @@ double WidthOfText(const char16_t* text, std::size_t length, double height) {
 }
 
 void FrameOfText(const UnicodeText& text, WorldPoint corners[4]) {
-    constexpr double kDescent = 0.28;  // of a capital's height
     const double width =
         text.fitWidth > 0 ? text.fitWidth : WidthOfText(text.text, text.length, text.height) * text.widthFactor;
     double left = -width * text.horizontal / 2, right = left + width;
     double bottom = 0;
-    if (text.vertical == 1) bottom = text.height * kDescent;
+    if (text.vertical == 1) bottom = text.height * kTextDescent;
     if (text.vertical == 2) bottom = -text.height / 2;
     if (text.vertical == 3) bottom = -text.height;
     double top = bottom + text.height;

@@ -388,7 +388,6 @@ double PlaceLines(DxfParagraphs* p, const DxfParagraphPlace& place, int horizont
 }  // namespace
 
 void DrawParagraphs(DxfDecoder& dxf, const DxfParagraphPlace& place) {
-    constexpr double kDescent = 0.28;
     DxfParagraphs& p = dxf.paragraphs;
     if (!(place.height > 0) || !IsDrawable(place.height)) return;
     dxf.text.clear();
@@ -407,7 +406,7 @@ void DrawParagraphs(DxfDecoder& dxf, const DxfParagraphPlace& place) {
     double up = 0;
     const double total = PlaceLines(&p, place, horizontal);
     if (attachment / 3 == 1) up = total / 2;
-    if (attachment / 3 == 2) up = total + kDescent * p.lines.back().height;
+    if (attachment / 3 == 2) up = total + kTextDescent * p.lines.back().height;
     const Frame frame = {dxf, place};
     for (DxfParagraphs::Line& line : p.lines) {
         if (!dxf.MayContinue()) return;

@@ -19,6 +19,9 @@ struct Path {
     bool filled;  // outlines are closed by themselves then
 };
 
+// How far letters reach below the base line, in heights of a capital letter.
+constexpr double kTextDescent = 0.28;
+
 // A line of Unicode text. Lengths are drawing units.
 struct UnicodeText {
     WorldPoint at;
