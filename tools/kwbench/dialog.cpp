@@ -62,6 +62,7 @@ void BenchDialog(Bench* bench) {
         });
     };
     Measure(1, {several(controlled), several(bare)});  // what the system loads for its first dialogs
-    AddComparison(bench, std::to_string(kTurn) + " dialogs of 100 items", bench->quick ? 5 : 15, several(controlled),
-                  several(bare), 1.5);
+    std::string what = std::to_string(kTurn);
+    what += " dialogs of 100 items";
+    AddComparison(bench, what, bench->quick ? 5 : 15, several(controlled), several(bare), 1.5);
 }
